@@ -1,0 +1,36 @@
+# Flags every target of this project is built with, and the helper that makes
+# one static library out of a folder.
+
+add_library(velka_options INTERFACE)
+# Tone and position arithmetic must give the same bits everywhere, so the
+# compiler may not fuse a multiply and an add.
+target_compile_options(velka_options INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -Werror -ffp-contract=off)
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g -DNDEBUG")
+
+if(VELKA_SANITIZE)
+  target_compile_options(velka_options INTERFACE
+    -fsanitize=${VELKA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(velka_options INTERFACE -fsanitize=${VELKA_SANITIZE})
+elseif(VELKA_COVERAGE)
+  target_compile_options(velka_options INTERFACE --coverage)
+  target_link_options(velka_options INTERFACE --coverage)
+else()
+  target_compile_options(velka_options INTERFACE -fstack-protector-strong)
+  target_link_options(velka_options INTERFACE -Wl,-z,relro,-z,now)
+  if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(velka_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  endif()
+endif()
+
+include(CheckPIESupported)
+check_pie_supported()
+
+# velka_library(NAME SOURCES... [LINKS...]): libvelka_NAME.a; its headers are
+# found by whoever links it.
+function(velka_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(velka_${name} STATIC ${ARG_SOURCES})
+  target_include_directories(velka_${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(velka_${name} PUBLIC ${ARG_LINKS} PRIVATE velka_options)
+endfunction()
