@@ -1,0 +1,133 @@
+#include "ErrorDiffusion.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "ByteMath.h"
+#include "CheckedMath.h"
+
+namespace velka {
+namespace {
+
+int16_t share(int error, int weight) {
+  return static_cast<int16_t>(std::clamp(error * weight / 16, -255, 255));
+}
+
+uint8_t add(uint8_t value, int16_t part) {
+  return static_cast<uint8_t>(clampToByte(value + part));
+}
+
+/// The number of bytes equal to the first one, from 1 to `size`.
+size_t runLength(const uint8_t* bytes, size_t size) {
+  const uint64_t same = 0x0101010101010101U * bytes[0];
+  size_t n = 1;
+  for (uint64_t next = 0; size - n >= sizeof(next); n += sizeof(next)) {
+    std::memcpy(&next, bytes + n, sizeof(next));
+    if (next != same) {
+      break;
+    }
+  }
+  while (n < size && bytes[n] == bytes[0]) {
+    ++n;
+  }
+  return n;
+}
+
+void diffuseLastRow(const DiffusionTable& table, uint8_t* row, uint8_t* out, size_t columns) {
+  for (size_t x = 0; x < columns; ++x) {
+    out[x] = table.output[row[x]];
+    if (x + 1 < columns) {
+      row[x + 1] = add(row[x + 1], table.shares[row[x]].right);
+    }
+  }
+}
+
+/// A row and the one below it. The row below is written one column late, when it
+/// has its third share, so three of its pixels are on the way at a time.
+class RowPair {
+ public:
+  RowPair(const DiffusionTable& table, uint8_t* row, uint8_t* below, uint8_t* out, size_t columns)
+      : table_(table), row_(row), below_(below), out_(out), columns_(columns) {}
+
+  void diffuse() {
+    size_t x = 0;
+    while (x < columns_) {
+      x = table_.clean[row_[x]] ? passRun(x) : spread(x);
+    }
+  }
+
+ private:
+  size_t passRun(size_t x) {
+    const size_t length = runLength(row_ + x, columns_ - x);
+    std::memset(out_ + x, table_.output[row_[x]], length);
+    return x + length;
+  }
+
+  /// Goes on from `x` until a value leaves no error or the row ends.
+  size_t spread(size_t x) {
+    uint8_t value = row_[x];
+    uint8_t left = x > 0 ? below_[x - 1] : uint8_t{0};
+    uint8_t here = below_[x];
+    const size_t begin = x;
+    const size_t last = columns_ - 1;
+    for (; x < last && !table_.clean[value]; ++x) {
+      const DiffusionTable::Shares shares = table_.shares[value];
+      row_[x] = value;
+      out_[x] = table_.output[value];
+      if (x > 0) {
+        below_[x - 1] = add(left, shares.leftDown);
+      }
+      left = add(here, shares.down);
+      here = add(below_[x + 1], shares.rightDown);
+      value = add(row_[x + 1], shares.right);
+    }
+    row_[x] = value;
+    below_[x] = here;
+    if (x > begin) {
+      below_[x - 1] = left;
+    }
+    return x == last ? finish(x) : x;
+  }
+
+  size_t finish(size_t x) {
+    const DiffusionTable::Shares shares = table_.shares[row_[x]];
+    out_[x] = table_.output[row_[x]];
+    if (x > 0) {
+      below_[x - 1] = add(below_[x - 1], shares.leftDown);
+    }
+    below_[x] = add(below_[x], shares.down);
+    return x + 1;
+  }
+
+  const DiffusionTable& table_;
+  uint8_t* row_;
+  uint8_t* below_;
+  uint8_t* out_;
+  size_t columns_;
+};
+
+}  // namespace
+
+DiffusionTable::DiffusionTable(short dotFactor, short threshold) {
+  for (int value = 0; value < 256; ++value) {
+    const bool dot = value <= threshold;
+    const double printed = dot ? dotFactor / 10.0 * value : 255.0;
+    const int error = truncateToInt32(value - printed);
+    const auto i = static_cast<size_t>(value);
+    shares[i] = {share(error, 7), share(error, 3), share(error, 5), share(error, 1)};
+    output[i] = dot ? 0 : 255;
+    // The right share is the largest: without it there is none.
+    clean[i] = shares[i].right == 0;
+  }
+}
+
+void diffuseRow(const DiffusionTable& table, uint8_t* row, uint8_t* below, uint8_t* out,
+                size_t columns) {
+  if (below == nullptr) {
+    diffuseLastRow(table, row, out, columns);
+  } else {
+    RowPair(table, row, below, out, columns).diffuse();
+  }
+}
+
+}  // namespace velka

@@ -1,0 +1,76 @@
+#include "GrayScale.h"
+
+#include <bit>
+#include <limits>
+
+#include "CheckedMath.h"
+#include "ColorManagment.h"
+
+namespace velka {
+namespace {
+
+int grayByFormula(double luminance) {
+  CColorManagment color;
+  const double lightness = 116.0 * color.Fn_XYZToLab(luminance) - 16.0;
+  return truncateToInt32(lightness / 100.0 * 255.0 + 0.55);
+}
+
+/// The smallest luminance of at least this grey. Positive doubles are ordered like
+/// their bit patterns, so halving the patterns ends at the exact value.
+double cutPoint(int gray) {
+  auto below = std::bit_cast<uint64_t>(0.0);
+  auto reached = std::bit_cast<uint64_t>(1.0);
+  while (reached - below > 1) {
+    const uint64_t middle = below + (reached - below) / 2;
+    (grayByFormula(std::bit_cast<double>(middle)) >= gray ? reached : below) = middle;
+  }
+  return std::bit_cast<double>(reached);
+}
+
+std::array<Contributions, 3> makeContributions() {
+  std::array<Contributions, 3> contributions{};
+  CColorManagment color;
+  for (size_t channel = 0; channel < 3; ++channel) {
+    for (size_t v = 0; v < 256; ++v) {
+      const double linear = color.ToLinear(static_cast<double>(v) / 255.0);
+      contributions[channel][v] = gsRGBcm[1][channel] * linear;
+    }
+  }
+  return contributions;
+}
+
+}  // namespace
+
+const std::array<Contributions, 3>& channelContributions() {
+  static const std::array<Contributions, 3> contributions = makeContributions();
+  return contributions;
+}
+
+GrayScale::GrayScale() {
+  const auto& [red, green, blue] = channelContributions();
+  for (int gray = 1; gray <= 254; ++gray) {
+    cuts_[static_cast<size_t>(gray - 1)] = cutPoint(gray);
+  }
+  // The formula gives white 254; it is 255 by decree.
+  cuts_[254] = red[255] + green[255] + blue[255];
+  cuts_[255] = std::numeric_limits<double>::infinity();
+  unsigned below = 0;
+  for (int cell = 0; cell < kCells; ++cell) {
+    while (cuts_[below] <= static_cast<double>(cell) / kCells) {
+      ++below;
+    }
+    cutsBelowCell_[static_cast<size_t>(cell)] = static_cast<uint8_t>(below);
+  }
+}
+
+const GrayScale& GrayScale::instance() {
+  static const GrayScale scale;
+  return scale;
+}
+
+uint8_t grayOfRgb(uint8_t r, uint8_t g, uint8_t b) {
+  const auto& [red, green, blue] = channelContributions();
+  return GrayScale::instance().gray(red[r] + green[g] + blue[b]);
+}
+
+}  // namespace velka

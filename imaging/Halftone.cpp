@@ -1,0 +1,101 @@
+#include "Halftone.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "ErrorDiffusion.h"
+#include "HalftoneScreens.h"
+
+namespace velka {
+namespace {
+
+struct Plane {
+  uint8_t* in;
+  uint8_t* out;
+  size_t rows;
+  size_t columns;
+  size_t stride;
+};
+
+// Every screen's side divides 48, so one period fits all of them.
+constexpr size_t kPeriod = 48;
+
+/// What a value must reach to stay blank, for 48 columns of one row.
+using BlankLimits = uint8_t[kPeriod];
+
+void applyLimits(const uint8_t* in, uint8_t* out, size_t columns, const BlankLimits& limits) {
+  size_t x = 0;
+  for (; columns - x >= kPeriod; x += kPeriod) {
+    for (size_t i = 0; i < kPeriod; ++i) {
+      out[x + i] = in[x + i] >= limits[i] ? 255 : 0;
+    }
+  }
+  for (size_t i = 0; x + i < columns; ++i) {
+    out[x + i] = in[x + i] >= limits[i] ? 255 : 0;
+  }
+}
+
+void fixedThreshold(const Plane& plane) {
+  BlankLimits limits;
+  std::fill(std::begin(limits), std::end(limits), uint8_t{101});
+  for (size_t y = 0; y < plane.rows; ++y) {
+    applyLimits(plane.in + y * plane.stride, plane.out + y * plane.stride, plane.columns, limits);
+  }
+}
+
+template <size_t N>
+void screen(const Plane& plane, const Screen<N>& pattern) {
+  static_assert(kPeriod % N == 0);
+  for (size_t y = 0; y < plane.rows; ++y) {
+    BlankLimits limits;
+    for (size_t x = 0; x < kPeriod; ++x) {
+      // Full ink prints even where the threshold is 0, hence at least 1.
+      const unsigned limit = std::max(pattern.rank[x % N][y % N] * pattern.scale, 1U);
+      limits[x] = static_cast<uint8_t>(limit);
+    }
+    applyLimits(plane.in + y * plane.stride, plane.out + y * plane.stride, plane.columns, limits);
+  }
+}
+
+void diffuse(const Plane& plane, const DiffusionTable& table) {
+  for (size_t y = 0; y < plane.rows; ++y) {
+    uint8_t* row = plane.in + y * plane.stride;
+    uint8_t* below = y + 1 < plane.rows ? row + plane.stride : nullptr;
+    diffuseRow(table, row, below, plane.out + y * plane.stride, plane.columns);
+  }
+}
+
+}  // namespace
+
+int dither(int mode, unsigned char* in, unsigned char* out, unsigned rows, unsigned width,
+           unsigned stride, short dotFactor, short threshold) {
+  // Pixels past the stride would be the next row's, which sets its own anyway.
+  const Plane plane{in, out, rows, std::min(width, stride), stride};
+  if (in == nullptr || out == nullptr || plane.columns == 0) {
+    return 1;
+  }
+  switch (mode) {
+    case 1:
+      fixedThreshold(plane);
+      break;
+    case 3:
+      screen(plane, kScreen6);
+      break;
+    case 4:
+      screen(plane, kScreen8);
+      break;
+    case 5:
+      screen(plane, kScreen12);
+      break;
+    case 6:
+      screen(plane, kScreen16);
+      break;
+    default:
+      diffuse(plane, DiffusionTable(dotFactor, threshold));
+  }
+  return 1;
+}
+
+}  // namespace velka
