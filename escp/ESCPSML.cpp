@@ -1,0 +1,135 @@
+// The page renderer. Its log lines carry this file's name.
+#include "ESCPSML.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "BmpProcessing.h"
+#include "CheckedMath.h"
+#include "CommandBytes.h"
+#include "DeviceHandle.h"
+#include "GrowingBuffer.h"
+#include "PagePlacement.h"
+#include "StandardOutput.h"
+#include "log4z.h"
+
+namespace velka {
+namespace {
+
+constexpr int16_t kMostDpi = 360;
+constexpr int32_t kOrloModel = 1;
+
+// A record's address as the log shows it: its low 32 bits.
+unsigned int shortAddress(const void* record) noexcept {
+  return static_cast<unsigned int>(reinterpret_cast<uintptr_t>(record));
+}
+
+uint32_t bytesPerRow(uint32_t bytes, int32_t rows) noexcept {
+  return rows > 0 ? bytes / static_cast<uint32_t>(rows) : 0;
+}
+
+void logRecords(const _DEVOBJ& devobj) {
+  VELKA_LOG_DEBUG("pOemPDEV: 0x%x, pOemDev: 0x%x, pDevMode: 0x%x", shortAddress(devobj.pOemPDEV),
+                  shortAddress(devobj.pOemDev), shortAddress(devobj.pDevMode));
+  VELKA_LOG_DEBUG("bmInfoHeader.biHeight: %d", devobj.pOemPDEV->bmInfoHeader.biHeight);
+}
+
+// The output side starts as a copy of the source, at no more than 360 dpi.
+void startOutput(const _DEVOBJ& devobj) {
+  _OEMPDEV& pdev = *devobj.pOemPDEV;
+  pdev.bmFileHeaderOut = pdev.bmFileHeader;
+  pdev.bmInfoHeaderOut = pdev.bmInfoHeader;
+  pdev.dwLines = static_cast<uint32_t>(pdev.bmInfoHeader.biHeight);
+  pdev.dwBytesPerLine = bytesPerRow(pdev.dwBufSize, pdev.bmInfoHeader.biHeight);
+  pdev.devModeOut = *devobj.pDevMode;
+  VELKA_LOG_DEBUG("pOemPDEV->devModeOut: 0x%x",
+                  shortAddress(&pdev) + static_cast<unsigned int>(offsetof(_OEMPDEV, devModeOut)));
+  if (pdev.dScaleX > 1.0 || pdev.dScaleY > 1.0) {
+    pdev.devModeOut.dmPrintQuality = kMostDpi;
+    pdev.devModeOut.dmYResolution = kMostDpi;
+  }
+  pdev.devGdiInfo = scaledGeometry(pdev.srcGdiInfo, pdev.dScaleX, pdev.dScaleY);
+}
+
+// A width or height of zero or less is an empty page, which needs no bytes.
+bool allocateOutput(_OEMPDEV& pdev, const PageServices& services) {
+  const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
+  const auto width = static_cast<uint32_t>(std::max(header.biWidth, 0));
+  const auto height = static_cast<uint32_t>(std::max(header.biHeight, 0));
+  const uint64_t stride = paddedRowBytes(width, header.biBitCount);
+  const auto size = checkedMul32(stride, height);
+  services.freeOutputBuffer(&pdev);
+  if (!size || services.growOutputBuffer(&pdev, *size) == 0) return false;
+  std::memset(pdev.pBufStartOut, 0xFF, *size);
+  VELKA_LOG_DEBUG("RenderEscpData memset pBufStartOut dwBufSizeOut: %d", low32(*size));
+  pdev.dwLines = static_cast<uint32_t>(header.biHeight);
+  pdev.dwBytesPerLineOut = bytesPerRow(*size, header.biHeight);
+  return true;
+}
+
+void fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
+  const BitmapView source = {{pdev.pBufStart, pdev.pBufStart == nullptr ? 0 : pdev.dwBufSize},
+                             pdev.dwBytesPerLine};
+  const BitmapView output = {{pdev.pBufStartOut, pdev.dwBufSizeOut}, pdev.dwBytesPerLineOut};
+  if (!source.bytes.empty() && !output.bytes.empty())
+    placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
+  pdev.dwBytesPerLine = pdev.dwBytesPerLineOut;
+  services.freePageBuffer(&pdev);
+}
+
+void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
+                  const PageServices& services) {
+  if (turns == 0 || pdev.dwBufSizeOut == 0) return;
+  unsigned char* image = nullptr;
+  int64_t size = 0;
+  int64_t width = 0;
+  int64_t height = 0;
+  const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
+  if (!processing.RotateImg(pdev.pBufStartOut, header.biWidth, header.biHeight, &image, &size,
+                            &width, &height, header.biBitCount, turns))
+    return;
+  // The turned picture takes the place of the buffer instead of being copied
+  // into a third one.
+  MallocBytes turned(image);
+  if (size > UINT32_MAX) return;
+  services.freeOutputBuffer(&pdev);
+  pdev.pBufStartOut = turned.release();
+  pdev.dwBufSizeOut = static_cast<uint32_t>(size);
+  pdev.bmInfoHeaderOut.biWidth = static_cast<int32_t>(width);
+  pdev.bmInfoHeaderOut.biHeight = static_cast<int32_t>(height);
+  pdev.bmInfoHeaderOut.biSizeImage = pdev.dwBufSizeOut;
+  pdev.dwBytesPerLineOut =
+      static_cast<uint32_t>(paddedRowBytes(static_cast<uint32_t>(width), header.biBitCount));
+  GDIINFO geometry = pdev.devGdiInfo;
+  turnGeometry(geometry, turns);
+  pdev.devGdiInfo = geometry;
+}
+
+bool sendOrloPage(_DEVOBJ& devobj, const PageServices& services) {
+  const bool sent = services.sendOrloPage != nullptr && services.sendOrloPage(devobj);
+  writeToPrinter({&kFormFeed, 1});
+  return sent;
+}
+
+}  // namespace
+
+bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
+  if (!isComplete(devobj) || devobj->pOemPDEV->pEscpSml == nullptr) return false;
+  _OEMPDEV& pdev = *devobj->pOemPDEV;
+  logRecords(*devobj);
+  startOutput(*devobj);
+  const PageOffset offset = printOffset(*devobj->pOemDev, pdev.devModeOut);
+  growGeometry(pdev, pdev.devModeOut.dmOrientation, offset);
+  pdev.pEscpSml->SendStartDocCmd(devobj);
+  VELKA_LOG_DEBUG("RenderEscpData after SendStartDocCmd");
+  if (!allocateOutput(pdev, services)) return false;
+  fillOutput(pdev, offset, services);
+  CBmpProcessing processing;
+  rotateOutput(pdev, quarterTurns(devobj->pOemDev->sRotation, pdev.devModeOut.dmOrientation),
+               processing, services);
+  services.freeSections(&pdev);
+  if (devobj->nModel == kOrloModel) return sendOrloPage(*devobj, services);
+  return pdev.pEscpSml->SendCurPage3(devobj, false) != 0;
+}
+
+}  // namespace velka

@@ -1,0 +1,192 @@
+// One page of the standard model: bitmap to ink planes and print bands.
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "CheckedMath.h"
+#include "DeviceHandle.h"
+#include "ESCPSML.h"
+#include "GrowingBuffer.h"
+#include "Halftone.h"
+#include "Separation.h"
+
+namespace {
+
+constexpr uint8_t kNoInk = 255;
+
+// Rows that one or two head passes cover.
+int bandHeight(short ydpi) noexcept { return ydpi == 360 ? 48 : 24; }
+
+// The bytes of a row that the bitmap really holds.
+std::span<const uint8_t> storedRow(const _OEMPDEV& pdev, int row) noexcept {
+  const uint64_t stride = pdev.dwBytesPerLineOut;
+  const uint64_t offset = stride * static_cast<uint64_t>(row);
+  const uint64_t size = pdev.pBufStartOut == nullptr ? 0 : pdev.dwBufSizeOut;
+  if (offset >= size) return {};
+  return {pdev.pBufStartOut + offset, static_cast<size_t>(size - offset)};
+}
+
+bool isBlank(const _OEMPDEV& pdev, int row) noexcept {
+  const auto rest = storedRow(pdev, row);
+  return velka::isBlankRow(rest.first(std::min<size_t>(rest.size(), pdev.dwBytesPerLineOut)));
+}
+
+unsigned char* newPlane(unsigned int size) noexcept {
+  auto* plane = static_cast<unsigned char*>(std::malloc(std::max(size, 1U)));
+  if (plane != nullptr) std::memset(plane, kNoInk, size);
+  return plane;
+}
+
+void dropTree(_OEMPDEV& pdev) noexcept {
+  delete pdev.pRectTree;
+  pdev.pRectTree = nullptr;
+  pdev.dwRectCount = 0;
+}
+
+void addBand(_OEMPDEV& pdev, int top, int bottom) noexcept {
+  if (pdev.pRectTree == nullptr) pdev.pRectTree = new (std::nothrow) CRectTree;
+  if (pdev.pRectTree == nullptr) return;
+  // The whole width: blank columns are trimmed when the band is packed.
+  const _RECTL band = {0, top, pdev.bmInfoHeaderOut.biWidth - 1, bottom};
+  pdev.pRectTree->insert(band, static_cast<unsigned long>(band.top),
+                         static_cast<unsigned long>(band.left));
+  pdev.dwRectCount = static_cast<uint32_t>(pdev.pRectTree->count);
+}
+
+}  // namespace
+
+CESCPSML::~CESCPSML() {
+  releasePlanes();
+  std::free(m_pCopyBuf);
+}
+
+int CESCPSML::SendCurPage3(_DEVOBJ* devobj, bool /*unused*/) noexcept {
+  if (!velka::isComplete(devobj)) return 0;
+  const _OEMPDEV& pdev = *devobj->pOemPDEV;
+  m_sYResolution = pdev.devModeOut.dmYResolution;
+  m_nPageWidth = std::max(pdev.bmInfoHeaderOut.biWidth, 0);
+  m_nPageHeight = std::max(pdev.bmInfoHeaderOut.biHeight, 0);
+  m_nPlaneStride = m_nPageWidth;
+  m_nBlackFlag = 0;
+  m_nRedFlag = 0;
+  int result = 0;
+  if (allocatePlanes()) {
+    separatePage(*devobj);
+    halftonePlanes(*devobj);
+    result = EncodeAndSend(devobj, 0);
+  }
+  releasePlanes();
+  return result;
+}
+
+bool CESCPSML::allocatePlanes() noexcept {
+  const auto size = velka::checkedMul32(static_cast<uint32_t>(m_nPageWidth),
+                                        static_cast<uint32_t>(m_nPageHeight));
+  if (!size) return false;
+  const auto provide = [&](unsigned char*& plane, unsigned int& planeSize) {
+    if (plane != nullptr && planeSize == *size) return true;
+    std::free(plane);
+    plane = newPlane(*size);
+    planeSize = plane == nullptr ? 0 : *size;
+    return plane != nullptr;
+  };
+  return provide(m_pBlackBuf, m_dwBlackSize) && provide(m_pRedBuf, m_dwRedSize);
+}
+
+void CESCPSML::releasePlanes() noexcept {
+  const auto release = [](unsigned char*& plane, unsigned int& size) {
+    std::free(plane);
+    plane = nullptr;
+    size = 0;
+  };
+  release(m_pBlackBuf, m_dwBlackSize);
+  release(m_pRedBuf, m_dwRedSize);
+  release(m_pImgBuf, m_dwImgSize);
+}
+
+void CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
+  _OEMPDEV& pdev = *devobj.pOemPDEV;
+  const velka::InkRules rules = velka::compileInkRules(*devobj.pOemDev);
+  dropTree(pdev);
+  if (m_nPageWidth == 0) return;
+  int row = 0;
+  while (row < m_nPageHeight) {
+    if (isBlank(pdev, row)) {
+      ++row;
+      continue;
+    }
+    // A band is recorded whole even where it passes the page's last row.
+    const int bottom = velka::saturatingAdd(row, bandHeight(m_sYResolution) - 1);
+    separateBand(pdev, rules, row, std::min(bottom, m_nPageHeight - 1));
+    addBand(pdev, row, bottom);
+    if (bottom >= m_nPageHeight - 1) return;
+    row = bottom + 1;
+  }
+}
+
+void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int top,
+                            int bottom) noexcept {
+  const auto width = static_cast<size_t>(m_nPageWidth);
+  int64_t firstRedColumn = -1;
+  int32_t firstRedRow = 0;
+  for (int row = top; row <= bottom; ++row) {
+    const auto rest = storedRow(pdev, row);
+    const size_t plane = static_cast<size_t>(row) * width;
+    const velka::RowInk ink = velka::separateRow(
+        rules, rest.first(std::min(rest.size(), width * 3)), m_pBlackBuf + plane, m_pRedBuf + plane);
+    if (ink.black) m_nBlackFlag = 1;
+    // A band is looked through column by column, so its first red pixel is the
+    // topmost of its leftmost red column.
+    const bool earlier = firstRedColumn < 0 || ink.firstRedColumn < firstRedColumn;
+    if (ink.firstRedColumn >= 0 && earlier) {
+      firstRedColumn = ink.firstRedColumn;
+      firstRedRow = row;
+    }
+  }
+  if (firstRedColumn < 0) return;
+  if (m_nRedFlag == 0) pdev.lFirstRedRow = firstRedRow;
+  m_nRedFlag = 1;
+}
+
+void CESCPSML::halftonePlanes(const _DEVOBJ& devobj) noexcept {
+  const bool image = m_nImgFlag != 0 && m_pImgBuf != nullptr && m_dwImgSize >= m_dwBlackSize;
+  if (m_nBlackFlag == 0 && m_nRedFlag == 0 && !image) return;
+  unsigned char* work = newPlane(m_dwBlackSize);
+  if (work == nullptr) {
+    // Without room to halftone, the page ends like one without ink.
+    m_nBlackFlag = 0;
+    m_nRedFlag = 0;
+    return;
+  }
+  const tagOEMCFG& options = *devobj.pOemDev;
+  const auto halftone = [&](unsigned char*& plane, int mode) {
+    Dither(mode, plane, work, static_cast<unsigned int>(m_nPageHeight),
+           static_cast<unsigned int>(m_nPageWidth), static_cast<unsigned int>(m_nPlaneStride), 0,
+           options.sDotErrorFactor, options.sDiffusionThreshold);
+    std::swap(plane, work);
+  };
+  if (m_nBlackFlag != 0) halftone(m_pBlackBuf, options.sDitherBlack);
+  if (m_nRedFlag != 0) halftone(m_pRedBuf, options.sDitherRed);
+  if (image) mergeImagePlane(devobj, work);
+  std::free(work);
+}
+
+void CESCPSML::mergeImagePlane(const _DEVOBJ& devobj, unsigned char*& work) noexcept {
+  const int mode = devobj.pOemPDEV->devModeOut.dmPrintQuality == 180 ? 3 : 5;
+  Dither(mode, m_pImgBuf, work, static_cast<unsigned int>(m_nPageHeight),
+         static_cast<unsigned int>(m_nPageWidth), static_cast<unsigned int>(m_nPlaneStride), 0, 0,
+         0);
+  std::memcpy(m_pImgBuf, work, m_dwBlackSize);
+  for (size_t i = 0; i < m_dwBlackSize; ++i) m_pBlackBuf[i] &= m_pImgBuf[i];
+  m_nBlackFlag = 1;
+}
+
+int CESCPSML::Dither(int mode, unsigned char* in, unsigned char* out, unsigned int rows,
+                     unsigned int width, unsigned int stride, unsigned int /*unused*/,
+                     short dotFactor, short threshold) noexcept {
+  return velka::dither(mode, in, out, rows, width, stride, dotFactor, threshold);
+}
+
+bool CESCPSML::IsColorBelongRange(tagRGBQUAD colour, tagRGBQUAD low, tagRGBQUAD high) noexcept {
+  return velka::colourInRange(colour, low, high);
+}

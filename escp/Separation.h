@@ -1,0 +1,77 @@
+// From page pixels to two ink planes: which ink a pixel is printed with and how
+// dark. Everything that does not depend on the pixel is compiled into InkRules
+// once a page.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "DeviceRecords.h"
+#include "ToneTable.h"
+
+namespace velka {
+
+enum class Ink : uint8_t { None, Black, Red };
+
+/// An ink and the value its plane gets: 0 full ink .. 255.
+struct InkDot {
+  Ink ink = Ink::None;
+  uint8_t value = 255;
+};
+
+/// How a page's colours are told apart, as both printer models share it.
+struct ColourRouting {
+  int outputColorType;   ///< 1 black only, 2 red only, 3 both; else nothing
+  int colorRangeUseFor;  ///< with both: the range selects 1 black, 2 red; else nothing
+  tagRGBQUAD rangeLow;
+  tagRGBQUAD rangeHigh;
+  tagRGBQUAD solid;  ///< with both: full ink without tone
+};
+
+/// The compiled rules of a page.
+class InkRules {
+ public:
+  InkRules(const ColourRouting& routing, const InkTone& black,
+           const InkTone& red) noexcept;
+
+  /// Ink and value of one pixel, its three bytes in memory order.
+  [[nodiscard]] InkDot dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
+
+ private:
+  [[nodiscard]] Ink inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
+
+  // Per channel and byte: how it stands to the white limits and the range.
+  std::array<std::array<uint8_t, 256>, 3> marks_{};
+  std::array<Ink, 4> route_{};  // indexed by in range (1) + near grey (2)
+  bool solidApplies_ = false;
+  tagRGBQUAD solid_{};
+  ToneTable black_;
+  ToneTable red_;
+};
+
+/// The rules that the options record asks for.
+[[nodiscard]] InkRules compileInkRules(const tagOEMCFG& options) noexcept;
+
+/// What separateRow found in a row.
+struct RowInk {
+  bool black = false;
+  int64_t firstRedColumn = -1;  ///< -1: no red in the row
+  int64_t lastRedColumn = -1;
+  int64_t firstBlackColumn = -1;  ///< -1: no black in the row
+  int64_t lastBlackColumn = -1;
+};
+
+/// Separates one row. Pixels that stay white leave their plane bytes alone.
+/// @param pixels three bytes a pixel; only whole pixels are read
+/// @param black,red one byte a pixel, at least as many as `pixels` holds
+[[nodiscard]] RowInk separateRow(const InkRules& rules, std::span<const uint8_t> pixels,
+                                 uint8_t* black, uint8_t* red) noexcept;
+
+/// Whether a stored row, padding included, is white throughout.
+[[nodiscard]] bool isBlankRow(std::span<const uint8_t> row) noexcept;
+
+/// The range test by itself: every bound valid and every channel inside.
+[[nodiscard]] bool colourInRange(tagRGBQUAD colour, tagRGBQUAD low, tagRGBQUAD high) noexcept;
+
+}  // namespace velka

@@ -1,0 +1,40 @@
+#include "StandardOutput.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace velka {
+namespace {
+
+bool worthAnotherTry(int fd, int error) noexcept {
+  if (error == EINTR) return true;
+  if (error != EAGAIN && error != EWOULDBLOCK) return false;
+  pollfd ready = {fd, POLLOUT, 0};
+  return poll(&ready, 1, -1) >= 0 || errno == EINTR;
+}
+
+}  // namespace
+
+size_t writeAll(int fd, std::span<const uint8_t> bytes) noexcept {
+  // write() may refuse more than 2 GiB at once.
+  constexpr size_t kMostAtOnce = size_t{1} << 30U;
+  size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n = write(fd, bytes.data() + done, std::min(bytes.size() - done, kMostAtOnce));
+    if (n > 0) {
+      done += static_cast<size_t>(n);
+    } else if (n == 0 || !worthAnotherTry(fd, errno)) {
+      break;
+    }
+  }
+  return done;
+}
+
+size_t writeToPrinter(std::span<const uint8_t> bytes) noexcept {
+  return writeAll(STDOUT_FILENO, bytes);
+}
+
+}  // namespace velka
