@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# check-ppd.sh PPD MODEL-NUMBER RED-MINIMUM MANUAL-COPIES
+# Checks a compiled PPD: it conforms, it carries the model's numbers, and each
+# option the filter reads is there with number codes and the built-in default.
+set -euo pipefail
+
+ppd=$1 model=$2 red_minimum=$3 manual_copies=$4
+failures=0
+
+fail() {
+  echo "$ppd: $*" >&2
+  failures=$((failures + 1))
+}
+
+has_line() {
+  grep -qxF -- "$1" "$ppd" || fail "no line $1"
+}
+
+# option KEYWORD DEFAULT-CODE: what the filter reads when the user chose nothing.
+option() {
+  local keyword=$1 expected=$2 choice code
+  grep -q "^\*OrderDependency: 10 AnySetup \*$keyword\$" "$ppd" ||
+    fail "$keyword is absent or stands outside AnySetup"
+  if sed -n "s/^\*$keyword [^:]*: \"\(.*\)\"\$/\1/p" "$ppd" | grep -vxE -- '-1|[0-9]+(\.[0-9]+)?'; then
+    fail "$keyword has a code that is no number"
+  fi
+  choice=$(sed -n "s/^\*Default$keyword: //p" "$ppd")
+  code=$(sed -n "s|^\*$keyword $choice/.*: \"\(.*\)\"\$|\1|p" "$ppd")
+  [[ $code == "$expected" ]] || fail "$keyword: the default choice $choice has code '$code', not $expected"
+}
+
+# The filter need not be installed yet; zero margins are deliberate, and sizes
+# keep their common names all the same.
+cupstestppd -q -I filters -W sizes "$ppd" || fail "cupstestppd reports errors:
+$(cupstestppd -I filters -W sizes "$ppd" || true)"
+
+has_line "*cupsModelNumber: $model"
+has_line "*cupsManualCopies: $manual_copies"
+has_line '*cupsFilter: "application/vnd.cups-raster 0 rastovelka"'
+has_line '*HWMargins: 0 0 0 0'
+
+option PdfPreprocess 0
+grep -q '^\*PdfPreprocess yes/.*: "1"$' "$ppd" || fail "PdfPreprocess has no choice yes"
+for keyword in HorizontalOffset HorizontalOffsetValue VerticalOffset VerticalOffsetValue \
+  AnticlockwiseRotate GreenMinValue BlueMinValue SplitBlackRed; do
+  option "$keyword" 0
+done
+option OutputColorType 3
+option ColorRangeUseFor 2
+option RedMinValue "$red_minimum"
+for keyword in RedMaxValue GreenMaxValue BlueMaxValue; do
+  option "$keyword" 255
+done
+for keyword in BrightnessRed BrightnessBlack ContrastRed ContrastBlack; do
+  option "$keyword" 100
+done
+option LevelsBlack 10
+option LevelsRed -1
+
+for resolution in '180 180' '60 180' '90 180' '120 180' '360 180' '360 360' \
+  '60 60' '80 60' '90 60' '120 60'; do
+  grep -q "/HWResolution\[$resolution\]" "$ppd" || fail "no resolution $resolution"
+done
+
+((failures == 0))

@@ -1,0 +1,69 @@
+# Sourced by the scripts in the root folder, which run from there.
+# shellcheck shell=bash
+
+say() { printf '\n== %s\n' "$*"; }
+
+die() {
+  printf 'error: %s\n' "$*" >&2
+  exit 1
+}
+
+# A folder left by a run through sudo stops a later run without it; say so
+# before the build tool does in worse words.
+need_writable() {
+  local folder
+  for folder in "$@"; do
+    if [[ -e $folder && (! -d $folder || ! -w $folder) ]]; then
+      die "$folder cannot be written by $(id -un): remove it, or run this through sudo as before"
+    fi
+  done
+  [[ -w . ]] || die "this folder cannot be written by $(id -un): $PWD"
+}
+
+# build PRESET [TARGET...]
+build() {
+  local preset=$1
+  shift
+  need_writable build "build/$preset"
+  say "Building ($preset)"
+  cmake --preset "$preset"
+  if (($# > 0)); then
+    cmake --build --preset "$preset" --target "$@"
+  else
+    cmake --build --preset "$preset"
+  fi
+}
+
+# run_tests PRESET [CTEST-ARGUMENT...]. One test at a time unless VELKA_TEST_JOBS
+# says otherwise: whole jobs share the one log file in /tmp.
+run_tests() {
+  local preset=$1
+  shift
+  say "Testing ($preset)"
+  ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-1}" "$@"
+}
+
+# Fixed addresses for the thread sanitizer, whose shadow memory collides with the
+# wide randomisation of newer kernels; test programs run during the build too.
+# Without the right to ask for them (some containers) things run as they are.
+at_fixed_addresses() {
+  if setarch "$(uname -m)" -R true 2>/dev/null; then
+    export -f build run_tests say die need_writable
+    setarch "$(uname -m)" -R bash -c 'set -euo pipefail; "$@"' bash "$@"
+  else
+    "$@"
+  fi
+}
+
+# build_and_test PRESET [CTEST-ARGUMENT...]
+build_and_test() {
+  local preset=$1
+  shift
+  if [[ $preset == tsan ]]; then
+    at_fixed_addresses build "$preset"
+    at_fixed_addresses run_tests "$preset" "$@"
+  else
+    build "$preset"
+    run_tests "$preset" "$@"
+  fi
+}

@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# install-packages.sh [--lint]: installs what this system is built, tested and
+# shown with on Debian 12, and does nothing when all of it is there already.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build pkg-config      # build
+  libcups2-dev libcupsimage2-dev        # raster and PPD interfaces, cups-config
+  cups-ppdc cups-client                 # ppdc, cupstestppd
+  cups cups-filters ghostscript         # the chain in front of the filter
+  cups-filters-core-drivers             # pdftopdf, pdftoraster
+  poppler-utils                         # pdftoppm, pdfinfo
+  libgtest-dev libgmock-dev             # tests
+)
+
+case "${1:-}" in
+  '') ;;
+  --lint) packages+=(clang-format clang-tidy) ;;
+  *)
+    echo "usage: $0 [--lint]" >&2
+    exit 2
+    ;;
+esac
+
+die() {
+  printf 'error: %s\n' "$*" >&2
+  exit 1
+}
+
+is_installed() {
+  [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  die "this needs Debian's apt-get; elsewhere install by hand what these packages hold: ${packages[*]}"
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  is_installed "$package" || missing+=("$package")
+done
+if ((${#missing[@]} == 0)); then
+  exit 0
+fi
+
+as_root=(env DEBIAN_FRONTEND=noninteractive)
+if ((EUID != 0)); then
+  command -v sudo >/dev/null ||
+    die "not root and no sudo here; as root run: apt-get install ${missing[*]}"
+  as_root=(sudo "${as_root[@]}")
+fi
+
+echo "Installing: ${missing[*]}"
+# Lists may be absent (a fresh container) or old; when they cannot be fetched,
+# the ones at hand may still do.
+"${as_root[@]}" apt-get update ||
+  echo "warning: apt-get update failed, going on with the package lists at hand" >&2
+"${as_root[@]}" apt-get install -y --no-install-recommends "${missing[@]}" ||
+  die "installing failed (see above); without these packages it cannot go on: ${missing[*]}"
