@@ -1,0 +1,100 @@
+#!/usr/bin/env bash
+# demo.sh [FILE.pdf]: prints a PDF the way CUPS would, as far as the printer's
+# plug: through the system's own filters and the PPD into CUPS raster, through
+# our filter into printer commands. Without a file it prints a page of its own.
+set -euo pipefail
+
+usage() { echo "usage: ./demo.sh [FILE.pdf]"; }
+
+case "${1:-}" in
+  -h | --help)
+    usage
+    exit 0
+    ;;
+esac
+if (($# > 1)); then
+  usage >&2
+  exit 2
+fi
+# Named from where the caller stands, so before the change of folder.
+document=${1:+$(realpath -- "$1")}
+
+cd "$(dirname "${BASH_SOURCE[0]}")"
+# shellcheck source=tools/common.sh
+source tools/common.sh
+
+output=demo-output
+stream=$output/commands.escp
+filter=build/release/filter/rastovelka
+velkastat=build/release/tools/velkastat
+# CUPS counts its jobs from 1, so this one meets no real job's files.
+job=(0 demo demo 1 "")
+
+find_filters() {
+  local folder
+  folder=$(cups-config --serverbin)/filter
+  [[ -x $folder/pdftopdf ]] || die "no pdftopdf in $folder: is cups-filters-core-drivers whole?"
+  [[ -x $folder/gstoraster ]] || die "no gstoraster in $folder: is cups-filters whole?"
+  echo "$folder"
+}
+
+make_document() {
+  document=$output/demo-page.pdf
+  ps2pdf -sPAPERSIZE=a4 tools/demo-page.ps "$document" || die "Ghostscript could not make $document"
+}
+
+# What each filter says stays in a log of its own.
+print_document() {
+  local filters=$1 status
+  export PPD=$PWD/build/release/ppd/velka-standard.ppd
+  export CONTENT_TYPE=application/pdf FINAL_CONTENT_TYPE=application/vnd.cups-raster
+  "$filters/pdftopdf" "${job[@]}" <"$document" 2>"$output/pdftopdf.log" |
+    "$filters/gstoraster" "${job[@]}" 2>"$output/gstoraster.log" |
+    "$filter" "${job[@]}" >"$stream" 2>"$output/rastovelka.log" && return
+  status=("${PIPESTATUS[@]}")
+  tail -n 5 "$output"/{pdftopdf,gstoraster,rastovelka}.log >&2
+  die "the chain failed: pdftopdf ${status[0]}, gstoraster ${status[1]}, rastovelka ${status[2]};" \
+    "their last words are above"
+}
+
+hex() { od -An -v -tx1 | tr -d ' \n'; }
+
+value() { sed -n "s/^$1 *//p" "$output/velkastat.txt"; }
+
+check_stream() {
+  [[ $(head -c 6 "$stream" | hex) == 1b401b321b43 ]] ||
+    die "$stream does not begin with the start-of-document commands"
+  "$velkastat" "$stream" >"$output/velkastat.txt" || die "$stream is no sound command stream"
+  (($(value pages) > 0)) || die "no page of $document has any ink, so nothing was printed"
+  [[ $(tail -c 3 "$stream" | hex) == 0c1b40 ]] ||
+    die "$stream does not end with a form feed and the end-of-document command"
+}
+
+check_both_inks() {
+  (($(value 'black dots') > 0 && $(value 'red dots') > 0)) ||
+    die "the demo page came out without one of its inks"
+}
+
+if [[ -n $document && ! -r $document ]]; then
+  die "cannot read $document"
+fi
+need_writable "$output"
+tools/install-packages.sh
+build release rastovelka velkastat velka_ppds
+[[ -x $filter ]] || die "the build left no $filter"
+
+mkdir -p "$output"
+if [[ -n $document ]]; then
+  check_ink=true
+else
+  make_document
+  check_ink=check_both_inks
+fi
+say "Printing $document (standard model, 180 x 180 dpi)"
+print_document "$(find_filters)"
+check_stream
+"$check_ink"
+
+say "The command stream is in $PWD/$stream"
+cat "$output/velkastat.txt"
+echo "The filter's log is /tmp/velka.log, the other filters' are in $PWD/$output."
