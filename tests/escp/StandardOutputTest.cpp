@@ -1,0 +1,96 @@
+// Writing to a printer that takes its bytes slowly or not at all.
+#include "StandardOutput.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
+
+#include "support/Capture.h"
+
+namespace velka::testing {
+namespace {
+
+Bytes pattern(size_t size) {
+  Bytes bytes(size);
+  for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<uint8_t>(i * 7 + i / 251);
+  return bytes;
+}
+
+// What a reader gets that takes odd little pieces, while `bytes` are written.
+Bytes readBack(const Bytes& bytes, int writeFlags, size_t& written) {
+  int ends[2] = {};
+  if (pipe(ends) != 0) return {};
+  fcntl(ends[1], F_SETFL, writeFlags);
+  Bytes got;
+  std::thread reader([&] {
+    Bytes piece(777);
+    for (ssize_t n = 0; (n = read(ends[0], piece.data(), piece.size())) > 0;)
+      got.insert(got.end(), piece.begin(), piece.begin() + n);
+  });
+  written = writeAll(ends[1], bytes);
+  close(ends[1]);
+  reader.join();
+  close(ends[0]);
+  return got;
+}
+
+TEST(StandardOutput, IsWrittenToTheEndThroughASlowPipe) {
+  const Bytes bytes = pattern(1 << 20);
+  size_t written = 0;
+  EXPECT_EQ(readBack(bytes, 0, written), bytes);
+  EXPECT_EQ(written, bytes.size());
+}
+
+TEST(StandardOutput, IsWrittenToTheEndThroughANonBlockingPipe) {
+  const Bytes bytes = pattern(1 << 20);
+  size_t written = 0;
+  EXPECT_EQ(readBack(bytes, O_NONBLOCK, written), bytes);
+  EXPECT_EQ(written, bytes.size());
+}
+
+TEST(StandardOutput, ABrokenPipeEndsTheWrite) {
+  const auto before = std::signal(SIGPIPE, SIG_IGN);
+  int ends[2] = {};
+  ASSERT_EQ(pipe(ends), 0);
+  close(ends[0]);
+  EXPECT_EQ(writeAll(ends[1], pattern(100)), 0U);
+  close(ends[1]);
+  std::signal(SIGPIPE, before);
+}
+
+TEST(StandardOutput, AClosedDescriptorEndsTheWrite) { EXPECT_EQ(writeAll(-1, pattern(3)), 0U); }
+
+void doNothing(int /*signal*/) {}
+
+TEST(StandardOutput, InterruptionsDoNotLoseBytes) {
+  struct sigaction action = {};
+  action.sa_handler = doNothing;  // without SA_RESTART: write() returns early
+  struct sigaction before = {};
+  sigaction(SIGUSR1, &action, &before);
+  int ends[2] = {};
+  ASSERT_EQ(pipe(ends), 0);
+  const Bytes bytes = pattern(1 << 20);
+  const pthread_t writer = pthread_self();
+  Bytes got;
+  std::thread reader([&] {
+    Bytes piece(4096);
+    while (got.size() < bytes.size()) {
+      pthread_kill(writer, SIGUSR1);
+      const ssize_t n = read(ends[0], piece.data(), piece.size());
+      if (n <= 0) break;
+      got.insert(got.end(), piece.begin(), piece.begin() + n);
+    }
+  });
+  EXPECT_EQ(writeAll(ends[1], bytes), bytes.size());
+  reader.join();
+  EXPECT_EQ(got, bytes);
+  close(ends[0]);
+  close(ends[1]);
+  sigaction(SIGUSR1, &before, nullptr);
+}
+
+}  // namespace
+}  // namespace velka::testing

@@ -1,0 +1,114 @@
+#include "support/FilterRun.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace velka::testing {
+namespace {
+
+int fileWith(const Bytes& bytes) {
+  const int fd = memfd_create("input", MFD_CLOEXEC);
+  size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n = write(fd, bytes.data() + done, bytes.size() - done);
+    if (n <= 0) break;
+    done += static_cast<size_t>(n);
+  }
+  lseek(fd, 0, SEEK_SET);
+  return fd;
+}
+
+struct Descriptors {
+  int in;
+  int out;
+  int err;
+};
+
+[[noreturn]] void becomeFilter(const std::string& program, const FilterJob& job,
+                               const Descriptors& fds) {
+  dup2(fds.in, STDIN_FILENO);
+  dup2(fds.out, STDOUT_FILENO);
+  dup2(fds.err, STDERR_FILENO);
+  for (const int fd : job.closedAtStart) close(fd);
+  std::vector<char*> argv = {const_cast<char*>(program.c_str())};
+  for (const std::string& argument : job.arguments)
+    argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  if (job.ppd) {
+    setenv("PPD", job.ppd->c_str(), 1);
+  } else {
+    unsetenv("PPD");
+  }
+  execv(program.c_str(), argv.data());
+  _exit(127);
+}
+
+int statusOf(int pid) {
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+std::string asText(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+}  // namespace
+
+FilterResult runFilter(const std::string& program, const FilterJob& job) {
+  int feedPipe[2] = {-1, -1};
+  int brokenPipe[2] = {-1, -1};
+  if (job.feed && pipe2(feedPipe, O_CLOEXEC) != 0) return {};
+  if (job.outputBroken) {
+    if (pipe2(brokenPipe, O_CLOEXEC) != 0) return {};
+    close(brokenPipe[0]);
+  }
+  const int output = memfd_create("output", MFD_CLOEXEC);
+  const int errors = memfd_create("errors", MFD_CLOEXEC);
+  const Descriptors fds = {job.feed ? feedPipe[0] : fileWith(job.input),
+                           job.outputBroken ? brokenPipe[1] : output, errors};
+  const int pid = fork();
+  if (pid == 0) becomeFilter(program, job, fds);
+  close(fds.in);
+  if (job.outputBroken) close(brokenPipe[1]);
+  if (job.feed) {
+    // A filter that has ended must not end the test with it.
+    const auto before = std::signal(SIGPIPE, SIG_IGN);
+    job.feed(pid, feedPipe[1]);
+    close(feedPipe[1]);
+    std::signal(SIGPIPE, before);
+  }
+  FilterResult result;
+  result.status = statusOf(pid);
+  result.output = contentsOf(output);
+  result.errors = asText(contentsOf(errors));
+  close(output);
+  close(errors);
+  return result;
+}
+
+std::string logText() {
+  std::ifstream file("/tmp/velka.log", std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> logMessages() {
+  std::vector<std::string> messages;
+  std::istringstream lines(logText());
+  for (std::string line; std::getline(lines, line);) {
+    // Date, time, thread and level stand before the message; file:line and CR behind.
+    const size_t level = line.find(" LOG_");
+    const size_t start = level == std::string::npos ? 0 : level + 1 + 9 + 1;
+    const size_t end = line.rfind(' ');
+    messages.push_back(line.substr(start, end - start));
+  }
+  return messages;
+}
+
+}  // namespace velka::testing

@@ -1,0 +1,44 @@
+// Runs the filter the way the print scheduler does: a process, arguments, an
+// environment, standard descriptors.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/Capture.h"
+
+namespace velka::testing {
+
+struct FilterJob {
+  /// After the program's name.
+  std::vector<std::string> arguments = {"7", "user", "title", "1", ""};
+  /// Value of PPD; unset where there is none.
+  std::optional<std::string> ppd;
+  Bytes input;  ///< standard input
+  /// Descriptors closed when the program starts.
+  std::vector<int> closedAtStart;
+  /// Called with the process id once the program runs; input is fed by it through
+  /// the descriptor instead of from `input`.
+  std::function<void(int pid, int inputFd)> feed;
+  /// Standard output is a pipe that nobody reads.
+  bool outputBroken = false;
+};
+
+struct FilterResult {
+  int status = -1;  ///< exit status; 128 + signal where one ended the program
+  Bytes output;
+  std::string errors;  ///< standard error
+};
+
+/// Runs `program` to its end.
+FilterResult runFilter(const std::string& program, const FilterJob& job);
+
+/// The lines of the job log without their headers, file suffixes and line ends.
+std::vector<std::string> logMessages();
+
+/// The job log as it is.
+std::string logText();
+
+}  // namespace velka::testing
