@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "reference/ExpectedStream.h"
+#include "reference/NumberedPage.h"
 #include "reference/ReferenceDispatcher.h"
 #include "reference/ReferenceOptions.h"
 

@@ -152,8 +152,8 @@ TEST(ReferenceEncoder, AnInitialOffsetMovesFirstAndSetsTheRedPosition) {
   Page page(24);
   page.planes.bands.at(0) = {0, 12, 3, 35};
   page.planes.height = 36;
-  page.planes.black.assign(4 * 36, 255);
-  page.planes.red.assign(4 * 36, 255);
+  page.planes.black.assign(144, 255);
+  page.planes.red.assign(144, 255);
   page.inkRow(red, 12);
   page.state.initialYOffset = 10;
   const Bytes expected =

@@ -131,7 +131,7 @@ TEST(ReferenceJob, PagesAreNumberedForTheEjectRule) {
   RasterPage page = whitePage();
   paintRow(page, 0, blackInk);
   ExpectedStream expected;
-  for (const int p : {'0', '0', '1'}) {
+  for (const int p : {0x30, 0x30, 0x31}) {
     expected.start(6).add(rowBlock(0)).eject(p).formFeed();
   }
   EXPECT_EQ(runJob(options, {page, page, page}), expected.end().bytes());

@@ -10,7 +10,7 @@ PageImage whitePage(int width, int height) {
   PageImage page;
   page.width = width;
   page.height = height;
-  page.stride = static_cast<size_t>((width * 24 + 31) / 32 * 4);
+  page.stride = (static_cast<size_t>(width) * 24 + 31) / 32 * 4;
   page.bytes.assign(page.stride * static_cast<size_t>(height), 255);
   return page;
 }

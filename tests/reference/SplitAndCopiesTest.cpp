@@ -15,8 +15,8 @@ struct Page {
   Page() {
     planes.width = 4;
     planes.height = 72;
-    planes.black.assign(4 * 72, 255);
-    planes.red.assign(4 * 72, 255);
+    planes.black.assign(288, 255);
+    planes.red.assign(288, 255);
     planes.bands = {{0, 0, 3, 23}, {0, 24, 3, 47}, {0, 48, 3, 71}};
     setting.options = defaultOptions();
     setting.options.SplitBlackRed = 1;
