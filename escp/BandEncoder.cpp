@@ -21,13 +21,17 @@ uint64_t horizontalStep(float xDivisor) noexcept {
   return static_cast<uint64_t>(std::max(1, velka::truncateToInt32(xDivisor)));
 }
 
-int passesPerBand(short ydpi) noexcept { return ydpi == 360 ? 2 : 1; }
+int passesPerBand(short ydpi) noexcept {
+  return ydpi == 360 ? 2 : 1;
+}
 
 float xDivisorOf(const _OEMPDEV& pdev) noexcept {
   return static_cast<float>(pdev.devModeOut.dmPrintQuality) / 60.0F;
 }
 
-bool isSplit(const _DEVOBJ& devobj) noexcept { return devobj.pOemDev->SplitBlackRed == 1; }
+bool isSplit(const _DEVOBJ& devobj) noexcept {
+  return devobj.pOemDev->SplitBlackRed == 1;
+}
 
 // The page's bands, a copy in tree order.
 struct BandList {
@@ -106,9 +110,8 @@ bool CESCPSML::GetBlockDataCmd(unsigned short mode, unsigned short bytesPerColum
   const auto range = velka::completeColumns(plane, area, rows);
   const std::span<uint8_t> data(block.get() + velka::kBlockHeaderBytes, dataBytes);
   velka::packColumns(plane, range, rows, bytesPerColumn, data);
-  const auto extent =
-      velka::trimBlock(data, static_cast<uint32_t>(range.end - range.first), columns,
-                       bytesPerColumn, horizontalStep(xDivisor));
+  const auto extent = velka::trimBlock(data, static_cast<uint32_t>(range.end - range.first),
+                                       columns, bytesPerColumn, horizontalStep(xDivisor));
   *leadingSkip = extent.leadingSkip;
   if (!extent.hasData) return true;
 
@@ -187,8 +190,8 @@ int CESCPSML::EncodeAndSend(_DEVOBJ* devobj, short second) noexcept {
   return complete && endPage(*devobj, stream) ? 1 : 0;
 }
 
-bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode,
-                           std::span<_RECTL> bands, bool redHalf, PageStream& stream) noexcept {
+bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,
+                           bool redHalf, PageStream& stream) noexcept {
   const bool black = m_nBlackFlag != 0 && !redHalf;
   const bool red = m_nRedFlag != 0 && (redHalf || !isSplit(devobj));
   while (!bands.empty()) {

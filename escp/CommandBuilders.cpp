@@ -70,8 +70,7 @@ bool CommandSink::moveY(short ydpi, int64_t rows) const noexcept {
 }
 
 bool CommandSink::moveToX(float divisor, int x) const noexcept {
-  return append(setUnit(kHorizontalUnit)) &&
-         append(horizontalMove(MoveKind::Absolute, divisor, x));
+  return append(setUnit(kHorizontalUnit)) && append(horizontalMove(MoveKind::Absolute, divisor, x));
 }
 
 }  // namespace velka

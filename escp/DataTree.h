@@ -2,13 +2,11 @@
 //
 // Encoders keep a page's print areas here and pick out those of one key. Keys
 // arrive mostly in rising order, which makes the tree a list, so nothing here
-// recurses: clearing rotates, travelling threads the tree in place (Morris,
-// "Traversing binary trees simply and cheaply", 1979), collecting keeps a stack
-// of its own, and insertion looks at both ends of the tree first.
+// recurses: clearing rotates, travelling and collecting thread the tree in place
+// (J. M. Morris, "Traversing binary trees simply and cheaply", 1979), and insertion
+// looks at both ends of the tree first.
 #pragma once
 
-#include <cstddef>
-#include <cstdlib>
 #include <new>
 
 /// Rectangles of type RECT ordered by (K1, K2), first key first, both compared
@@ -109,7 +107,7 @@ class CDataTree {
     }
     Node* node = link;
     while (node != nullptr) {
-      if (node->left != nullptr && threadToSelf(node)) {
+      if (node->left != nullptr && threadToSelf(node, &Node::left, &Node::right)) {
         node = node->left;
         continue;
       }
@@ -124,8 +122,16 @@ class CDataTree {
   void clear(Node*& link) noexcept {
     lowest_ = nullptr;
     highest_ = nullptr;
-    Node* node = link;
+    release(link);
     link = nullptr;
+  }
+
+ private:
+  static Node* makeNode(const RECT& rect, K1 key1, K2 key2) {
+    return new (std::nothrow) Node{rect, key1, key2, nullptr, nullptr};
+  }
+
+  static void release(Node* node) {
     while (node != nullptr) {
       Node* next = node->left;
       if (next != nullptr) {
@@ -137,52 +143,6 @@ class CDataTree {
       }
       node = next;
     }
-  }
-
- private:
-  /// A growing array of node pointers whose growth may fail.
-  class NodeList {
-   public:
-    NodeList() = default;
-    NodeList(const NodeList&) = delete;
-    NodeList& operator=(const NodeList&) = delete;
-    ~NodeList() { std::free(items_); }
-
-    [[nodiscard]] bool push(Node* node) {
-      if (size_ == capacity_ && !grow()) {
-        return false;
-      }
-      items_[size_++].node = node;
-      return true;
-    }
-    Node* pop() { return items_[--size_].node; }
-    [[nodiscard]] bool empty() const { return size_ == 0; }
-    [[nodiscard]] size_t size() const { return size_; }
-    Node*& operator[](size_t i) { return items_[i].node; }
-
-   private:
-    struct Item {
-      Node* node;
-    };
-
-    [[nodiscard]] bool grow() {
-      const size_t wanted = capacity_ == 0 ? 64 : capacity_ * 2;
-      auto* grown = static_cast<Item*>(std::realloc(items_, wanted * sizeof(Item)));
-      if (grown == nullptr) {
-        return false;
-      }
-      items_ = grown;
-      capacity_ = wanted;
-      return true;
-    }
-
-    Item* items_ = nullptr;
-    size_t size_ = 0;
-    size_t capacity_ = 0;
-  };
-
-  static Node* makeNode(const RECT& rect, K1 key1, K2 key2) {
-    return new (std::nothrow) Node{rect, key1, key2, nullptr, nullptr};
   }
 
   static bool isPair(const Node& node, K1 key1, K2 key2) {
@@ -251,15 +211,15 @@ class CDataTree {
     }
   }
 
-  /// Links the last node of the left subtree back to `node` and returns true, or
+  /// Links the end of the subtree on one side back to `node` and returns true, or
   /// takes that link away again and returns false.
-  static bool threadToSelf(Node* node) {
-    Node* last = node->left;
-    while (last->right != nullptr && last->right != node) {
-      last = last->right;
+  static bool threadToSelf(Node* node, Node* Node::*side, Node* Node::*towardsNode) {
+    Node* last = node->*side;
+    while (last->*towardsNode != nullptr && last->*towardsNode != node) {
+      last = last->*towardsNode;
     }
-    const bool threaded = last->right == nullptr;
-    last->right = threaded ? node : nullptr;
+    const bool threaded = last->*towardsNode == nullptr;
+    last->*towardsNode = threaded ? node : nullptr;
     return threaded;
   }
 
@@ -271,55 +231,46 @@ class CDataTree {
     return node;
   }
 
-  /// Lists the matching nodes in the order node, right, left: the collecting
-  /// order backwards.
-  [[nodiscard]] static bool listMatches(const K1* key1, const K2* key2, Node* top,
-                                        NodeList& matches) {
-    NodeList open;
-    Node* node = descend(top, key1);
-    while (node != nullptr) {
-      if ((key1 != nullptr || node->key2 == *key2) && !matches.push(node)) {
-        return false;
-      }
-      Node* left = descend(node->left, key1);
-      if (left != nullptr && !open.push(left)) {
-        return false;
-      }
-      node = descend(node->right, key1);
-      if (node == nullptr && !open.empty()) {
-        node = open.pop();
-      }
+  [[nodiscard]] static bool prependCopy(const Node& node, Node*& chain) {
+    Node* copy = makeNode(node.rect, node.key1, node.key2);
+    if (copy != nullptr) {
+      copy->right = chain;
+      chain = copy;
     }
-    return true;
+    return copy != nullptr;
   }
 
-  /// Replaces each listed node by a copy of its own.
-  [[nodiscard]] static bool copyNodes(NodeList& nodes) {
-    for (size_t i = 0; i < nodes.size(); ++i) {
-      Node* copy = makeNode(nodes[i]->rect, nodes[i]->key1, nodes[i]->key2);
-      if (copy == nullptr) {
-        while (i > 0) {
-          delete nodes[--i];
-        }
-        return false;
+  /// Chains copies of the matching nodes by their right links. They are met in the
+  /// order node, right, left and put in front, so the chain has the collecting
+  /// order. The walk ends even without memory, as it has threads to take away.
+  [[nodiscard]] static bool copyMatches(const K1* key1, const K2* key2, Node* top, Node*& chain) {
+    bool complete = true;
+    Node* node = descend(top, key1);
+    while (node != nullptr) {
+      const bool again = node->right != nullptr && !threadToSelf(node, &Node::right, &Node::left);
+      const bool matches = key1 != nullptr ? node->key1 == *key1 : node->key2 == *key2;
+      if (!again && matches && complete) {
+        complete = prependCopy(*node, chain);
       }
-      nodes[i] = copy;
+      node = again || node->right == nullptr ? node->left : node->right;
     }
-    return true;
+    return complete;
   }
 
   [[nodiscard]] static bool collect(const K1* key1, const K2* key2, Node* top, CDataTree& target) {
     if (key1 == nullptr && key2 == nullptr) {
       return true;
     }
-    NodeList matches;
-    if (!listMatches(key1, key2, top, matches) || !copyNodes(matches)) {
-      return false;
+    Node* chain = nullptr;
+    const bool complete = copyMatches(key1, key2, top, chain);
+    while (complete && chain != nullptr) {
+      Node* node = chain;
+      chain = node->right;
+      node->right = nullptr;
+      target.hang(node);
     }
-    while (!matches.empty()) {
-      target.hang(matches.pop());
-    }
-    return true;
+    release(chain);
+    return complete;
   }
 
   // The ends of the tree, or null when not known; never a node that is gone.

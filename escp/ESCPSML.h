@@ -59,8 +59,8 @@ class CESCPSML {
                      unsigned int* length) noexcept;
   /// Horizontal move to x / divisor (4 bytes, capacity not looked at). `kind` 1 is
   /// absolute, 2 relative; any other is false (a buffer allocated for it stays).
-  bool GetXMoveCmd(short kind, float divisor, int x, unsigned char** buffer,
-                   unsigned int* capacity, unsigned int* length) noexcept;
+  bool GetXMoveCmd(short kind, float divisor, int x, unsigned char** buffer, unsigned int* capacity,
+                   unsigned int* length) noexcept;
   /// Paper move of `dy` rows at `ydpi`, backward when negative (7n + 1 bytes for n
   /// commands, none for less than 1/360 inch). Capacity as in GetSetUnitCmd.
   bool GetRelativeYMoveCmd(short ydpi, int dy, unsigned char** buffer, unsigned int* capacity,
@@ -70,8 +70,7 @@ class CESCPSML {
   bool GetAdvancesYMoveCmd(short ydpi, int dy, unsigned char** buffer, unsigned int* capacity,
                            unsigned int* length) noexcept;
   /// Form feed (1 byte, capacity not looked at).
-  bool GetEndPageCmd(unsigned char** buffer, unsigned int* capacity,
-                     unsigned int* length) noexcept;
+  bool GetEndPageCmd(unsigned char** buffer, unsigned int* capacity, unsigned int* length) noexcept;
   /// Eject mode of the current page (4 bytes, or none where the rule asks for no
   /// command; capacity not looked at). False without a complete handle.
   bool GetEjectModeCmd(_DEVOBJ* devobj, unsigned char** buffer, unsigned int* capacity,
@@ -91,9 +90,8 @@ class CESCPSML {
   /// Halftones `rows` x `width` bytes (rows `stride` apart) from `in` to `out`:
   /// 0 = dot, 255 = none. Modes: 1 threshold, 3 to 6 ordered screens, any other
   /// error diffusion, which modifies `in`. Returns 1.
-  int Dither(int mode, unsigned char* in, unsigned char* out, unsigned int rows,
-             unsigned int width, unsigned int stride, unsigned int unused, short dotFactor,
-             short threshold) noexcept;
+  int Dither(int mode, unsigned char* in, unsigned char* out, unsigned int rows, unsigned int width,
+             unsigned int stride, unsigned int unused, short dotFactor, short threshold) noexcept;
 
   /// Whether a colour lies in a colour range; never in one whose bounds cross.
   bool IsColorBelongRange(tagRGBQUAD colour, tagRGBQUAD low, tagRGBQUAD high) noexcept;
@@ -109,9 +107,8 @@ class CESCPSML {
   /// also for an empty block; 0 on failure. The second rectangle is not used.
   int EncodeBlockData(unsigned short mode, unsigned short bytesPerColumn, _RECTL& area,
                       _RECTL& unused, int colour, float xDivisor, unsigned char** pageBuffer,
-                      unsigned int* pageLength, unsigned int xOffset,
-                      unsigned int* writePosition, unsigned int* currentY, short ydpi, int pass,
-                      int yCorrection) noexcept;
+                      unsigned int* pageLength, unsigned int xOffset, unsigned int* writePosition,
+                      unsigned int* currentY, short ydpi, int pass, int yCorrection) noexcept;
 
   /// Builds the block of one band, colour (1 black, 2 red) and pass. A null
   /// `command` is allocated with `malloc`, another must be large enough. A blank
@@ -138,8 +135,8 @@ class CESCPSML {
   unsigned char* m_pImgBuf = nullptr;  ///< merged into the black plane when its flag is set
   unsigned int m_dwImgSize = 0;
   int m_nImgFlag = 0;
-  int m_nRedStarted = 0;    ///< the last red block carried data
-  int m_nBlackStarted = 0;  ///< the last black block carried data
+  int m_nRedStarted = 0;                ///< the last red block carried data
+  int m_nBlackStarted = 0;              ///< the last black block carried data
   unsigned char* m_pCopyBuf = nullptr;  ///< commands kept for the copies
   unsigned int m_dwCopyLen = 0;
   CDataTree<tagRECT, unsigned long, unsigned long> m_RectTree;

@@ -22,7 +22,9 @@ uint32_t scaledPlus(double value, double scale, int32_t offset) noexcept {
   return static_cast<uint32_t>(truncateToInt32(value / scale + offset));
 }
 
-uint32_t scaled(double value, double scale) noexcept { return scaledPlus(value, scale, 0); }
+uint32_t scaled(double value, double scale) noexcept {
+  return scaledPlus(value, scale, 0);
+}
 
 }  // namespace
 
@@ -36,8 +38,8 @@ PageOffset printOffset(const tagOEMCFG& options, const _DEVMODE& mode) noexcept 
       directed(options.sHrzDir, tenthsToDots(options.sHrzOffset, mode.dmPrintQuality));
   const int32_t down =
       directed(options.sVtcDir, tenthsToDots(options.sVtcOffset, mode.dmYResolution));
-  PageOffset offset = mode.dmOrientation == kPortrait ? PageOffset{across, down}
-                                                      : PageOffset{down, -across};
+  PageOffset offset =
+      mode.dmOrientation == kPortrait ? PageOffset{across, down} : PageOffset{down, -across};
   // The offset is meant for the page as it leaves the printer, after the turn.
   if (options.sRotation != 0) offset = {-offset.x, -offset.y};
   return offset;

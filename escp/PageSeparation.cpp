@@ -15,7 +15,9 @@ namespace {
 constexpr uint8_t kNoInk = 255;
 
 // Rows that one or two head passes cover.
-int bandHeight(short ydpi) noexcept { return ydpi == 360 ? 48 : 24; }
+int bandHeight(short ydpi) noexcept {
+  return ydpi == 360 ? 48 : 24;
+}
 
 // The bytes of a row that the bitmap really holds.
 std::span<const uint8_t> storedRow(const _OEMPDEV& pdev, int row) noexcept {
@@ -132,8 +134,9 @@ void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int to
   for (int row = top; row <= bottom; ++row) {
     const auto rest = storedRow(pdev, row);
     const size_t plane = static_cast<size_t>(row) * width;
-    const velka::RowInk ink = velka::separateRow(
-        rules, rest.first(std::min(rest.size(), width * 3)), m_pBlackBuf + plane, m_pRedBuf + plane);
+    const velka::RowInk ink =
+        velka::separateRow(rules, rest.first(std::min(rest.size(), width * 3)), m_pBlackBuf + plane,
+                           m_pRedBuf + plane);
     if (ink.black) m_nBlackFlag = 1;
     // A band is looked through column by column, so its first red pixel is the
     // topmost of its leftmost red column.

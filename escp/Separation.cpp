@@ -54,8 +54,7 @@ size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
 
 }  // namespace
 
-InkRules::InkRules(const ColourRouting& routing, const InkTone& black,
-                   const InkTone& red) noexcept
+InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const InkTone& red) noexcept
     : route_(routeTable(routing.outputColorType, routing.colorRangeUseFor)),
       solidApplies_(routing.outputColorType == 3),
       solid_(routing.solid),
@@ -86,8 +85,8 @@ Ink InkRules::inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
 InkDot InkRules::dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
   const Ink ink = inkOf(p0, p1, p2);
   if (ink == Ink::None) return {};
-  const bool solid = solidApplies_ && p0 == solid_.rgbBlue && p1 == solid_.rgbGreen &&
-                     p2 == solid_.rgbRed;
+  const bool solid =
+      solidApplies_ && p0 == solid_.rgbBlue && p1 == solid_.rgbGreen && p2 == solid_.rgbRed;
   if (solid) return {ink, 0};
   return {ink, (ink == Ink::Black ? black_ : red_).tone(p0, p1, p2)};
 }
@@ -96,8 +95,7 @@ InkRules compileInkRules(const tagOEMCFG& options) noexcept {
   const ColourRouting routing = {options.OutputColorType, options.ColorRangeUseFor,
                                  options.minColorOffset, options.maxColorOffset,
                                  options.solidColor};
-  return {routing,
-          InkTone{options.BrightnessBlack, options.ContrastBlack, options.LevelsBlack},
+  return {routing, InkTone{options.BrightnessBlack, options.ContrastBlack, options.LevelsBlack},
           InkTone{options.BrightnessRed, options.ContrastRed, options.LevelsRed}};
 }
 

@@ -32,8 +32,7 @@ struct ColourRouting {
 /// The compiled rules of a page.
 class InkRules {
  public:
-  InkRules(const ColourRouting& routing, const InkTone& black,
-           const InkTone& red) noexcept;
+  InkRules(const ColourRouting& routing, const InkTone& black, const InkTone& red) noexcept;
 
   /// Ink and value of one pixel, its three bytes in memory order.
   [[nodiscard]] InkDot dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;

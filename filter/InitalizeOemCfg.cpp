@@ -34,15 +34,20 @@ std::optional<int32_t> distanceOption(const tagOEMCFG* record, ppd_file_t* ppd,
 }
 
 // Brightness and contrast: 100 is neutral.
-int16_t aroundNeutral(int code) noexcept { return low16(int64_t{2} * code - 200); }
+int16_t aroundNeutral(int code) noexcept {
+  return low16(int64_t{2} * code - 200);
+}
 
-int16_t levelsHundredths(int code) noexcept { return low16(int64_t{3} * code); }
+int16_t levelsHundredths(int code) noexcept {
+  return low16(int64_t{3} * code);
+}
 
 // The corners of the colour range are set byte by byte, each only where the PPD
 // has it.
 tagRGBQUAD colourOption(tagRGBQUAD colour, ppd_file_t* ppd, const char* red, const char* green,
                         const char* blue) noexcept {
-  if (const int v = GetOptionChoiceIndex(red, ppd); v != -1) colour.rgbRed = static_cast<uint8_t>(v);
+  if (const int v = GetOptionChoiceIndex(red, ppd); v != -1)
+    colour.rgbRed = static_cast<uint8_t>(v);
   if (const int v = GetOptionChoiceIndex(green, ppd); v != -1)
     colour.rgbGreen = static_cast<uint8_t>(v);
   if (const int v = GetOptionChoiceIndex(blue, ppd); v != -1)

@@ -17,7 +17,9 @@ constexpr uint32_t kFirstScaledDpi = 361;
 constexpr double kMostDpi = 360.0;
 constexpr int16_t kPortrait = 1;
 
-int16_t low16(uint32_t value) noexcept { return static_cast<int16_t>(value); }
+int16_t low16(uint32_t value) noexcept {
+  return static_cast<int16_t>(value);
+}
 
 // A buffer of the device record as plain values: the record is packed, so its
 // fields cannot be referred to.

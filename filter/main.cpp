@@ -1,3 +1,5 @@
 #include "rastovelka.h"
 
-int main(int argc, char* argv[]) { return RunFilter(argc, argv); }
+int main(int argc, char* argv[]) {
+  return RunFilter(argc, argv);
+}

@@ -32,7 +32,9 @@ constexpr size_t kTextBytes = 256;
 constexpr int kOrloModelNumber = 2;
 using Text = std::array<char, kTextBytes>;
 
-int asInt(unsigned int value) noexcept { return static_cast<int>(value); }
+int asInt(unsigned int value) noexcept {
+  return static_cast<int>(value);
+}
 
 // The address of the page bitmap as the log shows it: its low 32 bits.
 unsigned int pageAddress() noexcept {
@@ -41,7 +43,9 @@ unsigned int pageAddress() noexcept {
 
 // Standard error is shared with the job's other filters; the texts carry no line
 // end.
-void tellUser(const char* text) noexcept { std::fputs(text, stderr); }
+void tellUser(const char* text) noexcept {
+  std::fputs(text, stderr);
+}
 
 bool pageComesFromPdf(ppd_file_t* ppd) noexcept {
   return ppd != nullptr && ppdIsMarked(ppd, "PdfPreprocess", "yes") != 0;
@@ -176,7 +180,8 @@ void InitializeSetting(const char* options, ppd_file_t** ppd) noexcept {
 void StartPage(ppd_file_t* /*ppd*/, const cups_page_header2_t* header, int page) noexcept {
   if (header == nullptr) return;
   const cups_page_header2_t& h = *header;
-  VELKA_LOG_DEBUG("******************************Start Page %d ******************************", page);
+  VELKA_LOG_DEBUG("******************************Start Page %d ******************************",
+                  page);
   VELKA_LOG_DEBUG("Duplex = %d", static_cast<int>(h.Duplex));
   VELKA_LOG_DEBUG("HWResolution = [ %d %d ]", asInt(h.HWResolution[0]), asInt(h.HWResolution[1]));
   VELKA_LOG_DEBUG("ImagingBoundingBox = [ %d %d %d %d ]", asInt(h.ImagingBoundingBox[0]),
@@ -232,7 +237,9 @@ void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_fi
   g_oemPDEV.dwBufSize = g_oemPDEV.pBufStart == nullptr ? 0 : size.value_or(0);
 }
 
-void CancelJob(int /*signal*/) noexcept { Canceled = 1; }
+void CancelJob(int /*signal*/) noexcept {
+  Canceled = 1;
+}
 
 int Shutdown(const char* pdfPath, ppd_file_t* ppd, cups_raster_t* raster, int fd) noexcept {
   if (raster == nullptr) return 1;

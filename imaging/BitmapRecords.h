@@ -32,8 +32,8 @@ static_assert(sizeof(tagBITMAPFILEHEADER) == 14);
 /// Bitmap information header. Heights are positive and row 0 is the top row.
 struct tagBITMAPINFOHEADER {
   uint32_t biSize;
-  int32_t biWidth;    ///< pixels
-  int32_t biHeight;   ///< rows
+  int32_t biWidth;   ///< pixels
+  int32_t biHeight;  ///< rows
   uint16_t biPlanes;
   uint16_t biBitCount;  ///< bits per pixel
   uint32_t biCompression;
@@ -78,7 +78,6 @@ struct tagSIZE {
   int32_t cx;
   int32_t cy;
 };
-
 
 struct _CIECHROMA {
   int32_t x;

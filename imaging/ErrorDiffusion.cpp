@@ -65,26 +65,31 @@ class RowPair {
 
   /// Goes on from `x` until a value leaves no error or the row ends.
   size_t spread(size_t x) {
-    uint8_t value = row_[x];
-    uint8_t left = x > 0 ? below_[x - 1] : uint8_t{0};
-    uint8_t here = below_[x];
+    // Copies, since a byte that is stored might be part of any member.
+    const DiffusionTable& table = table_;
+    uint8_t* const row = row_;
+    uint8_t* const below = below_;
+    uint8_t* const out = out_;
     const size_t begin = x;
     const size_t last = columns_ - 1;
-    for (; x < last && !table_.clean[value]; ++x) {
-      const DiffusionTable::Shares shares = table_.shares[value];
-      row_[x] = value;
-      out_[x] = table_.output[value];
+    uint8_t value = row[x];
+    uint8_t left = x > 0 ? below[x - 1] : uint8_t{0};
+    uint8_t here = below[x];
+    for (; x < last && !table.clean[value]; ++x) {
+      const DiffusionTable::Shares shares = table.shares[value];
+      row[x] = value;
+      out[x] = table.output[value];
       if (x > 0) {
-        below_[x - 1] = add(left, shares.leftDown);
+        below[x - 1] = add(left, shares.leftDown);
       }
       left = add(here, shares.down);
-      here = add(below_[x + 1], shares.rightDown);
-      value = add(row_[x + 1], shares.right);
+      here = add(below[x + 1], shares.rightDown);
+      value = add(row[x + 1], shares.right);
     }
-    row_[x] = value;
-    below_[x] = here;
+    row[x] = value;
+    below[x] = here;
     if (x > begin) {
-      below_[x - 1] = left;
+      below[x - 1] = left;
     }
     return x == last ? finish(x) : x;
   }

@@ -56,22 +56,24 @@ TEST(Builders, NoVerticalDistanceYieldsNoBytesButSuccess) {
   EXPECT_EQ(relativeMove(360, 0), Bytes{});
 }
 
-TEST(Builders, LessThanOneUnitYieldsNoBytes) { EXPECT_EQ(relativeMove(720, 1), Bytes{}); }
+TEST(Builders, LessThanOneUnitYieldsNoBytes) {
+  EXPECT_EQ(relativeMove(720, 1), Bytes{});
+}
 
 TEST(Builders, ThreeHundredRowsAt360AreOneCommand) {
   EXPECT_EQ(relativeMove(360, 300), (Bytes{0x0D, 0x1B, '(', 'v', 2, 0, 0x2C, 0x01}));
 }
 
 TEST(Builders, ALongMoveOverlapsItsCommands) {
-  Bytes expected = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v', 0x1B, '(', 'v',
-                    0x1B, '(',  'v', 2,   0,    0xA3, 0x06};
+  Bytes expected = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v',  0x1B, '(',
+                    'v',  0x1B, '(', 'v', 2,    0,   0xA3, 0x06};
   expected.resize(29);
   EXPECT_EQ(relativeMove(360, 100000), expected);
 }
 
 TEST(Builders, ALongBackwardMoveSendsItsWholeRestUnclamped) {
-  EXPECT_EQ(relativeMove(360, -40000), (Bytes{0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 0xBF,
-                                              0xE3, 0, 0, 0, 0}));
+  EXPECT_EQ(relativeMove(360, -40000),
+            (Bytes{0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 0xBF, 0xE3, 0, 0, 0, 0}));
 }
 
 TEST(Builders, AnImpossibleResolutionMovesNothing) {
@@ -180,8 +182,8 @@ TEST(EjectMode, CyclesOverThePages) {
   for (uint32_t page = 1; page <= 6; ++page) {
     job.pdev.dwCurPageNum = page;
     Output out;
-    EXPECT_TRUE(job.pdev.pEscpSml->GetEjectModeCmd(&job.devobj, &out.buffer, &out.capacity,
-                                                   &out.length));
+    EXPECT_TRUE(
+        job.pdev.pEscpSml->GetEjectModeCmd(&job.devobj, &out.buffer, &out.capacity, &out.length));
     parameters.push_back(out.bytes().at(3));
   }
   EXPECT_EQ(parameters, (Bytes{'0', '0', '1', '0', '0', '1'}));

@@ -132,21 +132,15 @@ TEST(Encoding, At360EachBandHasTwoPassesARowApart) {
 TEST(Encoding, APassWithoutDotsIsNotFollowedByTheInterleaveStep) {
   EncodedPage page(48, 360);
   page.band(0, 48).black(1);
-  EXPECT_EQ(page.encode(),
-            ExpectedStream().toX(0).add(blockOf(0, 0x28)).formFeed().bytes());
+  EXPECT_EQ(page.encode(), ExpectedStream().toX(0).add(blockOf(0, 0x28)).formFeed().bytes());
 }
 
 TEST(Encoding, RectanglesOfOneTopAreOneBand) {
   EncodedPage page(24);
   page.band(0, 24, 0, 5).band(0, 24, 6, 11).black(0);
   page.generator.m_pBlackBuf[6] = 0;
-  EXPECT_EQ(page.encode(), ExpectedStream()
-                               .toX(0)
-                               .add(blockOf(0))
-                               .toX(2)
-                               .add(blockOf(0))
-                               .formFeed()
-                               .bytes());
+  EXPECT_EQ(page.encode(),
+            ExpectedStream().toX(0).add(blockOf(0)).toX(2).add(blockOf(0)).formFeed().bytes());
 }
 
 TEST(Encoding, BandsWithoutInkSendNothingAtAll) {
@@ -254,14 +248,8 @@ TEST(SplitPages, WithoutBlackThePaperMovesForwardToTheRed) {
   EncodedPage page(120);
   page.job.options.SplitBlackRed = 1;
   page.band(0).band(60).red(70);
-  EXPECT_EQ(page.encode(), ExpectedStream()
-                               .unit(10)
-                               .down(120)
-                               .unit(10)
-                               .toX(0)
-                               .add(blockOf(1))
-                               .formFeed()
-                               .bytes());
+  EXPECT_EQ(page.encode(),
+            ExpectedStream().unit(10).down(120).unit(10).toX(0).add(blockOf(1)).formFeed().bytes());
 }
 
 TEST(SplitPages, WithoutRedTheStepBackIsStillMade) {

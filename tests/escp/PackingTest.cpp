@@ -140,11 +140,13 @@ TEST(BlockPacking, EqualsTheReferenceOnRandomBands) {
     const int right = width - 1 + static_cast<int>(random() % 4 == 0 ? random() % 5 : 0);
     const _RECTL area = {left, top, right, top + rows - 1};
     if (right < left) continue;
-    const auto bytes = static_cast<unsigned short>(rows == 48 ? 3 : std::array{0, 1, 3, 9}[random() % 4]);
+    const auto bytes =
+        static_cast<unsigned short>(rows == 48 ? 3 : std::array{0, 1, 3, 9}[random() % 4]);
     const float divisor = std::array{0.5F, 1.0F, 4.0F / 3.0F, 3.0F, 6.0F}[random() % 5];
     const int pass = static_cast<int>(random() % 3);
     for (const short colour : {short{1}, short{2}}) {
-      const auto expected = reference::packBlock(planes, area, colour, {bytes, 0x27}, divisor, pass);
+      const auto expected =
+          reference::packBlock(planes, area, colour, {bytes, 0x27}, divisor, pass);
       const BlockCall call = blockOf(generator, area, colour, bytes, divisor, pass);
       ASSERT_TRUE(call.succeeded);
       ASSERT_EQ(call.command, expected.command) << "round " << round;

@@ -1,18 +1,19 @@
 // Print offsets, output geometry and quarter turns.
-#include "PagePlacement.h"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <limits>
 
+#include "PagePlacement.h"
 #include "escp/PageFixture.h"
 #include "support/Capture.h"
 
 namespace velka::testing {
 namespace {
 
-bool operator==(const PageOffset& a, const PageOffset& b) { return a.x == b.x && a.y == b.y; }
+bool operator==(const PageOffset& a, const PageOffset& b) {
+  return a.x == b.x && a.y == b.y;
+}
 
 PageOffset offsetOf(int hrz, int hrzDir, int vtc, int vtcDir, int rotation, int orientation) {
   tagOEMCFG options = reference::defaultOptions();
@@ -25,7 +26,9 @@ PageOffset offsetOf(int hrz, int hrzDir, int vtc, int vtcDir, int rotation, int 
   return printOffset(options, mode);
 }
 
-TEST(PrintOffset, FiveMillimetresAt360DpiAre71Dots) { EXPECT_EQ(tenthsToDots(50, 360), 71); }
+TEST(PrintOffset, FiveMillimetresAt360DpiAre71Dots) {
+  EXPECT_EQ(tenthsToDots(50, 360), 71);
+}
 
 TEST(PrintOffset, NegativeDistancesTruncateTowardsZero) {
   EXPECT_EQ(tenthsToDots(-50, 360), -70);  // -70.87 + 0.5
@@ -146,10 +149,9 @@ TEST(Placement, WithoutOffsetEverythingIsCopiedThatBothHold) {
 
 TEST(Placement, OffsetsLargerThanThePageLeaveItWhite) {
   Bytes source(12, 1);
-  for (const PageOffset offset : {PageOffset{100, 0}, PageOffset{-100, 0}, PageOffset{0, 100},
-                                  PageOffset{0, -100},
-                                  PageOffset{std::numeric_limits<int32_t>::max(),
-                                             -std::numeric_limits<int32_t>::max()}}) {
+  for (const PageOffset offset :
+       {PageOffset{100, 0}, PageOffset{-100, 0}, PageOffset{0, 100}, PageOffset{0, -100},
+        PageOffset{std::numeric_limits<int32_t>::max(), -std::numeric_limits<int32_t>::max()}}) {
     Bytes output(12, 9);
     placePage({source, 4}, {output, 4}, 3, offset);
     EXPECT_EQ(output, Bytes(12, 9));

@@ -16,9 +16,9 @@ struct Pair {
   uint32_t ydpi;
 };
 
-constexpr Pair kPairs[] = {{60, 180},  {90, 180}, {120, 180}, {180, 180}, {360, 180},
-                           {360, 360}, {60, 60},  {80, 60},   {90, 60},   {120, 60},
-                           {720, 360}, {720, 720}, {75, 180}, {180, 90}};
+constexpr Pair kPairs[] = {{60, 180},  {90, 180},  {120, 180}, {180, 180}, {360, 180},
+                           {360, 360}, {60, 60},   {80, 60},   {90, 60},   {120, 60},
+                           {720, 360}, {720, 720}, {75, 180},  {180, 90}};
 
 // A page of runs of colour between blank stretches; `bytes` rows padded to four.
 reference::SourceBitmap randomPage(std::mt19937& random, uint32_t width, uint32_t height) {
@@ -34,15 +34,22 @@ reference::SourceBitmap randomPage(std::mt19937& random, uint32_t width, uint32_
     while (x < width) {
       uint8_t colour[3] = {};
       switch (random() % 6) {
-        case 0: break;
-        case 1: colour[2] = 255; break;
-        case 2: colour[0] = colour[1] = colour[2] = static_cast<uint8_t>(random()); break;
+        case 0:
+          break;
+        case 1:
+          colour[2] = 255;
+          break;
+        case 2:
+          colour[0] = colour[1] = colour[2] = static_cast<uint8_t>(random());
+          break;
         case 3:
           for (uint8_t& c : colour) c = static_cast<uint8_t>(random());
           break;
-        default: colour[0] = colour[1] = colour[2] = 255;
+        default:
+          colour[0] = colour[1] = colour[2] = 255;
       }
-      const uint32_t end = std::min<uint32_t>(width, x + 1 + static_cast<uint32_t>(random() % (noise ? 2 : 30)));
+      const uint32_t end =
+          std::min<uint32_t>(width, x + 1 + static_cast<uint32_t>(random() % (noise ? 2 : 30)));
       for (; x < end; ++x) std::memcpy(&page.bytes[row * stride + x * 3], colour, 3);
     }
   }

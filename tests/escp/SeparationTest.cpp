@@ -1,11 +1,10 @@
 // Which ink a pixel gets, against the literal rules.
-#include "Separation.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
 
 #include "ESCPSML.h"
+#include "Separation.h"
 #include "reference/ReferenceOptions.h"
 #include "reference/ReferenceSeparation.h"
 #include "support/Capture.h"
@@ -21,8 +20,8 @@ Ink asInk(reference::Ink ink) {
 // Every colour of a dense lattice that holds all the limits of the rules.
 void expectSameInks(const tagOEMCFG& options) {
   const InkRules rules = compileInkRules(options);
-  constexpr int kSteps[] = {0, 1, 9, 10, 50, 128, 129, 130, 137, 138, 149, 150, 198, 199,
-                            200, 201, 238, 239, 240, 241, 248, 249, 250, 251, 254, 255};
+  constexpr int kSteps[] = {0,   1,   9,   10,  50,  128, 129, 130, 137, 138, 149, 150, 198,
+                            199, 200, 201, 238, 239, 240, 241, 248, 249, 250, 251, 254, 255};
   for (const int a : kSteps)
     for (const int b : kSteps)
       for (const int c : kSteps) {

@@ -1,6 +1,4 @@
 // Writing to a printer that takes its bytes slowly or not at all.
-#include "StandardOutput.h"
-
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -8,6 +6,7 @@
 #include <csignal>
 #include <thread>
 
+#include "StandardOutput.h"
 #include "support/Capture.h"
 
 namespace velka::testing {
@@ -61,7 +60,9 @@ TEST(StandardOutput, ABrokenPipeEndsTheWrite) {
   std::signal(SIGPIPE, before);
 }
 
-TEST(StandardOutput, AClosedDescriptorEndsTheWrite) { EXPECT_EQ(writeAll(-1, pattern(3)), 0U); }
+TEST(StandardOutput, AClosedDescriptorEndsTheWrite) {
+  EXPECT_EQ(writeAll(-1, pattern(3)), 0U);
+}
 
 void doNothing(int /*signal*/) {}
 

@@ -1,106 +1,23 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 #include <type_traits>
 #include <vector>
 
 #include "BitmapRecords.h"
 #include "DataTree.h"
+#include "LiteralTree.h"
+#include "TreeTools.h"
 
 namespace {
 
-long g_nodesLeft = -1;  // nodes that may still be allocated; negative: any number
-
-}  // namespace
-
-// Nodes are the only things allocated this way here.
-void* operator new(std::size_t size, const std::nothrow_t& /*unused*/) noexcept {
-  if (g_nodesLeft == 0) {
-    return nullptr;
-  }
-  if (g_nodesLeft > 0) {
-    --g_nodesLeft;
-  }
-  return ::operator new(size);
-}
-
-namespace {
-
-using Keys = unsigned long;
-
-struct Mark {
-  int id;
-};
-
-using Tree = CDataTree<Mark, Keys, Keys>;
-using Node = Tree::Node;
+using namespace velka::tree_test;
 
 static_assert(!std::is_copy_constructible_v<Tree> && !std::is_copy_assignable_v<Tree>);
 static_assert(std::is_same_v<decltype(Tree::count), unsigned long>);
 
-/// The tree as described, recursive and without any hint.
-class LiteralTree {
- public:
-  struct Item {
-    Mark rect;
-    Keys key1;
-    Keys key2;
-    std::unique_ptr<Item> left;
-    std::unique_ptr<Item> right;
-  };
-  using Link = std::unique_ptr<Item>;
-
-  void insert(Mark rect, Keys key1, Keys key2) { put(root, rect, key1, key2); }
-
-  bool remove(Keys key1, Keys key2) {
-    Link* link = &root;
-    while (*link && !((*link)->key1 == key1 && (*link)->key2 == key2)) {
-      link = lower(key1, key2, **link) ? &(*link)->left : &(*link)->right;
-    }
-    if (!*link) return false;
-    Link right = std::move((*link)->right);
-    Link left = std::move((*link)->left);
-    if (right) {
-      Link* place = &left;
-      while (*place) {
-        place = lower(right->key1, right->key2, **place) ? &(*place)->left : &(*place)->right;
-      }
-      *place = std::move(right);
-    }
-    *link = std::move(left);
-    return true;
-  }
-
-  void collect(const Keys* key1, const Keys* key2, const Link& link, LiteralTree& target) const {
-    if (!link || (key1 == nullptr && key2 == nullptr)) return;
-    if (key1 != nullptr && link->key1 != *key1) {
-      return collect(key1, key2, *key1 < link->key1 ? link->left : link->right, target);
-    }
-    collect(key1, key2, link->left, target);
-    collect(key1, key2, link->right, target);
-    if (key1 != nullptr || link->key2 == *key2) target.insert(link->rect, link->key1, link->key2);
-  }
-
-  void travel(const Link& link, std::vector<int>& ids) const {
-    if (!link) return;
-    travel(link->left, ids);
-    ids.push_back(link->rect.id);
-    travel(link->right, ids);
-  }
-
-  Link root;
-
- private:
-  static bool lower(Keys key1, Keys key2, const Item& item) {
-    return key1 != item.key1 ? key1 < item.key1 : key2 < item.key2;
-  }
-  static void put(Link& link, Mark rect, Keys key1, Keys key2) {
-    if (link) return put(lower(key1, key2, *link) ? link->left : link->right, rect, key1, key2);
-    link = std::make_unique<Item>(Item{rect, key1, key2, nullptr, nullptr});
-  }
-};
+using LiteralTree = velka::literal::Tree<Mark, Keys>;
 
 void expectSameShape(const Node* node, const LiteralTree::Link& item) {
   ASSERT_EQ(node == nullptr, item == nullptr);
@@ -112,40 +29,12 @@ void expectSameShape(const Node* node, const LiteralTree::Link& item) {
   expectSameShape(node->right, item->right);
 }
 
-std::vector<int> idsBelow(Tree& tree, Node*& link) {
-  std::vector<Mark> marks(tree.count);
-  unsigned long index = 0;
-  EXPECT_EQ(tree.travel(link, marks.data(), &index), 1);
-  std::vector<int> ids;
-  std::transform(marks.begin(), marks.begin() + static_cast<long>(index), std::back_inserter(ids),
-                 [](Mark mark) { return mark.id; });
-  return ids;
-}
-
-std::vector<int> idsOf(Tree& tree) {
-  return idsBelow(tree, tree.root);
-}
-
-std::vector<int> found(Tree& tree, const Keys* key1, const Keys* key2) {
-  std::vector<Mark> marks(tree.count + 1);
-  unsigned long matches = 99;
-  EXPECT_EQ(tree.find(key1, key2, marks.data(), marks.size(), &matches), 1);
-  std::vector<int> ids;
-  for (unsigned long i = 0; i < matches; ++i) ids.push_back(marks[i].id);
-  return ids;
-}
-
 std::vector<int> foundLiterally(const LiteralTree& tree, const Keys* key1, const Keys* key2) {
   LiteralTree target;
   tree.collect(key1, key2, tree.root, target);
   std::vector<int> ids;
   target.travel(target.root, ids);
   return ids;
-}
-
-void fill(Tree& tree, const std::vector<std::pair<Keys, Keys>>& pairs) {
-  int id = 0;
-  for (const auto& [key1, key2] : pairs) tree.insert({id++}, key1, key2);
 }
 
 TEST(DataTree, StartsEmptyWithTheRootFirstAndTheCountNext) {
@@ -339,68 +228,6 @@ TEST(DataTree, RandomHistoriesHaveTheShapeOfTheLiteralTree) {
     }
     expectSameShape(tree.root, literal.root);
   }
-}
-
-constexpr int kMany = 100000;
-
-void expectManyWork(Tree& tree, const std::vector<int>& order) {
-  EXPECT_EQ(tree.count, static_cast<unsigned long>(kMany));
-  EXPECT_EQ(idsOf(tree), order);
-  const Keys seven = 7;
-  EXPECT_EQ(found(tree, nullptr, &seven).size(), static_cast<size_t>(kMany));
-}
-
-std::vector<int> upwards() {
-  std::vector<int> ids(kMany);
-  for (int i = 0; i < kMany; ++i) ids[static_cast<size_t>(i)] = i;
-  return ids;
-}
-
-TEST(DataTree, AHundredThousandRisingKeysWork) {
-  Tree tree;
-  for (int i = 0; i < kMany; ++i) tree.insert({i}, static_cast<Keys>(i), 7);
-  expectManyWork(tree, upwards());
-  const Keys last = kMany - 1;
-  EXPECT_EQ(found(tree, &last, nullptr), std::vector<int>{kMany - 1});
-  for (int i = 0; i < kMany; ++i) ASSERT_EQ(tree.remove(static_cast<Keys>(i), 7), 1);
-  EXPECT_EQ(tree.root, nullptr);
-}
-
-TEST(DataTree, AHundredThousandFallingKeysWork) {
-  Tree tree;
-  for (int i = kMany - 1; i >= 0; --i) tree.insert({i}, static_cast<Keys>(i), 7);
-  expectManyWork(tree, upwards());
-  const Keys first = 0;
-  EXPECT_EQ(found(tree, &first, nullptr), std::vector<int>{0});
-}
-
-TEST(DataTree, AHundredThousandEqualKeysWork) {
-  Tree tree;
-  for (int i = 0; i < kMany; ++i) tree.insert({i}, 3, 7);
-  expectManyWork(tree, upwards());
-  const Keys three = 3;
-  std::vector<int> backwards = upwards();
-  std::reverse(backwards.begin(), backwards.end());
-  EXPECT_EQ(found(tree, &three, nullptr), backwards);
-  tree.clear(tree.root);
-  EXPECT_EQ(tree.root, nullptr);
-}
-
-TEST(DataTree, WithoutMemoryInsertionAndQueriesDoNothing) {
-  Tree tree;
-  fill(tree, {{2, 1}, {2, 2}, {2, 3}});
-  const Keys two = 2;
-  Mark out[3] = {{-1}, {-1}, {-1}};
-  unsigned long matches = 9;
-  g_nodesLeft = 2;
-  EXPECT_EQ(tree.find(&two, nullptr, out, 3, &matches), 0);
-  g_nodesLeft = 0;
-  tree.insert({9}, 1, 1);
-  g_nodesLeft = -1;
-  EXPECT_EQ(matches, 0U);
-  EXPECT_EQ(out[0].id, -1);
-  EXPECT_EQ(idsOf(tree), (std::vector<int>{0, 1, 2}));
-  EXPECT_EQ(tree.count, 3U);
 }
 
 }  // namespace

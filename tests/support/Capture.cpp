@@ -10,8 +10,7 @@ Bytes contentsOf(int fd) {
   Bytes bytes(static_cast<size_t>(lseek(fd, 0, SEEK_END)));
   size_t done = 0;
   while (done < bytes.size()) {
-    const ssize_t n =
-        pread(fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
+    const ssize_t n = pread(fd, bytes.data() + done, bytes.size() - done, static_cast<off_t>(done));
     if (n <= 0) break;
     done += static_cast<size_t>(n);
   }
@@ -30,6 +29,8 @@ Capture::~Capture() {
   close(file_);
 }
 
-Bytes Capture::bytes() const { return contentsOf(file_); }
+Bytes Capture::bytes() const {
+  return contentsOf(file_);
+}
 
 }  // namespace velka::testing

@@ -57,7 +57,9 @@ int statusOf(int pid) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-std::string asText(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+std::string asText(const Bytes& bytes) {
+  return {bytes.begin(), bytes.end()};
+}
 
 }  // namespace
 

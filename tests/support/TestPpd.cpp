@@ -18,8 +18,8 @@ std::string ppdText(const PpdText& ppd) {
   text += "*cupsModelNumber: " + std::to_string(ppd.modelNumber) + "\n";
   for (const auto& [keyword, code] : ppd.options) {
     text += "*OpenUI *" + keyword + "/" + keyword + ": PickOne\n*OrderDependency: 10 AnySetup *" +
-            keyword + "\n*Default" + keyword + ": Chosen\n*" + keyword + " Chosen/Chosen: \"" + code +
-            "\"\n*" + keyword + " Other/Other: \"7\"\n*CloseUI: *" + keyword + "\n";
+            keyword + "\n*Default" + keyword + ": Chosen\n*" + keyword + " Chosen/Chosen: \"" +
+            code + "\"\n*" + keyword + " Other/Other: \"7\"\n*CloseUI: *" + keyword + "\n";
   }
   const std::string pdf = ppd.pdfPreprocess ? "yes" : "no";
   text +=
@@ -42,6 +42,8 @@ TempFile::TempFile(std::string_view contents, const char* suffix) {
   }
 }
 
-TempFile::~TempFile() { unlink(path_.c_str()); }
+TempFile::~TempFile() {
+  unlink(path_.c_str());
+}
 
 }  // namespace velka::testing

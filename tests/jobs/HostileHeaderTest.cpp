@@ -1,0 +1,124 @@
+// Page headers that lie.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+#include "jobs/JobFixture.h"
+
+namespace velka::testing {
+namespace {
+
+using Spoil = std::function<void(cups_page_header2_t&)>;
+
+// A page of ink whose header was spoilt after its lines were made, and a sound
+// page behind it.
+FilterResult runSpoilt(const Spoil& spoil) {
+  RasterPage page = inkedPage(rgbHeader(40, 60), 1);
+  spoil(page.header);
+  return runJob({}, rawStream({page, inkedPage(rgbHeader(40, 60), 2)}));
+}
+
+// The job ends by itself, with a status of its own and nothing but the known
+// texts on standard error.
+void expectSafe(const FilterResult& result, const std::string& what) {
+  EXPECT_TRUE(result.status == 0 || result.status == 1) << what << ": " << result.status;
+  std::string rest = result.errors;
+  const std::string text = "Finish print operation.";
+  while (rest.rfind(text, 0) == 0) rest.erase(0, text.size());
+  EXPECT_EQ(rest, "") << what;
+}
+
+TEST(HostileHeaders, SingleFieldsThatLieAreSafe) {
+  constexpr unsigned kValues[] = {0,    1,     3,     7,        39,         41,         255,
+                                  4096, 65535, 65536, 1U << 20, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+  using Field = unsigned cups_page_header2_t::*;
+  const std::vector<std::pair<const char*, Field>> fields = {
+      {"width", &cups_page_header2_t::cupsWidth},
+      {"height", &cups_page_header2_t::cupsHeight},
+      {"bits per pixel", &cups_page_header2_t::cupsBitsPerPixel},
+      {"bits per colour", &cups_page_header2_t::cupsBitsPerColor},
+      {"bytes per line", &cups_page_header2_t::cupsBytesPerLine},
+      {"copies", &cups_page_header2_t::NumCopies}};
+  for (const auto& [name, field] : fields) {
+    for (const unsigned value : kValues) {
+      // Many copies are honest work, only long.
+      if (field == &cups_page_header2_t::NumCopies && value > 255 && value < 65536) continue;
+      const auto spoil = [&, member = field](cups_page_header2_t& h) { h.*member = value; };
+      expectSafe(runSpoilt(spoil), std::string(name) + " = " + std::to_string(value));
+    }
+  }
+}
+
+TEST(HostileHeaders, ResolutionsThatLieAreSafe) {
+  for (const unsigned x : {0U, 1U, 59U, 361U, 65535U, 65536U, 0xFFFFFFFFU})
+    for (const unsigned y : {0U, 1U, 180U, 360U, 65535U, 0xFFFFFFFFU})
+      expectSafe(runSpoilt([&](cups_page_header2_t& h) {
+                   h.HWResolution[0] = x;
+                   h.HWResolution[1] = y;
+                 }),
+                 std::to_string(x) + " x " + std::to_string(y));
+}
+
+TEST(HostileHeaders, ProductsBeyondThirtyTwoBitsPrintNothingOfThatPage) {
+  // 65536 x 24 bits x 65536 rows wrap to a small number of bytes.
+  const FilterResult result = runSpoilt([](cups_page_header2_t& h) {
+    h.cupsWidth = 65536;
+    h.cupsHeight = 65536;
+  });
+  expectSafe(result, "wrapping size");
+  EXPECT_EQ(result.output, (Bytes{0x1B, '@'}));
+}
+
+TEST(HostileHeaders, AWidthWhoseBitsWrapIsNotASmallPage) {
+  const FilterResult result = runSpoilt([](cups_page_header2_t& h) {
+    h.cupsWidth = 178956971;  // x 24 = 2^32 + 8 bits
+    h.cupsHeight = 60;
+  });
+  expectSafe(result, "wrapping width");
+}
+
+// Pages whose depth is not 24 are read as far as their bytes go, like the
+// reference reads them.
+TEST(HostileHeaders, OtherDepthsEqualTheReference) {
+  for (const unsigned bits : {1U, 8U, 16U, 23U, 25U, 32U, 48U}) {
+    RasterPage page = inkedPage(rgbHeader(40, 60), 1);
+    page.header.cupsBitsPerPixel = bits;
+    const FilterResult result = runJob({}, rawStream({page}));
+    EXPECT_EQ(result.status, 0);
+    expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+  }
+}
+
+TEST(HostileHeaders, LinesThatDisagreeWithTheWidthEqualTheReference) {
+  for (const unsigned bytes : {1U, 2U, 3U, 59U, 119U, 120U, 121U, 123U, 240U, 1000U}) {
+    cups_page_header2_t header = rgbHeader(40, 60);
+    header.cupsBytesPerLine = bytes;
+    RasterPage page = inkedPage(header, 5);
+    // libcups takes whole pixels only; what it refuses ends the job.
+    const FilterResult result = runJob({}, rawStream({page}));
+    if (result.status == 1) continue;
+    expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+  }
+}
+
+TEST(HostileHeaders, RandomHeadersAndDataAreSafe) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 60; ++round) {
+    RasterPage page = inkedPage(rgbHeader(20, 30), 1);
+    auto* words = reinterpret_cast<unsigned*>(&page.header.AdvanceDistance);
+    const size_t count = (sizeof page.header - offsetof(cups_page_header2_t, AdvanceDistance)) / 4;
+    for (int i = 0; i < 5; ++i) {
+      const size_t at = random() % (i % 2 == 0 ? 32 : 60);
+      if (at < count)
+        words[at] = static_cast<unsigned>(random() % 2 == 0 ? random() : random() % 300);
+    }
+    page.header.NumCopies = 1;
+    page.header.cupsHeight %= 5000;
+    page.header.cupsWidth %= 5000;
+    expectSafe(runJob({}, rawStream({page, page})), "round " + std::to_string(round));
+  }
+}
+
+}  // namespace
+}  // namespace velka::testing
