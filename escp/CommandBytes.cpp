@@ -8,8 +8,9 @@
 namespace velka {
 namespace {
 
-constexpr uint32_t kLongestYMove = 32767;  // what one ESC ( v carries
-constexpr int64_t kLongestAdvance = 255;   // what one ESC J carries
+constexpr uint32_t kLongestYMove = 32767;   // what one ESC ( v carries
+constexpr int64_t kLongestAdvance = 255;    // what one ESC J carries
+constexpr int64_t kMostAdvances = 1 << 24;  // more than any paper takes; bounds the buffer
 
 constexpr uint8_t lowByte(uint32_t value) noexcept {
   return static_cast<uint8_t>(value);
@@ -82,9 +83,9 @@ void RelativeYMove::write(std::span<uint8_t> out) const noexcept {
 }
 
 AdvanceYMove::AdvanceYMove(int16_t ydpi, int rows) noexcept
-    : distance_(ydpi == 0 ? 0 : truncateToInt32(static_cast<double>(int64_t{rows} * 180 / ydpi))),
-      commands_(static_cast<uint32_t>(
-          std::max<int64_t>(0, (distance_ + kLongestAdvance - 1) / kLongestAdvance))) {}
+    : distance_(ydpi == 0 ? 0 : int64_t{rows} * 180 / ydpi),
+      commands_(static_cast<uint32_t>(std::clamp<int64_t>(
+          (distance_ + kLongestAdvance - 1) / kLongestAdvance, 0, kMostAdvances))) {}
 
 void AdvanceYMove::write(std::span<uint8_t> out) const noexcept {
   if (out.size() < size()) return;

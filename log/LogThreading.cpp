@@ -1,10 +1,10 @@
 #include "LogThreading.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 
 LockHelper::LockHelper() noexcept {
   pthread_mutex_init(&mutex_, nullptr);

@@ -14,7 +14,7 @@ namespace {
 
 using reference::ExpectedStream;
 
-constexpr int kWidth = 12;
+constexpr size_t kWidth = 12;
 
 // A page of 12 columns whose planes are inked by hand.
 struct EncodedPage {
@@ -26,8 +26,8 @@ struct EncodedPage {
     job.pdev.devModeOut = job.mode;
     job.pdev.dwCurPageNum = 1;
     job.pdev.pRectTree = new CRectTree;
-    generator.m_nPlaneStride = kWidth;
-    generator.m_nPageWidth = kWidth;
+    generator.m_nPlaneStride = static_cast<int>(kWidth);
+    generator.m_nPageWidth = static_cast<int>(kWidth);
     generator.m_nPageHeight = static_cast<int>(height);
     const size_t size = kWidth * height;
     for (auto [plane, bytes] : {std::pair{&generator.m_pBlackBuf, &generator.m_dwBlackSize},
@@ -38,19 +38,20 @@ struct EncodedPage {
     }
   }
 
-  EncodedPage& band(int top, int rows = 24, int left = 0, int right = kWidth - 1) {
+  EncodedPage& band(int top, int rows = 24, int left = 0,
+                    int right = static_cast<int>(kWidth) - 1) {
     job.pdev.pRectTree->insert({left, top, right, top + rows - 1}, static_cast<unsigned long>(top),
                                static_cast<unsigned long>(left));
     return *this;
   }
   // One dot at column 0 of a row.
   EncodedPage& black(int row) {
-    generator.m_pBlackBuf[row * kWidth] = 0;
+    generator.m_pBlackBuf[static_cast<size_t>(row) * kWidth] = 0;
     generator.m_nBlackFlag = 1;
     return *this;
   }
   EncodedPage& red(int row) {
-    generator.m_pRedBuf[row * kWidth] = 0;
+    generator.m_pRedBuf[static_cast<size_t>(row) * kWidth] = 0;
     if (generator.m_nRedFlag == 0) job.pdev.lFirstRedRow = row;
     generator.m_nRedFlag = 1;
     return *this;

@@ -84,7 +84,7 @@ TEST(BlockPacking, TopmostDotIsTheMostSignificantBit) {
   planes.height = 24;
   planes.black.assign(48, 255);
   planes.red.assign(48, 255);
-  for (const size_t row : {0, 7, 8, 23}) planes.red[row * 2] = 0;
+  for (const size_t row : {size_t{0}, size_t{7}, size_t{8}, size_t{23}}) planes.red[row * 2] = 0;
   CESCPSML generator;
   load(generator, planes);
   const BlockCall call = blockOf(generator, {0, 0, 1, 23}, 2, 3, 3.0F, 0);

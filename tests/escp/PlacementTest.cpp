@@ -65,12 +65,14 @@ TEST(QuarterTurns, LandscapeIsTurnedOnceAlready) {
             (int64_t{std::numeric_limits<int32_t>::max()} * 90 + 270) % 360 / 90);
 }
 
+constexpr size_t kPageBytes = size_t{300} * 40;  // 100 x 40 pixels
+
 // What is left in the record after rendering a white page.
 GDIINFO geometryAfter(int rotation, int xOffset) {
   Job job(100, 40, 180, 180);
   job.options.sRotation = rotation;
   job.options.sHrzOffset = xOffset;
-  job.setPage({Bytes(300 * 40, 0xFF), 40}, 1);
+  job.setPage({Bytes(kPageBytes, 0xFF), 40}, 1);
   const Capture capture(STDOUT_FILENO);
   RenderEscpData(&job.devobj);
   return job.pdev.devGdiInfo;
@@ -124,7 +126,7 @@ TEST(Geometry, TheSourceKeepsTheSizeThatAnOffsetGrew) {
   job.options.sVtcOffset = 50;
   const Capture capture(STDOUT_FILENO);
   for (uint32_t page = 1; page <= 2; ++page) {
-    job.setPage({Bytes(300 * 40, 0xFF), 40}, page);
+    job.setPage({Bytes(kPageBytes, 0xFF), 40}, page);
     RenderEscpData(&job.devobj);
   }
   EXPECT_EQ(job.pdev.srcGdiInfo.szlPhysSize.cy, 40 + 35 + 35);
@@ -160,7 +162,7 @@ TEST(Placement, OffsetsLargerThanThePageLeaveItWhite) {
 
 // The stream of one page of ink with the given options.
 Bytes inkPage(Job& job) {
-  job.setPage({Bytes(300 * 40, 0), 40}, 1);
+  job.setPage({Bytes(kPageBytes, 0), 40}, 1);
   const Capture capture(STDOUT_FILENO);
   RenderEscpData(&job.devobj);
   return capture.bytes();
@@ -192,7 +194,7 @@ TEST(OutputBuffer, OneBeyondThirtyTwoBitsEndsThePageAfterItsStart) {
 TEST(OutputResolution, Above360ThePageIsSentAt360) {
   Job job(100, 720, 720, 720);
   job.options.sHrzOffset = 50;
-  job.setPage({Bytes(300 * 720, 0xFF), 720}, 1);
+  job.setPage({Bytes(size_t{300} * 720, 0xFF), 720}, 1);
   const Capture capture(STDOUT_FILENO);
   RenderEscpData(&job.devobj);
   EXPECT_EQ(job.pdev.devModeOut.dmPrintQuality, 360);

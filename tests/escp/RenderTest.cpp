@@ -50,7 +50,7 @@ reference::SourceBitmap randomPage(std::mt19937& random, uint32_t width, uint32_
       }
       const uint32_t end =
           std::min<uint32_t>(width, x + 1 + static_cast<uint32_t>(random() % (noise ? 2 : 30)));
-      for (; x < end; ++x) std::memcpy(&page.bytes[row * stride + x * 3], colour, 3);
+      for (; x < end; ++x) std::memcpy(&page.bytes[row * stride + size_t{x} * 3], colour, 3);
     }
   }
   return page;

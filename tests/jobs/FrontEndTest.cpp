@@ -168,14 +168,14 @@ TEST(Cancelling, DuringAPageFinishesItAndReadsNoFurther) {
                                          inkedPage(rgbHeader(40, 60), 2),
                                          inkedPage(rgbHeader(40, 60), 3)};
   const Bytes stream = rawStream(pages);
-  const size_t pageBytes = sizeof(cups_page_header2_t) + 60 * 120;
+  const size_t pageBytes = sizeof(cups_page_header2_t) + size_t{60} * 120;
   const TempFile ppd(ppdText({}));
   FilterJob job;
   job.ppd = ppd.path();
   unlink("/tmp/velka.log");
   job.feed = [&](int pid, int fd) {
     // One page, the second's header and half of its lines.
-    const size_t half = 4 + pageBytes + sizeof(cups_page_header2_t) + 30 * 120;
+    const size_t half = 4 + pageBytes + sizeof(cups_page_header2_t) + size_t{30} * 120;
     feedBytes(fd, stream, 0, half);
     EXPECT_TRUE(waitForLog("Start Page 2 "));
     kill(pid, SIGTERM);
@@ -197,7 +197,7 @@ TEST(Cancelling, BetweenPagesReadsNoFurther) {
   job.ppd = ppd.path();
   unlink("/tmp/velka.log");
   job.feed = [&](int pid, int fd) {
-    const size_t first = 4 + sizeof(cups_page_header2_t) + 60 * 120;
+    const size_t first = 4 + sizeof(cups_page_header2_t) + size_t{60} * 120;
     feedBytes(fd, stream, 0, first);
     EXPECT_TRUE(waitForLog("After set StartPageOemPDEV"));
     usleep(200000);  // into the read of the next header

@@ -36,6 +36,7 @@ inline reference::RasterPage forReference(const RasterPage& page) {
 
 inline Bytes expectedStream(const tagOEMCFG& options, const std::vector<RasterPage>& pages) {
   std::vector<reference::RasterPage> converted;
+  converted.reserve(pages.size());
   for (const RasterPage& page : pages) converted.push_back(forReference(page));
   return reference::runJob(options, converted);
 }

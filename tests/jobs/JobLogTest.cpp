@@ -104,9 +104,9 @@ TEST(JobLog, HoldsEveryLineOfATwoPageJobInItsOrder) {
        "Init srcGdiInfo.szlPhysSize.cx: 50", "Init srcGdiInfo.szlPhysSize.cy: 40",
        "Init srcGdiInfo.ptlPhysOffset.x: 0", "Init srcGdiInfo.ptlPhysOffset.y: 0",
        "Init srcGdiInfo.ulVertRes: 40", "Initializing configures finish", "Finish StartDoc"});
-  add(pagePrinting(1, 40, 152 * 40));
+  add(pagePrinting(1, 40, size_t{152} * 40));
   add(pageReport(2, 50, 30));
-  add(pagePrinting(2, 30, 152 * 30));
+  add(pagePrinting(2, 30, size_t{152} * 30));
   add({"EndDoc, bufStart is 0xA", "After SendEndDocCmd function", "EndDocOemPDEV finished"});
 
   std::vector<std::string> got;

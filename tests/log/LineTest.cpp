@@ -55,6 +55,7 @@ std::string lineWith(std::size_t length, char filler, std::string_view file, std
   return std::string(contentOf(*line)).substr(length);
 }
 
+constexpr std::int64_t kHour = 3600;
 constexpr std::int64_t kMarch5 = 1709647629;  // 2024-03-05 14:07:09 UTC
 
 }  // namespace
@@ -160,7 +161,7 @@ TEST(LogHeader, DayOfTwentyFiveHoursEndsAtHourTwentyFour) {
   std::thread([] {
     EXPECT_EQ(cachedLocalDay(1729933200).date.tm_mday, 26);  // the day before
     const std::int64_t midnight = 1729980000;                // 2024-10-27 00:00 CEST
-    const std::int64_t noon = midnight + 13 * 3600;          // 12:00 CET, 13 hours on
+    const std::int64_t noon = midnight + 13 * kHour;         // 12:00 CET, 13 hours on
     EXPECT_EQ(header(midnight, 0, 1, 1, cachedLocalDay(midnight)).substr(0, 19),
               "2024-10-27 00:00:00");
     EXPECT_EQ(header(noon, 0, 1, 1, cachedLocalDay(noon)).substr(0, 19), "2024-10-27 13:00:00");
@@ -173,7 +174,7 @@ TEST(LogHeader, FirstLineAfterTheClockWentForwardCountsFromMidnightInSummerTime)
   // an hour before the day began, and so the hour comes out right.
   const std::int64_t afternoon = 1711886400;
   const velka::LocalDay day = localDayOf(afternoon);
-  EXPECT_EQ(day.midnight, afternoon - 14 * 3600);
+  EXPECT_EQ(day.midnight, afternoon - 14 * kHour);
   EXPECT_EQ(day.date.tm_mday, 31);
   EXPECT_EQ(header(afternoon, 5, 1, 1, day).substr(0, 23), "2024-03-31 14:00:00.005");
 }
@@ -184,7 +185,7 @@ TEST(LogHeader, ThreadThatSawMidnightLagsAnHourAfterTheClockWentForward) {
     const std::int64_t midnight = 1711839600;  // 2024-03-31 00:00 CET
     EXPECT_EQ(header(midnight, 0, 1, 1, cachedLocalDay(midnight)).substr(0, 19),
               "2024-03-31 00:00:00");
-    const std::int64_t nextDay = midnight + 23 * 3600 + 1800;  // 2024-04-01 00:30 CEST
+    const std::int64_t nextDay = midnight + 23 * kHour + 1800;  // 2024-04-01 00:30 CEST
     EXPECT_EQ(header(nextDay, 0, 1, 1, cachedLocalDay(nextDay)).substr(0, 19),
               "2024-03-31 23:30:00");
   }).join();

@@ -105,6 +105,7 @@ TEST(RecordPool, GivesTheRecordLastGivenBack) {
 TEST(RecordPool, KeepsTwoHundredAndFreesTheNext) {
   RecordPool pool;
   std::vector<LogData*> records;
+  records.reserve(201);
   for (int i = 0; i < 201; ++i) {
     records.push_back(pool.take());
   }

@@ -1,5 +1,5 @@
 // The wrappers over thread, mutex and semaphore.
-#include <signal.h>
+#include <csignal>
 
 #include "LogTestSupport.h"
 #include "LogThreading.h"

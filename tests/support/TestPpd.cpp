@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
 namespace velka::testing {
 
@@ -17,9 +18,12 @@ std::string ppdText(const PpdText& ppd) {
       "*LanguageLevel: \"3\"\n*ColorDevice: True\n*DefaultColorSpace: RGB\n";
   text += "*cupsModelNumber: " + std::to_string(ppd.modelNumber) + "\n";
   for (const auto& [keyword, code] : ppd.options) {
-    text += "*OpenUI *" + keyword + "/" + keyword + ": PickOne\n*OrderDependency: 10 AnySetup *" +
-            keyword + "\n*Default" + keyword + ": Chosen\n*" + keyword + " Chosen/Chosen: \"" +
-            code + "\"\n*" + keyword + " Other/Other: \"7\"\n*CloseUI: *" + keyword + "\n";
+    std::ostringstream option;
+    option << "*OpenUI *" << keyword << "/" << keyword
+           << ": PickOne\n*OrderDependency: 10 AnySetup *" << keyword << "\n*Default" << keyword
+           << ": Chosen\n*" << keyword << " Chosen/Chosen: \"" << code << "\"\n*" << keyword
+           << " Other/Other: \"7\"\n*CloseUI: *" << keyword << "\n";
+    text += option.str();
   }
   const std::string pdf = ppd.pdfPreprocess ? "yes" : "no";
   text +=
