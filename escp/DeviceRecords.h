@@ -93,7 +93,9 @@ struct _COLORCFG_ORLO {
 static_assert(sizeof(_COLORCFG_ORLO) == 42);
 static_assert(offsetof(_COLORCFG_ORLO, BrightnessRed) == 26);
 
-/// The device mode: the five fields of the job that the page path uses.
+/// The device mode: the five fields of the job that the page path uses. Packed,
+/// as a copy of it stands in the packed device record.
+#pragma pack(push, 1)
 struct _DEVMODE {
   int16_t dmOrientation;   ///< 1 portrait, 2 landscape
   int16_t dmPrintQuality;  ///< horizontal resolution, dots per inch
@@ -101,6 +103,7 @@ struct _DEVMODE {
   int16_t dmCollate;       ///< 1: copies are collated
   int16_t dmCopies;
 };
+#pragma pack(pop)
 static_assert(sizeof(_DEVMODE) == 10);
 
 /// One element of the page's list of section rectangles.

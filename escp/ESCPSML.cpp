@@ -54,8 +54,8 @@ void startOutput(const _DEVOBJ& devobj) {
 // A width or height of zero or less is an empty page, which needs no bytes.
 bool allocateOutput(_OEMPDEV& pdev, const PageServices& services) {
   const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
-  const auto width = static_cast<uint32_t>(std::max(header.biWidth, 0));
-  const auto height = static_cast<uint32_t>(std::max(header.biHeight, 0));
+  const auto width = static_cast<uint32_t>(std::max(+header.biWidth, 0));
+  const auto height = static_cast<uint32_t>(std::max(+header.biHeight, 0));
   const uint64_t stride = paddedRowBytes(width, header.biBitCount);
   const auto size = checkedMul32(stride, height);
   services.freeOutputBuffer(&pdev);

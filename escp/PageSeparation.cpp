@@ -66,8 +66,9 @@ int CESCPSML::SendCurPage3(_DEVOBJ* devobj, bool /*unused*/) noexcept {
   if (!velka::isComplete(devobj)) return 0;
   const _OEMPDEV& pdev = *devobj->pOemPDEV;
   m_sYResolution = pdev.devModeOut.dmYResolution;
-  m_nPageWidth = std::max(pdev.bmInfoHeaderOut.biWidth, 0);
-  m_nPageHeight = std::max(pdev.bmInfoHeaderOut.biHeight, 0);
+  // The plus makes a value of a field that, packed, cannot be referred to.
+  m_nPageWidth = std::max(+pdev.bmInfoHeaderOut.biWidth, 0);
+  m_nPageHeight = std::max(+pdev.bmInfoHeaderOut.biHeight, 0);
   m_nPlaneStride = m_nPageWidth;
   m_nBlackFlag = 0;
   m_nRedFlag = 0;

@@ -8,6 +8,7 @@
 
 #include "DeviceHandle.h"
 #include "ESCPSML.h"
+#include "HeaderFields.h"
 #include "log4z.h"
 
 namespace {
@@ -76,7 +77,7 @@ void InitDevmode(_DEVMODE* devmode, const cups_page_header2_t* header) noexcept 
   devmode->dmOrientation = kPortrait;
   devmode->dmPrintQuality = low16(header->HWResolution[0]);
   devmode->dmYResolution = low16(header->HWResolution[1]);
-  devmode->dmCollate = low16(static_cast<uint32_t>(header->Collate));
+  devmode->dmCollate = low16(static_cast<uint32_t>(velka::enumBits(header->Collate)));
   devmode->dmCopies = low16(header->NumCopies);
   VELKA_LOG_DEBUG("Init dmPrintQuality: %d, dmYResolution: %d", devmode->dmPrintQuality,
                   devmode->dmYResolution);

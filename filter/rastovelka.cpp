@@ -13,6 +13,7 @@
 
 #include "CheckedMath.h"
 #include "GrowingBuffer.h"
+#include "HeaderFields.h"
 #include "InitalizeOemCfg.h"
 #include "PreInc.h"
 #include "RasterLines.h"
@@ -109,7 +110,8 @@ int RunFilter(int argc, char* argv[]) noexcept {
   std::setvbuf(stderr, nullptr, _IONBF, 0);
   StartLog4z();
   int fd = 0;
-  cups_raster_t* raster = nullptr;
+  // Without a PPD the stream is never closed; a static keeps that from being a leak.
+  static cups_raster_t* raster = nullptr;
   // Deliberate: a failed start is reported as success, or CUPS would stop the queue.
   if (OpenPageStream(argc, argv, &fd, &raster) != 0) return 0;
   Canceled = 0;
@@ -182,16 +184,16 @@ void StartPage(ppd_file_t* /*ppd*/, const cups_page_header2_t* header, int page)
   const cups_page_header2_t& h = *header;
   VELKA_LOG_DEBUG("******************************Start Page %d ******************************",
                   page);
-  VELKA_LOG_DEBUG("Duplex = %d", static_cast<int>(h.Duplex));
+  VELKA_LOG_DEBUG("Duplex = %d", velka::enumBits(h.Duplex));
   VELKA_LOG_DEBUG("HWResolution = [ %d %d ]", asInt(h.HWResolution[0]), asInt(h.HWResolution[1]));
   VELKA_LOG_DEBUG("ImagingBoundingBox = [ %d %d %d %d ]", asInt(h.ImagingBoundingBox[0]),
                   asInt(h.ImagingBoundingBox[1]), asInt(h.ImagingBoundingBox[2]),
                   asInt(h.ImagingBoundingBox[3]));
   VELKA_LOG_DEBUG("Margins = [ %d %d ]", asInt(h.Margins[0]), asInt(h.Margins[1]));
-  VELKA_LOG_DEBUG("ManualFeed = %d", static_cast<int>(h.ManualFeed));
+  VELKA_LOG_DEBUG("ManualFeed = %d", velka::enumBits(h.ManualFeed));
   VELKA_LOG_DEBUG("MediaPosition = %d", asInt(h.MediaPosition));
   VELKA_LOG_DEBUG("NumCopies = %d", asInt(h.NumCopies));
-  VELKA_LOG_DEBUG("Orientation = %d", static_cast<int>(h.Orientation));
+  VELKA_LOG_DEBUG("Orientation = %d", velka::enumBits(h.Orientation));
   VELKA_LOG_DEBUG("PageSize = [ %d %d ]", asInt(h.PageSize[0]), asInt(h.PageSize[1]));
   VELKA_LOG_DEBUG("cupsWidth = %d", asInt(h.cupsWidth));
   VELKA_LOG_DEBUG("cupsHeight = %d", asInt(h.cupsHeight));
@@ -199,8 +201,8 @@ void StartPage(ppd_file_t* /*ppd*/, const cups_page_header2_t* header, int page)
   VELKA_LOG_DEBUG("cupsBitsPerColor = %d", asInt(h.cupsBitsPerColor));
   VELKA_LOG_DEBUG("cupsBitsPerPixel = %d", asInt(h.cupsBitsPerPixel));
   VELKA_LOG_DEBUG("cupsBytesPerLine = %d", asInt(h.cupsBytesPerLine));
-  VELKA_LOG_DEBUG("cupsColorOrder = %d", static_cast<int>(h.cupsColorOrder));
-  VELKA_LOG_DEBUG("cupsColorSpace = %d", static_cast<int>(h.cupsColorSpace));
+  VELKA_LOG_DEBUG("cupsColorOrder = %d", velka::enumBits(h.cupsColorOrder));
+  VELKA_LOG_DEBUG("cupsColorSpace = %d", velka::enumBits(h.cupsColorSpace));
   VELKA_LOG_DEBUG("cupsCompression = %d", asInt(h.cupsCompression));
 }
 

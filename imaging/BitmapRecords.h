@@ -17,34 +17,6 @@ struct tagRGBQUAD {
 };
 static_assert(sizeof(tagRGBQUAD) == 4);
 
-/// Bitmap file header: 14 bytes, packed.
-#pragma pack(push, 1)
-struct tagBITMAPFILEHEADER {
-  uint16_t bfType;
-  uint32_t bfSize;
-  uint16_t bfReserved1;
-  uint16_t bfReserved2;
-  uint32_t bfOffBits;
-};
-#pragma pack(pop)
-static_assert(sizeof(tagBITMAPFILEHEADER) == 14);
-
-/// Bitmap information header. Heights are positive and row 0 is the top row.
-struct tagBITMAPINFOHEADER {
-  uint32_t biSize;
-  int32_t biWidth;   ///< pixels
-  int32_t biHeight;  ///< rows
-  uint16_t biPlanes;
-  uint16_t biBitCount;  ///< bits per pixel
-  uint32_t biCompression;
-  uint32_t biSizeImage;  ///< bytes, row padding included
-  int32_t biXPelsPerMeter;
-  int32_t biYPelsPerMeter;
-  uint32_t biClrUsed;
-  uint32_t biClrImportant;
-};
-static_assert(sizeof(tagBITMAPINFOHEADER) == 40);
-
 /// A rectangle of pixels, all four edges inclusive.
 struct _RECTL {
   int32_t left;
@@ -68,6 +40,37 @@ struct tagPOINT {
   int32_t y;
 };
 static_assert(sizeof(tagPOINT) == 8);
+
+// These stand inside the packed device record, at odd addresses: packing them too
+// makes every access to them an unaligned one. Their published layouts have no
+// gaps but the end of GDIINFO, which is spelt out.
+#pragma pack(push, 1)
+
+/// Bitmap file header.
+struct tagBITMAPFILEHEADER {
+  uint16_t bfType;
+  uint32_t bfSize;
+  uint16_t bfReserved1;
+  uint16_t bfReserved2;
+  uint32_t bfOffBits;
+};
+static_assert(sizeof(tagBITMAPFILEHEADER) == 14);
+
+/// Bitmap information header. Heights are positive and row 0 is the top row.
+struct tagBITMAPINFOHEADER {
+  uint32_t biSize;
+  int32_t biWidth;   ///< pixels
+  int32_t biHeight;  ///< rows
+  uint16_t biPlanes;
+  uint16_t biBitCount;  ///< bits per pixel
+  uint32_t biCompression;
+  uint32_t biSizeImage;  ///< bytes, row padding included
+  int32_t biXPelsPerMeter;
+  int32_t biYPelsPerMeter;
+  uint32_t biClrUsed;
+  uint32_t biClrImportant;
+};
+static_assert(sizeof(tagBITMAPINFOHEADER) == 40);
 
 struct _POINTL {
   int32_t x;
@@ -152,6 +155,9 @@ struct GDIINFO {
   uint32_t flShadeBlend;
   uint32_t ulPhysicalPixelCharacteristics;
   uint32_t ulPhysicalPixelGamma;
+  uint32_t ulTailPadding;
 };
+#pragma pack(pop)
+static_assert(sizeof(GDIINFO) == 320);
 static_assert(offsetof(GDIINFO, ptlPhysOffset) == 88);
 static_assert(offsetof(GDIINFO, szlPhysSize) == 96);

@@ -242,7 +242,7 @@ TEST(SplitPages, ABandWhoseSuccessorStartsAtTheRedRowIsKept) {
   page.band(0).band(60).black(0).red(60);
   page.encode();
   EXPECT_EQ(page.job.pdev.pRectTree->count, 2U);
-  EXPECT_EQ(page.job.pdev.lYCorrection, 0);
+  EXPECT_EQ(+page.job.pdev.lYCorrection, 0);
 }
 
 TEST(SplitPages, WithoutBlackThePaperMovesForwardToTheRed) {

@@ -129,7 +129,7 @@ TEST(Geometry, TheSourceKeepsTheSizeThatAnOffsetGrew) {
     job.setPage({Bytes(kPageBytes, 0xFF), 40}, page);
     RenderEscpData(&job.devobj);
   }
-  EXPECT_EQ(job.pdev.srcGdiInfo.szlPhysSize.cy, 40 + 35 + 35);
+  EXPECT_EQ(+job.pdev.srcGdiInfo.szlPhysSize.cy, 40 + 35 + 35);
 }
 
 TEST(Placement, ARowThatWouldEndAtTheBuffersEndIsNotCopied) {
@@ -173,7 +173,7 @@ TEST(EmptyPages, ANegativeOffsetBeyondThePagePrintsNothing) {
   job.options.sHrzOffset = 5000;
   job.options.sHrzDir = 1;
   EXPECT_EQ(inkPage(job), (Bytes{0x1B, 0x40, 0x1B, 0x32, 0x1B, 0x43, 1}));
-  EXPECT_EQ(job.pdev.dwBufSizeOut, 0U);
+  EXPECT_EQ(+job.pdev.dwBufSizeOut, 0U);
 }
 
 TEST(EmptyPages, AreNotRotated) {
@@ -181,14 +181,14 @@ TEST(EmptyPages, AreNotRotated) {
   job.options.sVtcOffset = 5000;
   job.options.sRotation = 1;
   EXPECT_EQ(inkPage(job).size(), 7U);
-  EXPECT_LT(job.pdev.bmInfoHeaderOut.biHeight, 0);
+  EXPECT_LT(+job.pdev.bmInfoHeaderOut.biHeight, 0);
 }
 
 TEST(OutputBuffer, OneBeyondThirtyTwoBitsEndsThePageAfterItsStart) {
   Job job(100, 40, 180, 180);
   job.options.sHrzOffset = std::numeric_limits<int32_t>::max();
   EXPECT_EQ(inkPage(job).size(), 7U);
-  EXPECT_EQ(job.pdev.pBufStartOut, nullptr);
+  EXPECT_EQ(+job.pdev.pBufStartOut, nullptr);
 }
 
 TEST(OutputResolution, Above360ThePageIsSentAt360) {
@@ -197,10 +197,10 @@ TEST(OutputResolution, Above360ThePageIsSentAt360) {
   job.setPage({Bytes(size_t{300} * 720, 0xFF), 720}, 1);
   const Capture capture(STDOUT_FILENO);
   RenderEscpData(&job.devobj);
-  EXPECT_EQ(job.pdev.devModeOut.dmPrintQuality, 360);
-  EXPECT_EQ(job.pdev.devModeOut.dmYResolution, 360);
-  EXPECT_EQ(job.pdev.bmInfoHeaderOut.biWidth, 171);  // 71 dots at 360 dpi
-  EXPECT_EQ(capture.bytes().back(), 6);              // one inch
+  EXPECT_EQ(+job.pdev.devModeOut.dmPrintQuality, 360);
+  EXPECT_EQ(+job.pdev.devModeOut.dmYResolution, 360);
+  EXPECT_EQ(+job.pdev.bmInfoHeaderOut.biWidth, 171);  // 71 dots at 360 dpi
+  EXPECT_EQ(capture.bytes().back(), 6);               // one inch
 }
 
 }  // namespace

@@ -51,8 +51,8 @@ TEST(Options, APpdWithoutAnyYieldsTheDefaultsOfItsModel) {
 
 TEST(Options, TheDefaultRowsDifferInRedMinimumAndModelOnly) {
   tagOEMCFG orlo = defaultOemdev[1];
-  EXPECT_EQ(orlo.minColorOffset.rgbRed, 150);
-  EXPECT_EQ(orlo.sModel, 2);
+  EXPECT_EQ(+orlo.minColorOffset.rgbRed, 150);
+  EXPECT_EQ(+orlo.sModel, 2);
   orlo.minColorOffset.rgbRed = 130;
   orlo.sModel = 1;
   expectSameBytes(orlo, defaultOemdev[0]);
@@ -60,34 +60,34 @@ TEST(Options, TheDefaultRowsDifferInRedMinimumAndModelOnly) {
 
 TEST(Options, TheDefaultRowHoldsTheBuiltInValues) {
   const tagOEMCFG& o = defaultOemdev[0];
-  EXPECT_EQ(o.sHeadPins, 24);
-  EXPECT_EQ(o.sSpare1, 2);
-  EXPECT_EQ(o.OutputColorType, 3);
-  EXPECT_EQ(o.ColorRangeUseFor, 2);
-  EXPECT_EQ(o.maxColorOffset.rgbBlue, 255);
-  EXPECT_EQ(o.solidColor.rgbRed, 255);
-  EXPECT_EQ(o.solidColor.rgbGreen, 0);
-  EXPECT_EQ(o.sConfigured, 2);
-  EXPECT_EQ(o.sCopies, 1);
-  EXPECT_EQ(o.sDotErrorFactor, 0);
-  EXPECT_EQ(o.sDiffusionThreshold, 128);
-  EXPECT_EQ(o.sEjectMode, 4);
-  EXPECT_EQ(o.sEjectFirstCount, 2);
-  EXPECT_EQ(o.sEjectSecondCount, 1);
-  EXPECT_EQ(o.sSpare6, 100);
-  EXPECT_EQ(o.sSpare7, 3);
-  EXPECT_EQ(o.LevelsRed, 50);
-  EXPECT_EQ(o.LevelsBlack, 30);
-  EXPECT_EQ(o.sDitherRed, 2);
-  EXPECT_EQ(o.sDitherBlack, 2);
+  EXPECT_EQ(+o.sHeadPins, 24);
+  EXPECT_EQ(+o.sSpare1, 2);
+  EXPECT_EQ(+o.OutputColorType, 3);
+  EXPECT_EQ(+o.ColorRangeUseFor, 2);
+  EXPECT_EQ(+o.maxColorOffset.rgbBlue, 255);
+  EXPECT_EQ(+o.solidColor.rgbRed, 255);
+  EXPECT_EQ(+o.solidColor.rgbGreen, 0);
+  EXPECT_EQ(+o.sConfigured, 2);
+  EXPECT_EQ(+o.sCopies, 1);
+  EXPECT_EQ(+o.sDotErrorFactor, 0);
+  EXPECT_EQ(+o.sDiffusionThreshold, 128);
+  EXPECT_EQ(+o.sEjectMode, 4);
+  EXPECT_EQ(+o.sEjectFirstCount, 2);
+  EXPECT_EQ(+o.sEjectSecondCount, 1);
+  EXPECT_EQ(+o.sSpare6, 100);
+  EXPECT_EQ(+o.sSpare7, 3);
+  EXPECT_EQ(+o.LevelsRed, 50);
+  EXPECT_EQ(+o.LevelsBlack, 30);
+  EXPECT_EQ(+o.sDitherRed, 2);
+  EXPECT_EQ(+o.sDitherBlack, 2);
 }
 
 TEST(Options, WithoutAPpdNotEvenTheDefaultsAreCopied) {
   tagOEMCFG record = {};
   record.sRotation = 5;
   InitalizeOemCfg(&record, nullptr, nullptr);
-  EXPECT_EQ(record.sRotation, 5);
-  EXPECT_EQ(record.sHeadPins, 0);
+  EXPECT_EQ(+record.sRotation, 5);
+  EXPECT_EQ(+record.sHeadPins, 0);
   InitalizeOemCfg(nullptr, nullptr, nullptr);
 }
 
@@ -98,17 +98,17 @@ TEST(Options, BrightnessAndContrastAreCentredOn100) {
                                      {"BrightnessBlack", code},
                                      {"ContrastRed", code},
                                      {"ContrastBlack", code}});
-    EXPECT_EQ(o.BrightnessRed, value);
-    EXPECT_EQ(o.BrightnessBlack, value);
-    EXPECT_EQ(o.ContrastRed, value);
-    EXPECT_EQ(o.ContrastBlack, value);
+    EXPECT_EQ(+o.BrightnessRed, value);
+    EXPECT_EQ(+o.BrightnessBlack, value);
+    EXPECT_EQ(+o.ContrastRed, value);
+    EXPECT_EQ(+o.ContrastBlack, value);
   }
 }
 
 TEST(Options, LevelsAreThreeHundredthsAStep) {
   const tagOEMCFG o = optionsFrom({{"LevelsRed", "17"}, {"LevelsBlack", "100"}});
-  EXPECT_EQ(o.LevelsRed, 51);
-  EXPECT_EQ(o.LevelsBlack, 300);
+  EXPECT_EQ(+o.LevelsRed, 51);
+  EXPECT_EQ(+o.LevelsBlack, 300);
 }
 
 TEST(Options, CodesWrapToTheWidthOfTheirField) {
@@ -116,10 +116,10 @@ TEST(Options, CodesWrapToTheWidthOfTheirField) {
                                    {"LevelsRed", "2147483647"},
                                    {"OutputColorType", "65539"},
                                    {"RedMinValue", "300"}});
-  EXPECT_EQ(o.BrightnessRed, static_cast<int16_t>(39800));
-  EXPECT_EQ(o.LevelsRed, static_cast<int16_t>(int64_t{3} * 2147483647));
-  EXPECT_EQ(o.OutputColorType, 3);
-  EXPECT_EQ(o.minColorOffset.rgbRed, 44);
+  EXPECT_EQ(+o.BrightnessRed, static_cast<int16_t>(39800));
+  EXPECT_EQ(+o.LevelsRed, static_cast<int16_t>(int64_t{3} * 2147483647));
+  EXPECT_EQ(+o.OutputColorType, 3);
+  EXPECT_EQ(+o.minColorOffset.rgbRed, 44);
 }
 
 TEST(Options, DistancesAreTenthsInSinglePrecisionTruncated) {
@@ -134,8 +134,8 @@ TEST(Options, DistancesAreTenthsInSinglePrecisionTruncated) {
                                                                              {"abc", 0}}) {
     const tagOEMCFG o =
         optionsFrom({{"HorizontalOffsetValue", code}, {"VerticalOffsetValue", code}});
-    EXPECT_EQ(o.sHrzOffset, tenths) << code;
-    EXPECT_EQ(o.sVtcOffset, tenths) << code;
+    EXPECT_EQ(+o.sHrzOffset, tenths) << code;
+    EXPECT_EQ(+o.sVtcOffset, tenths) << code;
   }
 }
 
@@ -146,18 +146,18 @@ TEST(Options, MinusOneKeepsTheDefault) {
                                    {"BlueMaxValue", "-1"},
                                    {"OutputColorType", "4294967295"},
                                    {"AnticlockwiseRotate", "99999999999999999999"}});
-  EXPECT_EQ(o.LevelsRed, 50);
-  EXPECT_EQ(o.sHrzOffset, 0);
-  EXPECT_EQ(o.minColorOffset.rgbRed, 130);
-  EXPECT_EQ(o.maxColorOffset.rgbBlue, 255);
-  EXPECT_EQ(o.OutputColorType, 3);
-  EXPECT_EQ(o.sRotation, 0);
+  EXPECT_EQ(+o.LevelsRed, 50);
+  EXPECT_EQ(+o.sHrzOffset, 0);
+  EXPECT_EQ(+o.minColorOffset.rgbRed, 130);
+  EXPECT_EQ(+o.maxColorOffset.rgbBlue, 255);
+  EXPECT_EQ(+o.OutputColorType, 3);
+  EXPECT_EQ(+o.sRotation, 0);
 }
 
 TEST(Options, AnEmptyCodeStoresZero) {
   const tagOEMCFG o = optionsFrom({{"OutputColorType", ""}, {"LevelsBlack", ""}});
-  EXPECT_EQ(o.OutputColorType, 0);
-  EXPECT_EQ(o.LevelsBlack, 0);
+  EXPECT_EQ(+o.OutputColorType, 0);
+  EXPECT_EQ(+o.LevelsBlack, 0);
 }
 
 TEST(Options, EveryKeywordReachesItsField) {
@@ -173,18 +173,18 @@ TEST(Options, EveryKeywordReachesItsField) {
                                    {"GreenMaxValue", "22"},
                                    {"BlueMaxValue", "23"},
                                    {"SplitBlackRed", "1"}});
-  EXPECT_EQ(o.sHrzDir, 1);
-  EXPECT_EQ(o.sVtcDir, 1);
-  EXPECT_EQ(o.sRotation, 3);
-  EXPECT_EQ(o.OutputColorType, 2);
-  EXPECT_EQ(o.ColorRangeUseFor, 1);
-  EXPECT_EQ(o.minColorOffset.rgbRed, 11);
-  EXPECT_EQ(o.minColorOffset.rgbGreen, 12);
-  EXPECT_EQ(o.minColorOffset.rgbBlue, 13);
-  EXPECT_EQ(o.maxColorOffset.rgbRed, 21);
-  EXPECT_EQ(o.maxColorOffset.rgbGreen, 22);
-  EXPECT_EQ(o.maxColorOffset.rgbBlue, 23);
-  EXPECT_EQ(o.SplitBlackRed, 1);
+  EXPECT_EQ(+o.sHrzDir, 1);
+  EXPECT_EQ(+o.sVtcDir, 1);
+  EXPECT_EQ(+o.sRotation, 3);
+  EXPECT_EQ(+o.OutputColorType, 2);
+  EXPECT_EQ(+o.ColorRangeUseFor, 1);
+  EXPECT_EQ(+o.minColorOffset.rgbRed, 11);
+  EXPECT_EQ(+o.minColorOffset.rgbGreen, 12);
+  EXPECT_EQ(+o.minColorOffset.rgbBlue, 13);
+  EXPECT_EQ(+o.maxColorOffset.rgbRed, 21);
+  EXPECT_EQ(+o.maxColorOffset.rgbGreen, 22);
+  EXPECT_EQ(+o.maxColorOffset.rgbBlue, 23);
+  EXPECT_EQ(+o.SplitBlackRed, 1);
 }
 
 TEST(OptionLookup, PrefersTheMarkedChoiceOverTheDefault) {
@@ -220,12 +220,12 @@ TEST(OptionGroups, DoNothingWithoutARecordOrAPpd) {
   InitRotate(&record, nullptr);
   InitMinColorOffset(&record, nullptr);
   InitMaxColorOffset(&record, nullptr);
-  EXPECT_EQ(record.sRotation, 0);
+  EXPECT_EQ(+record.sRotation, 0);
   InitRotate(nullptr, ppd);
   InitMinColorOffset(nullptr, ppd);
   InitHorizontalOffsetValue(nullptr, ppd);
   InitRotate(&record, ppd);
-  EXPECT_EQ(record.sRotation, 3);
+  EXPECT_EQ(+record.sRotation, 3);
 }
 
 }  // namespace

@@ -55,8 +55,8 @@ Bytes bitmapOf(const Bytes& stream, ppd_file_t* ppd = nullptr) {
   std::memset(g_oemPDEV.pBufStart, 0xFF, size);
   GetCupsRasterData(header, raster, ppd, stride);
   Bytes bitmap(g_oemPDEV.pBufStart, g_oemPDEV.pBufStart + g_oemPDEV.dwBufSize);
-  EXPECT_EQ(g_oemPDEV.bmInfoHeader.biHeight, static_cast<int32_t>(header.cupsHeight));
-  EXPECT_EQ(g_oemPDEV.bmInfoHeader.biSizeImage, size);
+  EXPECT_EQ(+g_oemPDEV.bmInfoHeader.biHeight, static_cast<int32_t>(header.cupsHeight));
+  EXPECT_EQ(+g_oemPDEV.bmInfoHeader.biSizeImage, size);
   vFreeBuffer(&g_oemPDEV);
   cupsRasterClose(raster);
   close(fd);

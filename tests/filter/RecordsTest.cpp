@@ -20,17 +20,17 @@ TEST(DeviceMode, ComesFromTheHeaderAlwaysUpright) {
   header.NumCopies = 65538;
   _DEVMODE mode = {9, 9, 9, 9, 9};
   InitDevmode(&mode, &header);
-  EXPECT_EQ(mode.dmOrientation, 1);
-  EXPECT_EQ(mode.dmPrintQuality, 360);
-  EXPECT_EQ(mode.dmYResolution, 180);
-  EXPECT_EQ(mode.dmCollate, 1);
-  EXPECT_EQ(mode.dmCopies, 2);
+  EXPECT_EQ(+mode.dmOrientation, 1);
+  EXPECT_EQ(+mode.dmPrintQuality, 360);
+  EXPECT_EQ(+mode.dmYResolution, 180);
+  EXPECT_EQ(+mode.dmCollate, 1);
+  EXPECT_EQ(+mode.dmCopies, 2);
 }
 
 TEST(DeviceMode, IsLeftAloneWithoutAHeader) {
   _DEVMODE mode = {9, 9, 9, 9, 9};
   InitDevmode(&mode, nullptr);
-  EXPECT_EQ(mode.dmOrientation, 9);
+  EXPECT_EQ(+mode.dmOrientation, 9);
   InitDevmode(nullptr, nullptr);
 }
 
@@ -38,7 +38,7 @@ std::pair<double, double> scalesAt(unsigned xdpi, unsigned ydpi) {
   const cups_page_header2_t header = rgbHeader(10, 20, xdpi, ydpi);
   _OEMPDEV pdev = {};
   InitOemPDEV(&pdev, &header);
-  return {pdev.dScaleX, pdev.dScaleY};
+  return {+pdev.dScaleX, +pdev.dScaleY};
 }
 
 TEST(DeviceRecord, OnlyTheHorizontalResolutionDecidesOnScaling) {
@@ -53,17 +53,17 @@ TEST(DeviceRecord, HoldsThePagesGeometry) {
   pdev.dwBufSize = 5;
   pdev.dwCurPageNum = 3;
   InitOemPDEV(&pdev, &header);
-  EXPECT_EQ(pdev.bmInfoHeader.biWidth, 10);
-  EXPECT_EQ(pdev.bmInfoHeader.biHeight, 20);
-  EXPECT_EQ(pdev.bmInfoHeader.biBitCount, 24);
-  EXPECT_EQ(pdev.bmInfoHeader.biSize, 0U);
-  EXPECT_EQ(pdev.dwBitsOffset, 54U);
-  EXPECT_EQ(pdev.srcGdiInfo.ulHorzRes, 10U);
-  EXPECT_EQ(pdev.srcGdiInfo.ulVertRes, 20U);
-  EXPECT_EQ(pdev.srcGdiInfo.szlPhysSize.cx, 10);
-  EXPECT_EQ(pdev.srcGdiInfo.szlPhysSize.cy, 20);
-  EXPECT_EQ(pdev.dwBufSize, 0U);
-  EXPECT_EQ(pdev.dwCurPageNum, 0U);
+  EXPECT_EQ(+pdev.bmInfoHeader.biWidth, 10);
+  EXPECT_EQ(+pdev.bmInfoHeader.biHeight, 20);
+  EXPECT_EQ(+pdev.bmInfoHeader.biBitCount, 24);
+  EXPECT_EQ(+pdev.bmInfoHeader.biSize, 0U);
+  EXPECT_EQ(+pdev.dwBitsOffset, 54U);
+  EXPECT_EQ(+pdev.srcGdiInfo.ulHorzRes, 10U);
+  EXPECT_EQ(+pdev.srcGdiInfo.ulVertRes, 20U);
+  EXPECT_EQ(+pdev.srcGdiInfo.szlPhysSize.cx, 10);
+  EXPECT_EQ(+pdev.srcGdiInfo.szlPhysSize.cy, 20);
+  EXPECT_EQ(+pdev.dwBufSize, 0U);
+  EXPECT_EQ(+pdev.dwCurPageNum, 0U);
 }
 
 TEST(DeviceRecord, WidthsBeyondThirtyOneBitsAreKeptAsTheirSignedValue) {
@@ -72,37 +72,37 @@ TEST(DeviceRecord, WidthsBeyondThirtyOneBitsAreKeptAsTheirSignedValue) {
   header.cupsBitsPerPixel = 65560;
   _OEMPDEV pdev = {};
   InitOemPDEV(&pdev, &header);
-  EXPECT_EQ(pdev.bmInfoHeader.biHeight, -1);
-  EXPECT_EQ(pdev.bmInfoHeader.biBitCount, 24);
+  EXPECT_EQ(+pdev.bmInfoHeader.biHeight, -1);
+  EXPECT_EQ(+pdev.bmInfoHeader.biBitCount, 24);
 }
 
 TEST(PageBuffers, GrowByExactlyTheCountAndKeepTheirContents) {
   _OEMPDEV pdev = {};
   ASSERT_EQ(bGrowBuffer(&pdev, 3), 1);
-  EXPECT_EQ(pdev.dwBufSize, 3U);
-  EXPECT_EQ(pdev.pBufStart[2], 0);
+  EXPECT_EQ(+pdev.dwBufSize, 3U);
+  EXPECT_EQ(+pdev.pBufStart[2], 0);
   pdev.pBufStart[0] = 7;
   ASSERT_EQ(bGrowBuffer(&pdev, 2), 1);
   EXPECT_EQ(Bytes(pdev.pBufStart, pdev.pBufStart + pdev.dwBufSize), (Bytes{7, 0, 0, 0, 0}));
   vFreeBuffer(&pdev);
-  EXPECT_EQ(pdev.pBufStart, nullptr);
-  EXPECT_EQ(pdev.dwBufSize, 0U);
+  EXPECT_EQ(+pdev.pBufStart, nullptr);
+  EXPECT_EQ(+pdev.dwBufSize, 0U);
   vFreeBuffer(&pdev);
 }
 
 TEST(PageBuffers, TheOutputBufferGrowsByItself) {
   _OEMPDEV pdev = {};
   ASSERT_EQ(bGrowOutputBuffer(&pdev, 4), 1);
-  EXPECT_EQ(pdev.dwBufSizeOut, 4U);
-  EXPECT_EQ(pdev.pBufStart, nullptr);
+  EXPECT_EQ(+pdev.dwBufSizeOut, 4U);
+  EXPECT_EQ(+pdev.pBufStart, nullptr);
   vFreeOutputBuffer(&pdev);
-  EXPECT_EQ(pdev.pBufStartOut, nullptr);
+  EXPECT_EQ(+pdev.pBufStartOut, nullptr);
 }
 
 TEST(PageBuffers, GrowingAnEmptyRecordByNothingSucceeds) {
   _OEMPDEV pdev = {};
   EXPECT_EQ(bGrowBuffer(&pdev, 0), 1);
-  EXPECT_EQ(pdev.dwBufSize, 0U);
+  EXPECT_EQ(+pdev.dwBufSize, 0U);
   vFreeBuffer(&pdev);
 }
 
@@ -110,8 +110,8 @@ TEST(PageBuffers, GrowingPastThirtyTwoBitsReleasesTheBuffer) {
   _OEMPDEV pdev = {};
   ASSERT_EQ(bGrowBuffer(&pdev, 16), 1);
   EXPECT_EQ(bGrowBuffer(&pdev, 4294967290U), 0);
-  EXPECT_EQ(pdev.pBufStart, nullptr);
-  EXPECT_EQ(pdev.dwBufSize, 0U);
+  EXPECT_EQ(+pdev.pBufStart, nullptr);
+  EXPECT_EQ(+pdev.dwBufSize, 0U);
   EXPECT_EQ(bGrowBuffer(nullptr, 1), 0);
   EXPECT_EQ(bGrowOutputBuffer(nullptr, 1), 0);
 }
@@ -119,16 +119,16 @@ TEST(PageBuffers, GrowingPastThirtyTwoBitsReleasesTheBuffer) {
 TEST(SectionList, LinksItsRectanglesBothWays) {
   _OEMPDEV pdev = {};
   for (int i = 0; i < 3; ++i) EXPECT_EQ(bGrowSectionRect(&pdev, {i, i, i, i}), 1);
-  EXPECT_EQ(pdev.dwSectionCount, 3U);
-  ASSERT_NE(pdev.pSectionTail, nullptr);
-  EXPECT_EQ(pdev.pSectionTail->rect.left, 2);
-  EXPECT_EQ(pdev.pSectionTail->pNext, nullptr);
-  EXPECT_EQ(pdev.pSectionTail->pPrev->pNext, pdev.pSectionTail);
-  EXPECT_EQ(pdev.pSectionTail->pPrev->pPrev->rect.left, 0);
-  EXPECT_EQ(pdev.pSectionTail->pPrev->pPrev->pPrev, nullptr);
+  EXPECT_EQ(+pdev.dwSectionCount, 3U);
+  ASSERT_NE(+pdev.pSectionTail, nullptr);
+  EXPECT_EQ(+pdev.pSectionTail->rect.left, 2);
+  EXPECT_EQ(+pdev.pSectionTail->pNext, nullptr);
+  EXPECT_EQ(+pdev.pSectionTail->pPrev->pNext, +pdev.pSectionTail);
+  EXPECT_EQ(+pdev.pSectionTail->pPrev->pPrev->rect.left, 0);
+  EXPECT_EQ(+pdev.pSectionTail->pPrev->pPrev->pPrev, nullptr);
   vFreeSectionRect(&pdev);
-  EXPECT_EQ(pdev.pSectionTail, nullptr);
-  EXPECT_EQ(pdev.dwSectionCount, 0U);
+  EXPECT_EQ(+pdev.pSectionTail, nullptr);
+  EXPECT_EQ(+pdev.dwSectionCount, 0U);
   vFreeSectionRect(&pdev);
 }
 
@@ -169,9 +169,9 @@ TEST(PageHooks, APageThatIsNotPendingIsReleasedWithoutPrinting) {
   const Capture capture(STDOUT_FILENO);
   EXPECT_EQ(StartPageOemPDEV(&records.devobj), 0);
   EXPECT_EQ(capture.bytes(), Bytes{});
-  EXPECT_EQ(records.pdev.pBufStart, nullptr);
-  EXPECT_EQ(records.pdev.pSectionTail, nullptr);
-  EXPECT_EQ(records.pdev.pRectTree, nullptr);
+  EXPECT_EQ(+records.pdev.pBufStart, nullptr);
+  EXPECT_EQ(+records.pdev.pSectionTail, nullptr);
+  EXPECT_EQ(+records.pdev.pRectTree, nullptr);
   EndDocOemPDEV(&records.devobj);
 }
 
@@ -181,8 +181,8 @@ TEST(PageHooks, TheEndOfTheDocumentPrintsAPageStillPending) {
   const Capture capture(STDOUT_FILENO);
   EndDocOemPDEV(&records.devobj);
   EXPECT_EQ(capture.bytes(), (Bytes{0x1B, '@', 0x1B, '2', 0x1B, 'C', 0, 0x1B, '@'}));
-  EXPECT_EQ(records.pdev.pEscpSml, nullptr);
-  EXPECT_EQ(records.pdev.pBufStart, nullptr);
+  EXPECT_EQ(+records.pdev.pEscpSml, nullptr);
+  EXPECT_EQ(+records.pdev.pBufStart, nullptr);
 }
 
 TEST(PageHooks, TheGeneratorIsCreatedOnce) {
@@ -190,11 +190,11 @@ TEST(PageHooks, TheGeneratorIsCreatedOnce) {
   CESCPSML* const first = records.pdev.pEscpSml;
   ASSERT_NE(first, nullptr);
   StartDocOemPDEV(&records.pdev);
-  EXPECT_EQ(records.pdev.pEscpSml, first);
+  EXPECT_EQ(+records.pdev.pEscpSml, first);
   StartDocOemPDEV(nullptr);
   const Capture capture(STDOUT_FILENO);
   EndDocOemPDEV(&records.devobj);
-  EXPECT_EQ(records.pdev.dwCurPageNum, 0U);
+  EXPECT_EQ(+records.pdev.dwCurPageNum, 0U);
 }
 
 }  // namespace

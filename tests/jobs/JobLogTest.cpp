@@ -1,12 +1,13 @@
 // The job log, line by line, and log files that cannot be had.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <regex.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 #include "jobs/JobFixture.h"
@@ -17,8 +18,20 @@ namespace {
 constexpr const char* kLog = "/tmp/velka.log";
 
 // Addresses differ from run to run.
-std::string withoutAddresses(const std::string& line) {
-  return std::regex_replace(line, std::regex("0x[0-9a-f]+"), "0xA");
+std::string withoutAddresses(std::string line) {
+  for (size_t at = line.find("0x"); at != std::string::npos; at = line.find("0x", at + 2)) {
+    const size_t end = line.find_first_not_of("0123456789abcdef", at + 2);
+    line.replace(at + 2, std::min(end, line.size()) - at - 2, "A");
+  }
+  return line;
+}
+
+bool matches(const std::string& line, const char* pattern) {
+  regex_t compiled = {};
+  if (regcomp(&compiled, pattern, REG_EXTENDED | REG_NOSUB) != 0) return false;
+  const bool found = regexec(&compiled, line.c_str(), 0, nullptr, 0) == 0;
+  regfree(&compiled);
+  return found;
 }
 
 std::vector<std::string> pageReport(int page, unsigned width, unsigned height) {
@@ -119,14 +132,14 @@ TEST(JobLog, LinesHaveTheFixedFormAndNameTheirUnit) {
   ASSERT_EQ(
       runJob({{"OutputColorType", "3"}}, rasterStream({inkedPage(rgbHeader(50, 40), 2)})).status,
       0);
-  const std::regex form(
-      "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\[\\d{4,}\\] "
+  constexpr const char* kForm =
+      "^[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} \\[[0-9]{4,}\\] "
       "(LOG_DEBUG|LOG_ALARM) .* "
-      "(rastovelka|InitalizeOemCfg|PreInc|ESCPSML|log4z)\\.cpp:\\d+\r");
+      "(rastovelka|InitalizeOemCfg|PreInc|ESCPSML|log4z)\\.cpp:[0-9]+\r$";
   std::istringstream lines(logText());
   size_t count = 0;
   for (std::string line; std::getline(lines, line); ++count)
-    EXPECT_TRUE(std::regex_match(line, form)) << line;
+    EXPECT_TRUE(matches(line, kForm)) << line;
   EXPECT_GT(count, 50U);
   EXPECT_NE(logText().find("Init OutputColorType: 3 InitalizeOemCfg.cpp:"), std::string::npos);
   EXPECT_NE(logText().find("Free pBufStart PreInc.cpp:"), std::string::npos);
