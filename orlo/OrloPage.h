@@ -1,0 +1,14 @@
+// The Orlo model's part in rendering a page.
+#pragma once
+
+#include "DeviceRecords.h"
+
+namespace velka {
+
+/// Encodes the output bitmap of the device record with the job's options and writes
+/// the commands to standard output. True when there were any; false for a page
+/// without ink or pixels and without a complete handle. The form feed is the
+/// renderer's.
+bool sendOrloPage(_DEVOBJ& devobj) noexcept;
+
+}  // namespace velka

@@ -1,0 +1,43 @@
+#include "PrintRuns.h"
+
+#include <algorithm>
+
+#include "PassColumns.h"
+
+namespace velka {
+namespace {
+
+// More blank columns than this and a new block is shorter than going on.
+constexpr int64_t kMostBlankColumns = 190;
+
+}  // namespace
+
+bool PrintRuns::isBlank(int64_t column) const noexcept {
+  const uint8_t* bytes = columns_.data() + static_cast<size_t>(column) * PassColumns::kColumnBytes;
+  return (bytes[0] | bytes[1] | bytes[2]) == 0;
+}
+
+int64_t PrintRuns::widened(int64_t left, int64_t right) const noexcept {
+  if (right - left >= kShortestRunSpan) return right;
+  const int64_t wide = left + kShortestRunSpan;
+  return clamp_ ? std::min(wide, width_ - 1) : wide;
+}
+
+std::optional<PrintRun> PrintRuns::next() noexcept {
+  while (at_ < width_ && isBlank(at_)) ++at_;
+  if (at_ >= width_) return std::nullopt;
+  const int64_t left = at_ < step_ ? 0 : at_ / step_ * step_;
+  int64_t right = left;
+  int64_t blanks = 0;
+  for (++at_; at_ < width_ && blanks <= kMostBlankColumns; ++at_) {
+    if (isBlank(at_)) {
+      ++blanks;
+    } else {
+      blanks = 0;
+      right = at_;
+    }
+  }
+  return PrintRun{left, widened(left, right)};
+}
+
+}  // namespace velka

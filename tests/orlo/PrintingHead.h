@@ -1,0 +1,33 @@
+// A printer of this model, as far as its paper shows: it takes a command stream and
+// marks the dots that its head would strike. It knows the head's layout, the modes
+// and the units of moves, and nothing of pages.
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "orlo/PageMaker.h"
+
+namespace velka::orlotest {
+
+/// Where a dot lies: down and across, in 1/3600 inch.
+using Dot = std::pair<int64_t, int64_t>;
+inline constexpr int64_t kUnitsPerInch = 3600;
+
+struct Paper {
+  std::set<Dot> black;
+  std::set<Dot> red;
+  int64_t strikes = 0;  ///< dots struck, one struck twice counted twice
+  int blocks = 0;
+  int pages = 0;          ///< form feeds
+  int64_t headRow = 0;    ///< where the head is left, in 1/3600 inch
+  std::string complaint;  ///< what the stream has that no printer knows; empty: all fine
+};
+
+/// Prints a stream with the head layout of a feed.
+Paper printStream(std::span<const uint8_t> stream, Feed feed);
+
+}  // namespace velka::orlotest
