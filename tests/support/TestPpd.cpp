@@ -46,6 +46,10 @@ TempFile::TempFile(std::string_view contents, const char* suffix) {
   }
 }
 
+bool TempFile::exists(const std::string& path) {
+  return access(path.c_str(), F_OK) == 0;
+}
+
 TempFile::~TempFile() {
   unlink(path_.c_str());
 }

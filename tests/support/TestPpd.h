@@ -27,6 +27,7 @@ class TempFile {
   TempFile(const TempFile&) = delete;
   TempFile& operator=(const TempFile&) = delete;
   [[nodiscard]] const std::string& path() const { return path_; }
+  static bool exists(const std::string& path);
 
  private:
   std::string path_;
