@@ -148,7 +148,7 @@ int CESCPSML::EncodeBlockData(unsigned short mode, unsigned short bytesPerColumn
 
   const velka::CommandSink sink = {pageBuffer, pageLength, writePosition};
   if (int64_t{*currentY} < area.top) {
-    // Only the first red block of a page takes the correction.
+    // Red that still stands at the top of the page takes the correction.
     const bool corrected = colour == kRed && *currentY == 0;
     const int64_t rows = int64_t{area.top} - *currentY - (corrected ? yCorrection : 0);
     if (!sink.moveY(ydpi, rows)) return 0;
@@ -174,7 +174,8 @@ int CESCPSML::EncodeAndSend(_DEVOBJ* devobj, short second) noexcept {
 
   PageStream stream;
   const bool redHalf = second != 0;
-  if (!redHalf && pdev.lInitialYOffset != 0) {
+  // Deliberate: the red half of a split page starts with it again.
+  if (pdev.lInitialYOffset != 0) {
     if (!stream.sink().moveY(pdev.devModeOut.dmYResolution, pdev.lInitialYOffset)) return 0;
     stream.redY = static_cast<unsigned int>(pdev.lInitialYOffset);
   }
@@ -185,9 +186,13 @@ int CESCPSML::EncodeAndSend(_DEVOBJ* devobj, short second) noexcept {
   }
   const auto eject = velka::ejectMode(*devobj->pOemDev, pdev.dwCurPageNum);
   if (eject && !stream.sink().append(*eject)) return 0;
+  const unsigned int copiesBefore = m_dwCopyLen;
   const bool complete = isSplit(*devobj) ? finishBlackHalf(*devobj, bands.all(), stream)
                                          : keepForCopies(*devobj, stream);
-  return complete && endPage(*devobj, stream) ? 1 : 0;
+  if (complete && endPage(*devobj, stream)) return 1;
+  // Half a page must not come back among the copies of the next one.
+  m_dwCopyLen = std::min(m_dwCopyLen, copiesBefore);
+  return 0;
 }
 
 bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,

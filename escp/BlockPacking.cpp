@@ -31,7 +31,7 @@ ColumnRange completeColumns(const InkPlane& plane, const _RECTL& area,
   // A mode without data bytes reads no dot, so no column can be incomplete.
   if (rows.count == 0) return {area.left, area.left + int64_t{columnCount(area)}};
   const int64_t last = rows.first + int64_t{rows.step} * (rows.count - 1);
-  if (rows.first < 0 || last >= plane.height) return {area.left, area.left};
+  if (plane.stride <= 0 || rows.first < 0 || last >= plane.height) return {area.left, area.left};
   const int64_t firstColumn = std::max(int64_t{area.left}, -rows.first * plane.stride);
   const auto size = static_cast<int64_t>(plane.bytes.size());
   const int64_t end = std::min(int64_t{area.right} + 1, size - last * plane.stride);

@@ -30,10 +30,10 @@ uint32_t distanceIn360ths(int16_t ydpi, int64_t rows) noexcept {
 
 // Parameter of GS 04 T for a page at place r of a cycle whose first `run` pages
 // get one value and whose rest gets the other. A place that 16 bits turn negative
-// is in neither.
+// can lie outside both.
 uint8_t cycleParameter(int16_t r, int16_t run, uint8_t inRun, uint8_t otherwise) noexcept {
-  if (r < 0) return 0;
-  return r > 0 && r <= run ? inRun : otherwise;
+  if (r == 0 || r > run) return otherwise;
+  return r > 0 ? inRun : 0;
 }
 
 }  // namespace

@@ -105,6 +105,8 @@ struct _DEVMODE {
 };
 #pragma pack(pop)
 static_assert(sizeof(_DEVMODE) == 10);
+static_assert(offsetof(_DEVMODE, dmPrintQuality) == 2);
+static_assert(offsetof(_DEVMODE, dmCollate) == 6);
 
 /// One element of the page's list of section rectangles.
 struct SectionRectNode {
@@ -164,12 +166,24 @@ static_assert(offsetof(_OEMPDEV, dwBufSize) == 9);
 static_assert(offsetof(_OEMPDEV, bmFileHeader) == 13);
 static_assert(offsetof(_OEMPDEV, bmInfoHeader) == 27);
 static_assert(offsetof(_OEMPDEV, dwBitsOffset) == 71);
+static_assert(offsetof(_OEMPDEV, pSectionHead) == 83);
+static_assert(offsetof(_OEMPDEV, dwSectionCount) == 91);
+static_assert(offsetof(_OEMPDEV, dwBytesPerLine) == 99);
+static_assert(offsetof(_OEMPDEV, dwLines) == 103);
 static_assert(offsetof(_OEMPDEV, pSectionTail) == 107);
 static_assert(offsetof(_OEMPDEV, srcGdiInfo) == 115);
 static_assert(offsetof(_OEMPDEV, pRectTree) == 115 + sizeof(GDIINFO));
+static_assert(offsetof(_OEMPDEV, dwRectCount) == 115 + sizeof(GDIINFO) + 8);
+static_assert(offsetof(_OEMPDEV, pBufStartOut) == 115 + sizeof(GDIINFO) + 12);
+static_assert(offsetof(_OEMPDEV, bmInfoHeaderOut) == 115 + sizeof(GDIINFO) + 38);
 static_assert(offsetof(_OEMPDEV, devGdiInfo) == 115 + sizeof(GDIINFO) + 78);
 static_assert(offsetof(_OEMPDEV, dScaleX) == 115 + 2 * sizeof(GDIINFO) + 92);
+static_assert(offsetof(_OEMPDEV, dwBytesPerLineOut) == 115 + 2 * sizeof(GDIINFO) + 78);
+static_assert(offsetof(_OEMPDEV, pEscpSml) == 115 + 2 * sizeof(GDIINFO) + 82);
+static_assert(offsetof(_OEMPDEV, wReserved5) == 115 + 2 * sizeof(GDIINFO) + 90);
+static_assert(offsetof(_OEMPDEV, devModeOut) == 115 + 2 * sizeof(GDIINFO) + 108);
 static_assert(offsetof(_OEMPDEV, dwCurPageNum) == 115 + 2 * sizeof(GDIINFO) + 118);
+static_assert(offsetof(_OEMPDEV, dwReserved7) == 115 + 2 * sizeof(GDIINFO) + 126);
 
 /// The handle passed to every page operation.
 struct _DEVOBJ {

@@ -169,7 +169,8 @@ class CESCPSML {
 /// result: true when it produced the page's commands. False without a complete
 /// handle or when the output bitmap cannot be allocated.
 ///
-/// The front end defines this one, because it lends the renderer its buffers.
+/// The front end (`velka_filter`) defines this one, because it lends the renderer
+/// its buffers.
 bool RenderEscpData(_DEVOBJ* devobj) noexcept;
 
 namespace velka {

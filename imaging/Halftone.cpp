@@ -71,7 +71,7 @@ void diffuse(const Plane& plane, const DiffusionTable& table) {
 
 int dither(int mode, unsigned char* in, unsigned char* out, unsigned rows, unsigned width,
            unsigned stride, short dotFactor, short threshold) {
-  // Pixels past the stride would be the next row's, which sets its own anyway.
+  // Past the stride lie the next row's pixels, and past the last row nobody's.
   const Plane plane{in, out, rows, std::min(width, stride), stride};
   if (in == nullptr || out == nullptr || plane.columns == 0) {
     return 1;

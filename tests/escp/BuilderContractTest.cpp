@@ -198,8 +198,15 @@ Bytes ejectModeSent(Job& job) {
 TEST(EjectMode, EqualsTheReferenceForAnyRule) {
   Job job(8, 8, 180, 180);
   for (int mode = -1; mode <= 7; ++mode) {
-    for (const auto& [a, b] : std::vector<std::pair<int, int>>{
-             {2, 1}, {1, 2}, {0, 3}, {3, 0}, {1, -1}, {-5, 2}, {32767, 32767}}) {
+    for (const auto& [a, b] : std::vector<std::pair<int, int>>{{2, 1},
+                                                               {1, 2},
+                                                               {0, 3},
+                                                               {3, 0},
+                                                               {1, -1},
+                                                               {-5, 2},
+                                                               {-200, 1},
+                                                               {1, -200},
+                                                               {32767, 32767}}) {
       job.options.sEjectMode = static_cast<int16_t>(mode);
       job.options.sEjectFirstCount = static_cast<int16_t>(a);
       job.options.sEjectSecondCount = static_cast<int16_t>(b);

@@ -106,6 +106,8 @@ void expectSameJob(unsigned seed) {
   if (random() % 2 == 0) job.mode.dmCollate = 1;
   reference::DeviceState device = deviceState(job);
   reference::GeneratorState generator;
+  if (random() % 8 == 0) job.pdev.lInitialYOffset = static_cast<int32_t>(random() % 30);
+  generator.initialYOffset = job.pdev.lInitialYOffset;
   const Capture capture(STDOUT_FILENO);
   Bytes expected;
   for (uint32_t number = 1; number <= 3; ++number) {

@@ -239,5 +239,25 @@ TEST(StandardJobs, ALongRollPrintsWhole) {
   expectJob({}, kDefaults, {page});
 }
 
+// Sanitizers reserve address space of their own.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(StandardJobs, MemoryStaysInProportionToThePixels) {
+  constexpr size_t kBitmap = size_t{5000} * 3 * 10000;
+  constexpr size_t kProgramItself = size_t{200} << 20U;
+  const RasterPage page = solidPage(rgbHeader(5000, 10000, 360, 360), 90, 90, 90);
+  const TempFile ppd(ppdText({}));
+  FilterJob job;
+  job.ppd = ppd.path();
+  job.input = rasterStream({page}, CUPS_RASTER_WRITE_COMPRESSED);
+  const FilterResult free = runFilter(kFilter, job);
+  job.addressSpace = kBitmap * 5 / 2 + kProgramItself;
+  EXPECT_TRUE(runFilter(kFilter, job).output == free.output);
+  EXPECT_GT(dotsOf(free.output, 0), kBitmap / 3 / 2);
+  // The limit bites: with less than the page and its copy nothing can be printed.
+  job.addressSpace = kBitmap * 3 / 2;
+  EXPECT_LT(runFilter(kFilter, job).output.size(), size_t{100});
+}
+#endif
+
 }  // namespace
 }  // namespace velka::testing

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -38,6 +39,10 @@ struct Descriptors {
   dup2(fds.out, STDOUT_FILENO);
   dup2(fds.err, STDERR_FILENO);
   for (const int fd : job.closedAtStart) close(fd);
+  if (job.addressSpace > 0) {
+    const rlimit limit = {job.addressSpace, job.addressSpace};
+    setrlimit(RLIMIT_AS, &limit);
+  }
   std::vector<char*> argv = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : job.arguments)
     argv.push_back(const_cast<char*>(argument.c_str()));

@@ -22,6 +22,8 @@ struct FilterJob {
   /// Called with the process id once the program runs; input is fed by it through
   /// the descriptor instead of from `input`.
   std::function<void(int pid, int inputFd)> feed;
+  /// Most bytes of address space the program may take; 0 for no limit.
+  size_t addressSpace = 0;
   /// Standard output is a pipe that nobody reads.
   bool outputBroken = false;
 };
