@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# check-chain.sh RASTOVELKA PPD PAGE.ps
+# check-chain.sh RASTOVELKA VELKASTAT PPD PAGE.ps
 # Options given to a job reach the filter through the system's own filters, with
-# the values of their choices, and leave the raster as it was.
+# the values of their choices, and leave the raster as it was; copies are made once.
 set -euo pipefail
 
 filter=$1
-export PPD=$2
-page=$3
+velkastat=$2
+export PPD=$3
+page=$4
 filters=$(cups-config --serverbin)/filter
 export CONTENT_TYPE=application/pdf FINAL_CONTENT_TYPE=application/vnd.cups-raster
 work=$(mktemp -d)
@@ -35,10 +36,23 @@ expected=(
   "cupsBitsPerColor = 8" "cupsBitsPerPixel = 24" "cupsColorOrder = 0"
 )
 
-# raster RASTERISER OPTIONS OUTPUT
+# raster RASTERISER OPTIONS OUTPUT [COPIES]
 raster() {
-  "$filters/pdftopdf" 0 test test 1 "$2" <"$work/page.pdf" 2>>"$work/filters.log" |
-    "$filters/$1" 0 test test 1 "$2" >"$3" 2>>"$work/filters.log"
+  "$filters/pdftopdf" 0 test test "${4:-1}" "$2" <"$work/page.pdf" 2>>"$work/filters.log" |
+    "$filters/$1" 0 test test "${4:-1}" "$2" >"$3" 2>>"$work/filters.log"
+}
+
+# Whoever makes them, the filters before ours or ours: three are three. (Only with
+# the print system's first choice; the other rasteriser loses a copy count that it
+# is to hand on.)
+check_copies() {
+  local name=$1 collate pages
+  for collate in Collate=False Collate=True; do
+    raster "$name" "$collate" "$work/copies.ras" 3
+    "$filter" 0 test test 3 "$collate" "$work/copies.ras" >"$work/out" 2>/dev/null
+    pages=$("$velkastat" "$work/out" | sed -n 's/^pages *//p')
+    [[ $pages == 3 ]] || fail "$name: 3 copies with $collate came out as $pages"
+  done
 }
 
 check_rasteriser() {
@@ -63,6 +77,7 @@ for rasteriser in gstoraster pdftoraster; do
     fail "no $rasteriser in $filters"
   fi
 done
+check_copies gstoraster
 if ((failures > 0)); then
   tail -n 5 "$work/filters.log" >&2
   exit 1
