@@ -21,6 +21,7 @@
 // is 0. When a key is given twice the later one wins.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,12 @@ struct ConfigSection {
   std::string key;
   std::vector<SettingChange> changes;
 };
+
+/// Whether a configuration last looked at `passed` seconds ago is due again:
+/// after more than `interval` seconds, and never with an interval of 0.
+[[nodiscard]] constexpr bool isUpdateDue(std::int64_t passed, std::int32_t interval) noexcept {
+  return interval != 0 && passed > interval;
+}
 
 /// The sections of a text, in order; a section may come again.
 [[nodiscard]] std::vector<ConfigSection> parseConfig(std::string_view text);

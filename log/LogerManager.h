@@ -5,8 +5,9 @@
 //   main       the loggers' files and the queue
 //   settings   the loggers' settings, their keys, the configuration's path;
 //              held for a few assignments only
-// The record pool has its own lock and takes no part in that order: no other
-// lock is held around it. A logging statement is never made under a lock.
+// The record pool's own lock is innermost: nothing is locked under it, and of the
+// others only lifecycle is ever held around it, when stop empties the pool.
+// A logging statement is never made under a lock.
 // So a setting is in force for the next line wherever it is changed, and the
 // worker may itself re-read the configuration.
 #pragma once

@@ -123,9 +123,8 @@ void LogerManager::serve() {
 }
 
 void LogerManager::autoUpdate(std::int64_t& lastCheck) {
-  const std::int32_t interval = autoUpdateSeconds_;
   const std::int64_t now = secondsNow();
-  if (interval != 0 && now - lastCheck > interval) {
+  if (velka::isUpdateDue(now - lastCheck, autoUpdateSeconds_)) {
     updateConfig();
     lastCheck = now;
   }

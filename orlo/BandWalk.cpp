@@ -45,7 +45,9 @@ std::optional<int64_t> BandWalk::print(const Sweep& sweep, int64_t base) noexcep
     const int64_t stand = base + resolution_.passes - 1;
     if (!move(*next - stand) || !printBand(sweep, *next, base)) return std::nullopt;
     base = *next;
-    // Deliberate: what the other ink still has above the page's end is left out.
+    // Deliberate: what the ink that prints higher still has above the page's end is
+    // left out. At 360 dpi the test also takes the head for a row longer than its two
+    // passes are, so the page's last row can be lost in the other ink, too.
     if (sweep.endsAtPageBottom && reachesPageBottom(base)) break;
   }
   return base;

@@ -22,7 +22,8 @@ int COrloProcesser::sizeOutput(unsigned char** output, unsigned int capacity,
   return 1;
 }
 
-// A failed append leaves the buffer as it was; these two have no way to tell.
+// Without memory for more, a move ends with what was appended of it; neither the
+// moves nor the two modes further down have a way to tell.
 
 int COrloProcesser::MoveToYPosFromCur(int rows, int verticalDpi) noexcept {
   (void)sink().moveY(static_cast<short>(verticalDpi), rows);

@@ -15,6 +15,9 @@ constexpr int kBackFeed = 2;
 constexpr short kBlack = 1;
 constexpr short kRed = 2;
 constexpr int kBothColours = 3;
+constexpr int kNotPrintable = 0;
+constexpr int kOneSweep = 1;
+constexpr int kSweepForEachInk = 2;
 constexpr velka::Sweep kBothInks = {true, true, true};
 constexpr velka::Sweep kBlackSweep = {true, false, false};
 constexpr velka::Sweep kRedSweep = {false, true, false};
@@ -94,17 +97,23 @@ bool printSplit(const COrloProcesser& page, const velka::HeadLayout& layout,
 
 }  // namespace
 
+int COrloProcesser::GetPrintConstruction(int paperFeedMode) const noexcept {
+  if (paperFeedMode != kFrontFeed && paperFeedMode != kBackFeed) return kNotPrintable;
+  if (m_SplitBlackRed > 1) return kNotPrintable;
+  return m_SplitBlackRed == 0 ? kOneSweep : kSweepForEachInk;
+}
+
 int COrloProcesser::Encode2EscpSml(unsigned char** output, unsigned int capacity,
                                    unsigned int* outputLength, int horizontalDpi, int verticalDpi,
                                    int feedMode) noexcept {
-  if (feedMode != kFrontFeed && feedMode != kBackFeed) return 0;
+  const int construction = GetPrintConstruction(feedMode);
+  if (construction == kNotPrintable) return 0;
   const bool front = feedMode == kFrontFeed;
-  if (m_SplitBlackRed == 0) {
+  if (construction == kOneSweep) {
     const auto encode = front ? &COrloProcesser::Encode2EscpSmlNoSlipt
                               : &COrloProcesser::Encode2EscpSmlNoSliptFeedFromBack;
     return (this->*encode)(output, capacity, outputLength, horizontalDpi, verticalDpi, feedMode, 0);
   }
-  if (m_SplitBlackRed != 1) return 0;
   const auto encode = front ? &COrloProcesser::Encode2EscpSmlHaveSlipt
                             : &COrloProcesser::Encode2EscpSmlHaveSliptFeedFromBack;
   return (this->*encode)(output, capacity, outputLength, horizontalDpi, verticalDpi, feedMode, 0,
@@ -147,7 +156,8 @@ int COrloProcesser::Encode2EscpSmlHaveSliptFeedFromBack(
     unsigned char** output, unsigned int capacity, unsigned int* outputLength, int horizontalDpi,
     int verticalDpi, int /*feedMode*/, int currentRow, short colour) noexcept {
   // The first row below the last band of the black sweep. It outlives the page, but
-  // every black sweep sets it before it is asked for.
+  // every black sweep sets it before it is asked for. It has no lock: one thread runs
+  // a job, page by page.
   static int32_t printY = 0;
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution || (colour != kBlack && colour != kRed)) return 0;

@@ -34,7 +34,7 @@ bool providePlane(velka::OrloPlane& plane, uint32_t size) noexcept {
 }  // namespace
 
 COrloProcesser::COrloProcesser() noexcept {
-  for (int index = 0; index < 3; ++index) InitColorLevelsData(3, index);
+  for (const int index : {1, 2}) InitColorLevelsData(3, index);
 }
 
 COrloProcesser::~COrloProcesser() {

@@ -25,12 +25,12 @@ struct ORLOLEVELSSET {
 };
 
 /// Makes the commands of one page. Construct one, configure it, call
-/// GetOrloPrintCmd once, destroy it: planes and commands are not cleared between
-/// calls.
+/// GetOrloPrintCmd once, destroy it: a second call adds to the planes, where they
+/// have the same size, and to the commands that were not handed over.
 ///
 /// Inks count as 1 black and 2 red where a `colour` is asked for; the `index` of a
-/// tone table is 1 for red and 2 for black (0 exists and stays as it is). Other
-/// indices and channels are ignored. Resolutions are dots per inch, rows count from
+/// tone table is 1 for red and 2 for black. Other indices and channels are ignored, so
+/// what lies at index 0 is never filled. Resolutions are dots per inch, rows count from
 /// 0 at the top.
 class COrloProcesser {
  public:
@@ -112,7 +112,13 @@ class COrloProcesser {
   // commands are copied, CR LF FF after them. They return 1 on success; 0 where
   // nothing was to print, the resolutions are not supported or memory ran out.
 
-  /// Picks the encoder by colour split and feed mode; 0 where there is none.
+  /// How the page is put on paper in a feed mode, with the colour split as it is set:
+  /// 0: not at all, as the feed mode is neither 1 (front) nor 2 (back) or the split
+  ///    neither 0 nor 1;
+  /// 1: both inks in one sweep;
+  /// 2: a sweep for each ink.
+  int GetPrintConstruction(int paperFeedMode) const noexcept;
+  /// Picks the encoder by GetPrintConstruction and the feed; 0 where there is none.
   int Encode2EscpSml(unsigned char** output, unsigned int capacity, unsigned int* outputLength,
                      int horizontalDpi, int verticalDpi, int feedMode) noexcept;
   /// Front feed, both inks in one sweep. `currentRow` is where the head stands. The

@@ -10,7 +10,7 @@ constexpr int kAllChannels = 3;
 constexpr COLORLEVELSITEM kNeutral{1.0F, 0, 255, 0, 255};
 
 bool isIndex(int index) noexcept {
-  return index >= 0 && index <= 2;
+  return index == 1 || index == 2;
 }
 bool isChannel(int channel) noexcept {
   return channel >= 0 && channel <= kAllChannels;

@@ -10,6 +10,15 @@ namespace {
 // More blank columns than this and a new block is shorter than going on.
 constexpr int64_t kMostBlankColumns = 190;
 
+// A block counts its columns with 16 bits.
+constexpr int64_t kMostColumns = 65535;
+
+// The longest run that lets the next one start right behind it on 1/60 inch.
+constexpr int64_t longestRun(int64_t step) noexcept {
+  return step < kMostColumns ? kMostColumns / step * step : kMostColumns;
+}
+static_assert(longestRun(1) == 65535 && longestRun(6) == 65532 && longestRun(65536) == 65535);
+
 }  // namespace
 
 bool PrintRuns::isBlank(int64_t column) const noexcept {
@@ -29,7 +38,8 @@ std::optional<PrintRun> PrintRuns::next() noexcept {
   const int64_t left = at_ < step_ ? 0 : at_ / step_ * step_;
   int64_t right = left;
   int64_t blanks = 0;
-  for (++at_; at_ < width_ && blanks <= kMostBlankColumns; ++at_) {
+  const int64_t end = std::min(width_, left + longestRun(step_));
+  for (++at_; at_ < end && blanks <= kMostBlankColumns; ++at_) {
     if (isBlank(at_)) {
       ++blanks;
     } else {

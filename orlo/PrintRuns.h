@@ -1,5 +1,5 @@
 // Which columns of a pass are sent: stretches of ink, cut where the paper stays
-// white for long.
+// white for long and where a block is as long as it can count.
 #pragma once
 
 #include <cstdint>

@@ -168,15 +168,27 @@ TEST(OrloJobs, RotationsAndOffsetsApply) {
                 {inkedPage(rgbHeader(70, 110), 36)});
 }
 
+void expectShippedPpd(const std::string& ppd, const std::string& jobOptions, int16_t colours,
+                      int16_t split) {
+  SCOPED_TRACE(jobOptions);
+  tagOEMCFG options = orloOptions();
+  options.OutputColorType = colours;
+  options.SplitBlackRed = split;
+  const std::vector<RasterPage> pages = {inkedPage(rgbHeader(100, 90), 37)};
+  const FilterResult result = runOrlo(ppd, jobOptions, pages);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, finished(1));
+  EXPECT_TRUE(result.output == expectedOrloStream(options, pages));
+}
+
 // The PPD that is shipped, with options of the job on top.
 TEST(OrloJobs, TheShippedPpdPrints) {
   const std::string ppd = std::string(VELKA_PPD_FOLDER) + "/velka-orlo.ppd";
   if (TempFile::exists(ppd)) {
-    tagOEMCFG options = orloOptions();
-    options.OutputColorType = 1;
-    const std::vector<RasterPage> pages = {inkedPage(rgbHeader(100, 90), 37)};
-    const FilterResult result = runOrlo(ppd, "OutputColorType=1", pages);
-    EXPECT_TRUE(result.output == expectedOrloStream(options, pages));
+    expectShippedPpd(ppd, "", 3, 0);
+    expectShippedPpd(ppd, "SplitBlackRed=1", 3, 1);
+    expectShippedPpd(ppd, "OutputColorType=1", 1, 0);
+    expectShippedPpd(ppd, "OutputColorType=2 SplitBlackRed=1", 2, 1);
   } else {
     GTEST_SKIP() << "built without PPDs";
   }

@@ -30,6 +30,46 @@ std::vector<Parsed> parsed(const std::string& lines) {
 
 }  // namespace
 
+TEST(LogUpdate, IsDueAfterMoreThanItsInterval) {
+  EXPECT_FALSE(velka::isUpdateDue(0, 10));
+  EXPECT_FALSE(velka::isUpdateDue(10, 10));
+  EXPECT_TRUE(velka::isUpdateDue(11, 10));
+  EXPECT_FALSE(velka::isUpdateDue(INT32_MAX, INT32_MAX));
+  EXPECT_TRUE(velka::isUpdateDue(std::int64_t{INT32_MAX} + 1, INT32_MAX));
+  // A negative interval has always passed.
+  EXPECT_TRUE(velka::isUpdateDue(0, -1));
+}
+
+TEST(LogUpdate, IsNeverDueWithoutAnInterval) {
+  for (const std::int64_t passed : {INT64_MIN, std::int64_t{0}, std::int64_t{1}, INT64_MAX}) {
+    EXPECT_FALSE(velka::isUpdateDue(passed, 0));
+  }
+}
+
+TEST(LogUpdate, ReadsTheFileOnceAnIntervalAndNeverWithoutOne) {
+  // Before any time that the clock of a running system shows.
+  constexpr std::int64_t kLongAgo = -2'000'000;
+  const TempFolder folder;
+  const std::string path = folder.file("log.cfg");
+  writeFile(path, "");
+  LogerManager manager;
+  ASSERT_TRUE(manager.config(path.c_str()));
+  writeFile(path, "[late]\nenable=1\n");
+  std::int64_t lastCheck = kLongAgo;
+  Access::autoUpdate(manager, lastCheck);
+  EXPECT_EQ(lastCheck, kLongAgo);
+  EXPECT_EQ(manager.findLogger("late"), -1);
+  EXPECT_TRUE(manager.setAutoUpdate(1'000'000));
+  Access::autoUpdate(manager, lastCheck);
+  EXPECT_GE(lastCheck, 0);
+  EXPECT_EQ(manager.findLogger("late"), 1);
+  writeFile(path, "[later]\nenable=1\n");
+  const std::int64_t noted = lastCheck;
+  Access::autoUpdate(manager, lastCheck);
+  EXPECT_EQ(lastCheck, noted);
+  EXPECT_EQ(manager.findLogger("later"), -1);
+}
+
 TEST(LogConfigText, AllKeysAreKnown) {
   const std::vector<Parsed> expected = {
       {SettingCode::Path, 0, "/var/log/"}, {SettingCode::Name, 0, "Jobs"},

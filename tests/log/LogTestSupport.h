@@ -37,9 +37,15 @@ struct LogerManagerAccess {
     return manager.queue_.pop();
   }
   static void holdBack(LogerManager& manager) { manager.holdBack(); }
+  static void autoUpdate(LogerManager& manager, std::int64_t& lastCheck) {
+    manager.autoUpdate(lastCheck);
+  }
   static bool writeQueued(LogerManager& manager, LogData* record) {
-    const ScopedLock hold(manager.mainLock_);
-    const bool written = manager.writeLine(*record, false);
+    bool written = false;
+    {
+      const ScopedLock hold(manager.mainLock_);
+      written = manager.writeLine(*record, false);
+    }
     manager.pool_.giveBack(record);
     return written;
   }

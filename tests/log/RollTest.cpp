@@ -1,4 +1,5 @@
 // Which file a line goes to: months, days, sizes, former files.
+#include "LogLine.h"
 #include "LogWritingFixture.h"
 
 using logtest::Access;
@@ -6,6 +7,20 @@ using logtest::linesOf;
 using logtest::logText;
 using logtest::LogWriting;
 using logtest::readFile;
+
+namespace {
+
+/// The time of all lines of a test: so its day cannot end while the test runs.
+constexpr std::int64_t kSomeNoon = 1709640000;
+
+bool logAtNoon(LogerManager& manager, const char* text) {
+  LogData* const line = manager.makeLogData(0, LOG_LEVEL_DEBUG);
+  line->time = kSomeNoon;
+  velka::appendMessage(*line, "%s", text);
+  return manager.pushLog(line, "src/a.c", 7);
+}
+
+}  // namespace
 
 TEST_F(LogWriting, MonthDirectoryIsThatOfTheLinesTime) {
   const logtest::ZoneScope zone("UTC");
@@ -20,13 +35,14 @@ TEST_F(LogWriting, MonthDirectoryIsThatOfTheLinesTime) {
 TEST_F(LogWriting, SizeLimitCountsARollAndTheFileGrowsOn) {
   EXPECT_TRUE(manager.setLoggerLimitsize(0, 0));
   LoggerInfo& main = Access::logger(manager);
+  main.fileDay = velka::localDayOf(kSomeNoon).midnight;
   main.rollIndex = 0;
   main.writtenBytes = 0;
-  EXPECT_TRUE(logText(manager, "one"));
+  EXPECT_TRUE(logAtNoon(manager, "one"));
   EXPECT_EQ(main.rollIndex, 0U);
-  EXPECT_TRUE(logText(manager, "two"));
+  EXPECT_TRUE(logAtNoon(manager, "two"));
   EXPECT_EQ(main.rollIndex, 1U);
-  EXPECT_TRUE(logText(manager, "three"));
+  EXPECT_TRUE(logAtNoon(manager, "three"));
   EXPECT_EQ(main.rollIndex, 2U);
   EXPECT_EQ(linesOf(text()).size(), 3U);
 }
@@ -34,17 +50,17 @@ TEST_F(LogWriting, SizeLimitCountsARollAndTheFileGrowsOn) {
 TEST_F(LogWriting, SizeLimitIsInMebibytesAndMayBeReached) {
   LoggerInfo& main = Access::logger(manager);
   EXPECT_TRUE(manager.setLoggerLimitsize(0, 2));
-  EXPECT_TRUE(logText(manager, "one"));
+  EXPECT_TRUE(logAtNoon(manager, "one"));
   main.rollIndex = 0;
   main.writtenBytes = 2U << 20U;
-  EXPECT_TRUE(logText(manager, "two"));
+  EXPECT_TRUE(logAtNoon(manager, "two"));
   EXPECT_EQ(main.rollIndex, 0U);
   main.writtenBytes = (2U << 20U) + 1;
-  EXPECT_TRUE(logText(manager, "three"));
+  EXPECT_TRUE(logAtNoon(manager, "three"));
   EXPECT_EQ(main.rollIndex, 1U);
   EXPECT_TRUE(manager.setLoggerLimitsize(0, UINT32_MAX));
   main.writtenBytes = UINT32_MAX;
-  EXPECT_TRUE(logText(manager, "four"));
+  EXPECT_TRUE(logAtNoon(manager, "four"));
   EXPECT_EQ(main.rollIndex, 1U);
 }
 

@@ -168,9 +168,12 @@ TEST(LogWorker, FileLeftOpenIsUsedByTheNextQueuedLine) {
   const TempFolder folder;
   LogerManager manager;
   aimAt(manager, folder);
-  EXPECT_TRUE(Access::writeQueued(manager, manager.makeLogData(0, 1)));
+  LogData* const first = manager.makeLogData(0, 1);
+  LogData* const next = manager.makeLogData(0, 1);
+  next->time = first->time;  // a new day would open the file anew
+  EXPECT_TRUE(Access::writeQueued(manager, first));
   EXPECT_TRUE(manager.setLoggerName(0, "other"));
-  EXPECT_TRUE(Access::writeQueued(manager, manager.makeLogData(0, 1)));
+  EXPECT_TRUE(Access::writeQueued(manager, next));
   EXPECT_FALSE(std::filesystem::exists(folder.file("other.log")));
 }
 

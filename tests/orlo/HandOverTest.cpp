@@ -170,6 +170,8 @@ TEST(Processor, KeepsItsConfiguration) {
   config.solidColor = {11, 12, 13, 14};
   config.SplitBlackRed = 15;
   config.sSpare4 = 16;
+  config.sSpare5 = 17;
+  config.sSpare6 = 18;
   config.sSpare7 = 19;
   config.BrightnessRed = 20;
   config.sDitherRed = 23;
@@ -183,11 +185,32 @@ TEST(Processor, KeepsItsConfiguration) {
   EXPECT_EQ(processor.m_solidColor.rgbRed, 13);
   EXPECT_EQ(processor.m_SplitBlackRed, 15);
   EXPECT_EQ(processor.m_sSpare4, 16);
+  EXPECT_EQ(processor.m_sSpare5, 17);
+  EXPECT_EQ(processor.m_sSpare6, 18);
   EXPECT_EQ(processor.m_sSpare7, 19);
   EXPECT_EQ(processor.m_BrightnessRed, 20);
   EXPECT_EQ(processor.m_sDitherRed, 23);
   EXPECT_EQ(processor.m_BrightnessBlack, 24);
   EXPECT_EQ(processor.m_sDitherBlack, 27);
+}
+
+TEST(Processor, TellsHowAPageIsPutOnPaper) {
+  COrloProcesser processor;
+  for (const int feed : {1, 2}) {
+    processor.m_SplitBlackRed = 0;
+    EXPECT_EQ(processor.GetPrintConstruction(feed), 1);
+    processor.m_SplitBlackRed = 1;
+    EXPECT_EQ(processor.GetPrintConstruction(feed), 2);
+    for (const uint16_t split : {uint16_t{2}, uint16_t{0xFFFF}}) {
+      processor.m_SplitBlackRed = split;
+      EXPECT_EQ(processor.GetPrintConstruction(feed), 0);
+    }
+  }
+  for (const uint16_t split : {uint16_t{0}, uint16_t{1}})
+    for (const int feed : {INT_MIN, -1, 0, 3, INT_MAX}) {
+      processor.m_SplitBlackRed = split;
+      EXPECT_EQ(processor.GetPrintConstruction(feed), 0);
+    }
 }
 
 TEST(Processor, StartsEmpty) {

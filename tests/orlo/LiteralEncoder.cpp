@@ -203,11 +203,17 @@ class Encoder {
 
   void sendRuns(const std::vector<Bytes>& columns) {
     const int d = xdpi_ / 60;
+    const int most = 65535 / d * d;  // what a block counts, on 1/60 inch
     bool open = false;
     int left = 0;
     int right = 0;
     int blank = 0;
     for (int x = 0; x < page_.width; ++x) {
+      if (open && x - left == most) {
+        sendRun(columns, left, right);
+        open = false;
+        blank = 0;
+      }
       if (columns[static_cast<size_t>(x)] == Bytes{0, 0, 0}) {
         ++blank;
         if (blank > 190 && open) {

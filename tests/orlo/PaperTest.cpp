@@ -183,6 +183,27 @@ TEST(Paper, DropsRedBelowTheLastBandInBackFeedWithoutSplit) {
   EXPECT_EQ(paper.red, (std::set<Dot>{{0, 0}, {40 * 20, 20}}));
 }
 
+TEST(Paper, DropsTheLastRowOfTheLowerInkWhereTheHeadEndsARowAboveItAt360Dpi) {
+  // Bands at 0 and 40; the second one's passes end at row 107, the page at row 108.
+  const auto at = [](int64_t row, int64_t column) { return Dot{row * 10, column * 10}; };
+  DotPage front(10, 109);
+  front.putBlack(0, 0);
+  front.putBlack(1, 40);
+  front.putRed(2, 96);
+  front.putRed(3, 108);
+  const Paper first = printStream(encode(front, Feed::Front, false, {360, 360}), Feed::Front);
+  EXPECT_EQ(first.black, (std::set<Dot>{at(0, 0), at(40, 1)}));
+  EXPECT_EQ(first.red, (std::set<Dot>{at(96, 2)}));
+  DotPage back(10, 109);
+  back.putBlack(0, 32);
+  back.putBlack(1, 108);
+  back.putRed(2, 0);
+  back.putRed(3, 40);
+  const Paper second = printStream(encode(back, Feed::Back, false, {360, 360}), Feed::Back);
+  EXPECT_EQ(second.black, (std::set<Dot>{at(32, 0)}));
+  EXPECT_EQ(second.red, (std::set<Dot>{at(0, 2), at(40, 3)}));
+}
+
 TEST(Paper, GoesOnWhileTheHeadStaysOneRowAboveThePagesEnd) {
   // The second band's head ends at row 73: a page of 75 rows has one more.
   for (const int height : {74, 75}) {

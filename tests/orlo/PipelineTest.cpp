@@ -105,7 +105,8 @@ TEST(Pipeline, EqualsTheLiteralOneOnRandomPages) {
   }
 }
 
-// A page whose last rows hold both inks, so that its last-row rule is out of play.
+// Which planes a single pixel goes to. It stands below the rows that the head
+// distance drops and above the last one, which is blank.
 struct OnePixel {
   bool black;
   bool red;
@@ -237,13 +238,13 @@ TEST(LastRow, OfAOneRowPageNeverPrints) {
   EXPECT_EQ(separate(processor, page, plainConfig(), 180, 1), 0);
 }
 
-TEST(LastRow, IsTestedAfterTheBlankRow) {
-  // A blank last row leaves everything as it was.
+TEST(LastRow, ThatIsBlankCostsTheRowAboveItNothing) {
   Bitmap page(2, 60);
   page.set(0, 58, 0, 0, 0);
   COrloProcesser processor;
   EXPECT_EQ(separate(processor, page, plainConfig(), 180, 1), 1);
   EXPECT_EQ(processor.m_BlackBuf.bottom, 58);
+  EXPECT_EQ(processor.m_BlackBuf.data[size_t{58} * 2], 0);
 }
 
 TEST(Boxes, HoldPixelsTooLightToPrint) {

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 
 #include "orlo/LiteralEncoder.h"
@@ -99,6 +100,52 @@ TEST(Sizes, GapsOfAHundredAndNinetyAndOneMore) {
       }
       return page;
     });
+}
+
+TEST(Sizes, ARunWiderThanABlockCanCountIsSentAsSeveral) {
+  constexpr int kWidth = 70000;
+  constexpr size_t kFirst = 65532;  // columns of the first block: 10,922 sixtieths
+  DotPage page(kWidth, 4);
+  for (int x = 0; x < kWidth; ++x) page.putBlack(x, 0);
+  const Bytes dot = {0x80, 0, 0};
+  EXPECT_EQ(encode(page, Feed::Front, false, {360, 180}),
+            moveX(0) + block(0x28, std::vector<Bytes>(kFirst, dot)) + moveX(10922) +
+                block(0x28, std::vector<Bytes>(kWidth - kFirst, dot)));
+}
+
+TEST(Sizes, WideRunsKeepEveryDotWhereverTheyAreCut) {
+  for (const ModeRow mode : {ModeRow{{360, 180}, 0x28}, ModeRow{{120, 60}, 0x01}})
+    for (const Feed feed : {Feed::Front, Feed::Back})
+      for (const int from : {0, 3, 64, 65531, 65534}) {
+        DotPage page(70000, 20);
+        for (int x = from; x < page.width; x += 1 + x % 67) page.putBlack(x, 16);
+        const Bytes stream = encode(page, feed, false, mode.dpi);
+        EXPECT_EQ(stream, encodeLiterally(page, feed, false, mode).commands);
+        const Paper paper = printStream(stream, feed);
+        ASSERT_EQ(paper.complaint, "");
+        std::set<Dot> expected;
+        for (int x = from; x < page.width; x += 1 + x % 67)
+          expected.insert({int64_t{16} * kUnitsPerInch / mode.dpi.vertical,
+                           int64_t{x} * kUnitsPerInch / mode.dpi.horizontal});
+        EXPECT_EQ(paper.black, expected);
+      }
+}
+
+TEST(Sizes, ABlockFartherRightThanItsPlaceCanSayWraps) {
+  DotPage page(70000, 20);
+  page.putBlack(65536 + 38, 0);
+  EXPECT_EQ(encode(page, Feed::Front, false, {60, 180}),
+            moveX(38) + block(0x20, padded({{0x80, 0, 0}}, 11)));
+}
+
+TEST(Sizes, AHorizontalResolutionBeyondAllSenseIsSafe) {
+  DotPage page(70000, 4);
+  for (int x = 0; x < page.width; x += 50) page.putBlack(x, 0);
+  for (const int across : {720, 3932160, INT_MAX}) {
+    const Bytes stream = encode(page, Feed::Front, false, {across, 100});
+    // Each block has the columns that it counts, and nothing is left over.
+    EXPECT_EQ(printStream(stream, Feed::Front).complaint, "") << across;
+  }
 }
 
 // 100,000 rows, every 31st with black, every 29th with red.

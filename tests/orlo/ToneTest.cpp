@@ -26,7 +26,7 @@ TEST(LightTables, OfTheInksAreApartAndIndicesOutsideAreIgnored) {
   COrloProcesser processor;
   processor.SetLightTable(50, 0, 1);
   processor.SetLightTable(-50, 0, 2);
-  for (const int index : {-1, 3, INT_MAX, INT_MIN}) processor.SetLightTable(10, 10, index);
+  for (const int index : {-1, 0, 3, INT_MAX, INT_MIN}) processor.SetLightTable(10, 10, index);
   EXPECT_EQ(processor.m_LightTable[1][100], 150);
   EXPECT_EQ(processor.m_LightTable[2][100], 50);
   EXPECT_EQ(processor.m_LightTable[0][100], 0);
@@ -112,6 +112,30 @@ TEST(LevelTables, IgnoreIndicesOutside) {
   processor.SetColorLevelsData(nullptr, 3, 1);
   EXPECT_EQ(processor.m_ColorLevels[1].tables[0][128], 128);
   EXPECT_FALSE(processor.m_ColorLevels[1].ready[0]);
+}
+
+TEST(LevelTables, AtIndexZeroAreNeverFilled) {
+  COrloProcesser processor;
+  COLORLEVELSITEM item = {0.5F, 1, 255, 2, 255};
+  processor.SetColorLevelsData(&item, 3, 0);
+  processor.InitColorLevelsTable(3, 0);
+  processor.InitColorLevelsData(3, 0);
+  processor.SetLightTable(50, 50, 0);
+  const ORLOLEVELSSET& set = processor.m_ColorLevels[0];
+  for (int table = 0; table < 4; ++table) {
+    EXPECT_FALSE(set.ready[table]);
+    EXPECT_EQ(set.items[table].byInLow, 0);
+    for (int v = 0; v < 256; ++v) ASSERT_EQ(set.tables[table][v], 0);
+  }
+  for (int v = 0; v < 256; ++v) ASSERT_EQ(processor.m_LightTable[0][v], 0);
+  tagRGBQUAD out = {1, 2, 3, 4};
+  processor.GetColorLevelsData({100, 100, 100, 0}, &out, 0);
+  EXPECT_EQ(out.rgbRed, 3);
+  unsigned char r = 10;
+  unsigned char g = 20;
+  unsigned char b = 30;
+  EXPECT_EQ(processor.Light(r, g, b, 0), 1);
+  EXPECT_EQ(r, 10);
 }
 
 TEST(ColourRange, IsNeverEnteredWhereItsBoundsCross) {
