@@ -1,27 +1,30 @@
 // The driver of a print job. Its log lines carry this file's name.
 #include "rastovelka.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 
 #include "CheckedMath.h"
+#include "FixedText.h"
 #include "GrowingBuffer.h"
 #include "HeaderFields.h"
 #include "InitalizeOemCfg.h"
+#include "JobEnds.h"
+#include "PageFiles.h"
+#include "PlainNames.h"
+#include "PpmImage.h"
 #include "PreInc.h"
 #include "RasterLines.h"
 #include "SafeFile.h"
+#include "ShellCommand.h"
 #include "StandardDescriptors.h"
 #include "log4z.h"
 
-volatile std::sig_atomic_t Canceled = 0;
 tagOEMCFG g_oemCfg = {};
 _DEVMODE g_devMode = {};
 _OEMPDEV g_oemPDEV = {};
@@ -29,9 +32,7 @@ _DEVOBJ g_devObj = {};
 
 namespace {
 
-constexpr size_t kTextBytes = 256;
 constexpr int kOrloModelNumber = 2;
-using Text = std::array<char, kTextBytes>;
 
 int asInt(unsigned int value) noexcept {
   return static_cast<int>(value);
@@ -42,24 +43,8 @@ unsigned int pageAddress() noexcept {
   return static_cast<unsigned int>(reinterpret_cast<uintptr_t>(g_oemPDEV.pBufStart));
 }
 
-// Standard error is shared with the job's other filters; the texts carry no line
-// end.
-void tellUser(const char* text) noexcept {
-  std::fputs(text, stderr);
-}
-
 bool pageComesFromPdf(ppd_file_t* ppd) noexcept {
   return ppd != nullptr && ppdIsMarked(ppd, "PdfPreprocess", "yes") != 0;
-}
-
-void installSignals() noexcept {
-  struct sigaction cancel = {};
-  cancel.sa_handler = CancelJob;
-  cancel.sa_flags = SA_RESTART;
-  sigaction(SIGTERM, &cancel, nullptr);
-  struct sigaction ignore = {};
-  ignore.sa_handler = SIG_IGN;
-  sigaction(SIGPIPE, &ignore, nullptr);
 }
 
 // A white page bitmap, or none where the header asks for more than memory or a
@@ -74,12 +59,21 @@ void allocatePage(const cups_page_header2_t& header, uint64_t stride) noexcept {
   g_oemPDEV.dwBufSize = page == nullptr ? 0 : *size;
 }
 
-void readPage(const cups_page_header2_t& header, cups_raster_t* raster, ppd_file_t* ppd,
+// What stays the same from page to page.
+struct PageSource {
+  cups_raster_t* raster;
+  ppd_file_t* ppd;
+  char** argv;
+  const char* pdfPath;
+};
+
+void readPage(const cups_page_header2_t& header, const PageSource& from, char* ppmName,
               int page) noexcept {
   const uint64_t stride = velka::paddedRowBytes(header.cupsWidth, header.cupsBitsPerPixel);
   allocatePage(header, stride);
-  GetCupsRasterData(header, raster, ppd, static_cast<unsigned int>(stride));
-  // A page that comes from the job's PDF is put in place of the white one here.
+  GetCupsRasterData(header, from.raster, from.ppd, static_cast<unsigned int>(stride));
+  if (pageComesFromPdf(from.ppd))
+    UsePdfprocess(from.ppd, ppmName, from.argv, page, header, from.pdfPath);
   VELKA_LOG_DEBUG("After getting data");
   g_oemPDEV.dwCurPageNum = static_cast<uint32_t>(page);
   VELKA_LOG_DEBUG("curPage is %d, bufStart is 0x%x", page, pageAddress());
@@ -87,20 +81,35 @@ void readPage(const cups_page_header2_t& header, cups_raster_t* raster, ppd_file
 
 // Prints page after page until the headers end or the job is cancelled. Returns
 // the number of headers read.
-int printPages(cups_raster_t* raster, ppd_file_t* ppd) noexcept {
+int printPages(const PageSource& from) noexcept {
   int page = 0;
+  velka::FixedText ppmName;
   cups_page_header2_t header = {};
   while (Canceled == 0) {
-    if (cupsRasterReadHeader2(raster, &header) == 0 || Canceled != 0) break;
+    if (cupsRasterReadHeader2(from.raster, &header) == 0 || Canceled != 0) break;
     ++page;
-    StartPage(ppd, &header, page);
-    if (page == 1) StartDoc(ppd, header);
-    readPage(header, raster, ppd, page);
+    StartPage(from.ppd, &header, page);
+    if (page == 1) StartDoc(from.ppd, header);
+    readPage(header, from, ppmName.chars.data(), page);
     StartPageOemPDEV(&g_devObj);
     VELKA_LOG_DEBUG("After set StartPageOemPDEV");
-    if (Canceled != 1) tellUser("Finish print operation.");
+    // Deliberate: no line end, as in every text on standard error.
+    if (Canceled != 1) std::fputs("Finish print operation.", stderr);
   }
   return page;
+}
+
+// Gives the record's page buffer the size of the picture. Where the record holds
+// none, or memory does not hold the picture, the page is not printed.
+std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
+  const auto size = velka::checkedMul32(stride, static_cast<uint64_t>(height));
+  if (g_oemPDEV.pBufStart != nullptr) {
+    std::free(g_oemPDEV.pBufStart);
+    g_oemPDEV.pBufStart = size ? velka::zeroedBytes(*size).release() : nullptr;
+  }
+  InitPdfProcessOemPDEV(size ? static_cast<unsigned int>(stride) : 0, width, height);
+  if (g_oemPDEV.pBufStart == nullptr) return {};
+  return {g_oemPDEV.pBufStart, g_oemPDEV.dwBufSize};
 }
 
 }  // namespace
@@ -115,19 +124,21 @@ int RunFilter(int argc, char* argv[]) noexcept {
   // Deliberate: a failed start is reported as success, or CUPS would stop the queue.
   if (OpenPageStream(argc, argv, &fd, &raster) != 0) return 0;
   Canceled = 0;
-  installSignals();
+  velka::installSignals();
   ppd_file_t* ppd = nullptr;
   InitializeSetting(argv[5], &ppd);
 
-  Text pdfPath = {};
-  std::snprintf(pdfPath.data(), pdfPath.size(), "/tmp/VK_TEMP_CUPS_%s.pdf", argv[1]);
-  VELKA_LOG_DEBUG("tempPDF: %s", pdfPath.data());
+  const velka::FixedText pdfPath = velka::formatText("/tmp/VK_TEMP_CUPS_%s.pdf", argv[1]);
+  VELKA_LOG_DEBUG("tempPDF: %s", pdfPath.text());
 
-  const int pages = printPages(raster, ppd);
+  const int pages = printPages({raster, ppd, argv, pdfPath.text()});
   VELKA_LOG_DEBUG("EndDoc, bufStart is 0x%x", pageAddress());
   EndDocOemPDEV(&g_devObj);
+  // A cancelled job leaves no pictures of its pages. One that runs to its end leaves
+  // those whose name it could not foresee.
+  if (Canceled != 0 && pageComesFromPdf(ppd)) velka::removePageFiles(argv[1], pages);
   // Deliberate: without a PPD nothing is cleaned up.
-  if (ppd != nullptr) Shutdown(pdfPath.data(), ppd, raster, fd);
+  if (ppd != nullptr) Shutdown(pdfPath.text(), ppd, raster, fd);
   return pages == 0 ? 1 : 0;
 }
 
@@ -140,43 +151,6 @@ void StartLog4z() noexcept {
   log->setLoggerName(LOGGER_MAIN_ID, "velka");
   log->start();
   umask(before);
-}
-
-int OpenPageStream(int argc, char* argv[], int* fd, cups_raster_t** raster) noexcept {
-  constexpr int kWithoutFile = 6;
-  constexpr int kWithFile = 7;
-  if (argv == nullptr || argv[0] == nullptr || fd == nullptr || raster == nullptr) return 1;
-  if (argc != kWithoutFile && argc != kWithFile) return 1;
-  *fd = STDIN_FILENO;
-  if (argc == kWithFile) {
-    *fd = open(argv[6], O_RDONLY | O_CLOEXEC);
-    if (*fd < 0) {
-      sleep(1);
-      return 1;
-    }
-  }
-  *raster = cupsRasterOpen(*fd, CUPS_RASTER_READ);
-  if (*raster != nullptr) return 0;
-  tellUser("cupsRasterOpen failed.");
-  return 1;
-}
-
-void InitializeSetting(const char* options, ppd_file_t** ppd) noexcept {
-  if (ppd == nullptr) return;
-  *ppd = ppdOpenFile(std::getenv("PPD"));  // NOLINT(concurrency-mt-unsafe): one thread reads it
-  if (*ppd == nullptr) {
-    int line = 0;
-    const ppd_status_t status = ppdLastError(&line);
-    tellUser("The PPD file could not be opened.");
-    std::fprintf(stderr, "%s on line %d.", ppdErrorString(status), line);
-    return;
-  }
-  ppdMarkDefaults(*ppd);
-  cups_option_t* jobOptions = nullptr;
-  const int count = cupsParseOptions(options, 0, &jobOptions);
-  if (count == 0 || jobOptions == nullptr) return;
-  cupsMarkOptions(*ppd, count, jobOptions);
-  cupsFreeOptions(count, jobOptions);
 }
 
 void StartPage(ppd_file_t* /*ppd*/, const cups_page_header2_t* header, int page) noexcept {
@@ -239,15 +213,70 @@ void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_fi
   g_oemPDEV.dwBufSize = g_oemPDEV.pBufStart == nullptr ? 0 : size.value_or(0);
 }
 
-void CancelJob(int /*signal*/) noexcept {
-  Canceled = 1;
+void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_t* header,
+                 const char* pdfPath) noexcept {
+  if (ppmName == nullptr || argv == nullptr || argv[0] == nullptr || header == nullptr ||
+      pdfPath == nullptr)
+    return;
+  ppmName[0] = '\0';
+  const char* jobId = argv[1];
+  if (!velka::isPlainName(jobId) || !velka::isPlainPath(pdfPath)) {
+    VELKA_LOG_DEBUG("no page from the PDF: the job id holds characters that a shell may act on");
+    return;
+  }
+  const int digits = GetPpmFilePagesBits(pdfPath);
+  if (digits != -1) {
+    VELKA_LOG_DEBUG("temp: %s",
+                    velka::formatText("/tmp/VK_TEMP_CUPS_%s-%%.%dd.ppm", jobId, digits).text());
+    velka::copyText(velka::pageFileName(jobId, page, digits), ppmName);
+    VELKA_LOG_DEBUG("tempPPM: %s", ppmName);
+  }
+  const velka::FixedText command = velka::formatText(
+      "pdftoppm -q -aa no -aaVector no -f %d -l %d -rx %d -ry %d %s /tmp/VK_TEMP_CUPS_%s", page,
+      page, asInt(header->HWResolution[0]), asInt(header->HWResolution[1]), pdfPath, jobId);
+  // A command that was cut would write to names of another job.
+  const bool ready = !command.cut && velka::reservePageFiles(jobId, page);
+  if (!ready) {
+    VELKA_LOG_DEBUG("no page from the PDF: %s",
+                    command.cut ? "its command is too long" : "a name for its picture is taken");
+    ppmName[0] = '\0';
+  }
+  const int status = ready ? velka::runShell(command.text()) : -1;
+  if (ready) velka::removeEmptyPageFiles(jobId, page);
+  VELKA_LOG_DEBUG("system cmd: %s, ret: %d", command.text(), status);
+  VELKA_LOG_DEBUG("tempPPM: %s", ppmName);
 }
 
-int Shutdown(const char* pdfPath, ppd_file_t* ppd, cups_raster_t* raster, int fd) noexcept {
-  if (raster == nullptr) return 1;
-  if (ppd == nullptr || pdfPath == nullptr) return 0;
-  std::remove(pdfPath);
-  ppdClose(ppd);
-  cupsRasterClose(raster);
-  return fd == 0 ? 0 : close(fd);
+void InitPdfProcessOemPDEV(unsigned int stride, int width, int height) noexcept {
+  const auto rows = static_cast<uint32_t>(std::max(height, 0));
+  const uint32_t size = velka::checkedMul32(stride, rows).value_or(0);
+  g_oemPDEV.bmInfoHeader.biSizeImage = size;
+  g_oemPDEV.dwBufSize = size;
+  g_oemPDEV.bmInfoHeader.biHeight = height;
+  g_oemPDEV.bmInfoHeader.biWidth = width;
+  g_oemPDEV.srcGdiInfo.szlPhysSize = {width, height};
+  g_oemPDEV.srcGdiInfo.ulHorzRes = static_cast<uint32_t>(width);
+  g_oemPDEV.srcGdiInfo.ulVertRes = static_cast<uint32_t>(height);
+}
+
+void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
+                   cups_page_header2_t header, const char* pdfPath) noexcept {
+  PdftoppmCmd(ppmName, argv, page, &header, pdfPath);
+  unsigned char* contents = nullptr;
+  unsigned int size = 0;
+  PpmFileData(ppmName, &contents, &size);
+  const velka::MallocBytes file(contents);
+  int width = 0;
+  int height = 0;
+  const unsigned char* data = PpmBitmapData(contents, size, &width, &height);
+  VELKA_LOG_DEBUG("PPM width: %d, height: %d, pData: %p", width, height,
+                  static_cast<const void*>(data));
+  // Deliberate: a picture without pixels is left for whoever looks into it.
+  if (data == nullptr) return;
+  const auto pixels = static_cast<uint32_t>(width);
+  const uint64_t stride = velka::paddedRowBytes(pixels, header.cupsBitsPerPixel);
+  const std::span<uint8_t> bitmap = resizePage(stride, width, height);
+  const std::span<const uint8_t> picture(data, contents + size);
+  velka::storePpmRows(picture, pixels, static_cast<uint32_t>(height), bitmap, stride);
+  std::remove(ppmName);
 }

@@ -79,6 +79,23 @@ TEST(ShuttingDown, RemovesThePdfAndClosesTheDescriptor) {
   EXPECT_EQ(errno, EBADF);
 }
 
+TEST(ShuttingDown, LeavesWhatAJobIdLeadsTo) {
+  const std::string folder = "/tmp/VK_TEMP_CUPS_velka-shutdown";
+  const std::string precious = folder + "/x.pdf";
+  mkdir(folder.c_str(), 0700);
+  close(open(precious.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+  TempFile ppdFile(ppdText({}));
+  const Bytes stream = rasterStream({whitePage(rgbHeader(4, 4))});
+  TempFile rasterFile(text(stream));
+  const int fd = open(rasterFile.path().c_str(), O_RDONLY | O_CLOEXEC);
+  cups_raster_t* raster = cupsRasterOpen(fd, CUPS_RASTER_READ);
+  ASSERT_NE(raster, nullptr);
+  EXPECT_EQ(Shutdown(precious.c_str(), ppdOpenFile(ppdFile.path().c_str()), raster, fd), 0);
+  EXPECT_EQ(access(precious.c_str(), F_OK), 0);
+  unlink(precious.c_str());
+  rmdir(folder.c_str());
+}
+
 TEST(Cancelling, OnlySetsTheFlag) {
   Canceled = 0;
   CancelJob(SIGTERM);

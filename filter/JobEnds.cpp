@@ -1,0 +1,76 @@
+#include "JobEnds.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "PlainNames.h"
+#include "rastovelka.h"
+
+volatile std::sig_atomic_t Canceled = 0;
+
+namespace velka {
+
+void installSignals() noexcept {
+  struct sigaction cancel = {};
+  cancel.sa_handler = CancelJob;
+  cancel.sa_flags = SA_RESTART;
+  sigaction(SIGTERM, &cancel, nullptr);
+  struct sigaction ignore = {};
+  ignore.sa_handler = SIG_IGN;
+  sigaction(SIGPIPE, &ignore, nullptr);
+}
+
+}  // namespace velka
+
+int OpenPageStream(int argc, char* argv[], int* fd, cups_raster_t** raster) noexcept {
+  constexpr int kWithoutFile = 6;
+  constexpr int kWithFile = 7;
+  if (argv == nullptr || argv[0] == nullptr || fd == nullptr || raster == nullptr) return 1;
+  if (argc != kWithoutFile && argc != kWithFile) return 1;
+  *fd = STDIN_FILENO;
+  if (argc == kWithFile) {
+    *fd = open(argv[6], O_RDONLY | O_CLOEXEC);
+    if (*fd < 0) {
+      sleep(1);
+      return 1;
+    }
+  }
+  *raster = cupsRasterOpen(*fd, CUPS_RASTER_READ);
+  if (*raster != nullptr) return 0;
+  std::fputs("cupsRasterOpen failed.", stderr);
+  return 1;
+}
+
+void InitializeSetting(const char* options, ppd_file_t** ppd) noexcept {
+  if (ppd == nullptr) return;
+  *ppd = ppdOpenFile(std::getenv("PPD"));  // NOLINT(concurrency-mt-unsafe): one thread reads it
+  if (*ppd == nullptr) {
+    int line = 0;
+    const ppd_status_t status = ppdLastError(&line);
+    std::fputs("The PPD file could not be opened.", stderr);
+    std::fprintf(stderr, "%s on line %d.", ppdErrorString(status), line);
+    return;
+  }
+  ppdMarkDefaults(*ppd);
+  cups_option_t* jobOptions = nullptr;
+  const int count = cupsParseOptions(options, 0, &jobOptions);
+  if (count == 0 || jobOptions == nullptr) return;
+  cupsMarkOptions(*ppd, count, jobOptions);
+  cupsFreeOptions(count, jobOptions);
+}
+
+void CancelJob(int /*signal*/) noexcept {
+  Canceled = 1;
+}
+
+int Shutdown(const char* pdfPath, ppd_file_t* ppd, cups_raster_t* raster, int fd) noexcept {
+  if (raster == nullptr) return 1;
+  if (ppd == nullptr || pdfPath == nullptr) return 0;
+  if (velka::isRemovable(pdfPath)) std::remove(pdfPath);
+  ppdClose(ppd);
+  cupsRasterClose(raster);
+  return fd == 0 ? 0 : close(fd);
+}
