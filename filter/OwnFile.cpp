@@ -13,8 +13,10 @@ constexpr mode_t kOwnerOnly = 0600;
 
 using Status = struct stat;
 
+// A file that lost its name since it was opened is still ours; one with a second
+// name may be anybody's.
 bool isOwn(const Status& status) noexcept {
-  return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_nlink == 1;
+  return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_nlink <= 1;
 }
 
 UniqueFd openOwn(const char* path, int flags) noexcept {
