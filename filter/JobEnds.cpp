@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "MarkedOptions.h"
 #include "PlainNames.h"
 #include "rastovelka.h"
 
@@ -54,12 +55,7 @@ void InitializeSetting(const char* options, ppd_file_t** ppd) noexcept {
     std::fprintf(stderr, "%s on line %d.", ppdErrorString(status), line);
     return;
   }
-  ppdMarkDefaults(*ppd);
-  cups_option_t* jobOptions = nullptr;
-  const int count = cupsParseOptions(options, 0, &jobOptions);
-  if (count == 0 || jobOptions == nullptr) return;
-  cupsMarkOptions(*ppd, count, jobOptions);
-  cupsFreeOptions(count, jobOptions);
+  velka::markOptions(*ppd, options);
 }
 
 void CancelJob(int /*signal*/) noexcept {

@@ -15,6 +15,7 @@
 #include "HeaderFields.h"
 #include "InitalizeOemCfg.h"
 #include "JobEnds.h"
+#include "MarkedOptions.h"
 #include "PageFiles.h"
 #include "PlainNames.h"
 #include "PpmImage.h"
@@ -43,10 +44,6 @@ unsigned int pageAddress() noexcept {
   return static_cast<unsigned int>(reinterpret_cast<uintptr_t>(g_oemPDEV.pBufStart));
 }
 
-bool pageComesFromPdf(ppd_file_t* ppd) noexcept {
-  return ppd != nullptr && ppdIsMarked(ppd, "PdfPreprocess", "yes") != 0;
-}
-
 // A white page bitmap, or none where the header asks for more than memory or a
 // 32-bit size can hold: the page is then read and not printed.
 void allocatePage(const cups_page_header2_t& header, uint64_t stride) noexcept {
@@ -72,7 +69,7 @@ void readPage(const cups_page_header2_t& header, const PageSource& from, char* p
   const uint64_t stride = velka::paddedRowBytes(header.cupsWidth, header.cupsBitsPerPixel);
   allocatePage(header, stride);
   GetCupsRasterData(header, from.raster, from.ppd, static_cast<unsigned int>(stride));
-  if (pageComesFromPdf(from.ppd))
+  if (velka::pagesComeFromPdf(from.ppd))
     UsePdfprocess(from.ppd, ppmName, from.argv, page, header, from.pdfPath);
   VELKA_LOG_DEBUG("After getting data");
   g_oemPDEV.dwCurPageNum = static_cast<uint32_t>(page);
@@ -136,7 +133,7 @@ int RunFilter(int argc, char* argv[]) noexcept {
   EndDocOemPDEV(&g_devObj);
   // A cancelled job leaves no pictures of its pages. One that runs to its end leaves
   // those whose name it could not foresee.
-  if (Canceled != 0 && pageComesFromPdf(ppd)) velka::removePageFiles(argv[1], pages);
+  if (Canceled != 0 && velka::pagesComeFromPdf(ppd)) velka::removePageFiles(argv[1], pages);
   // Deliberate: without a PPD nothing is cleaned up.
   if (ppd != nullptr) Shutdown(pdfPath.text(), ppd, raster, fd);
   return pages == 0 ? 1 : 0;
@@ -197,7 +194,7 @@ void StartDoc(ppd_file_t* ppd, cups_page_header2_t header) noexcept {
 
 void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_file_t* ppd,
                        unsigned int stride) noexcept {
-  const bool onlyConsume = pageComesFromPdf(ppd) || g_oemPDEV.pBufStart == nullptr;
+  const bool onlyConsume = velka::pagesComeFromPdf(ppd) || g_oemPDEV.pBufStart == nullptr;
   const velka::MallocBytes line = velka::zeroedBytes(header.cupsBytesPerLine);
   const unsigned int rows = line == nullptr || raster == nullptr ? 0 : header.cupsHeight;
   for (unsigned int row = 0; row < rows; ++row) {

@@ -37,6 +37,8 @@ $(cupstestppd -I filters -W sizes "$ppd" || true)"
 has_line "*cupsModelNumber: $model"
 has_line "*cupsManualCopies: $manual_copies"
 has_line '*cupsFilter: "application/vnd.cups-raster 0 rastovelka"'
+has_line '*cupsPreFilter: "application/vnd.cups-pdf 0 velkapdfcopy"'
+has_line '*cupsPreFilter: "image/png 0 velkapdfcopy"'
 has_line '*HWMargins: 0 0 0 0'
 
 option PdfPreprocess 0

@@ -1,0 +1,58 @@
+// The PDF copy of a job under /tmp, where the printing filter expects it.
+#pragma once
+
+#include <signal.h>
+#include <sys/types.h>
+
+#include "FixedText.h"
+#include "OwnFile.h"
+
+namespace velka {
+
+/// One job's copy while it is made. At most one lives at a time, because SIGTERM has
+/// to find it. Goes with all it made unless it was kept.
+class CopyFile {
+ public:
+  /// Makes the file, mode 0600, under a name that nobody knows.
+  explicit CopyFile(const char* jobId) noexcept;
+  ~CopyFile();
+  CopyFile(const CopyFile&) = delete;
+  CopyFile& operator=(const CopyFile&) = delete;
+
+  /// Whether the file could be made; errno says why not.
+  [[nodiscard]] explicit operator bool() const noexcept { return static_cast<bool>(file_); }
+  [[nodiscard]] int descriptor() const noexcept { return file_.get(); }
+  [[nodiscard]] const char* name() const noexcept { return name_.text(); }
+
+  /// Gives the file its name, in one step and only where that is free. Returns
+  /// whether it has it; errno says why not.
+  [[nodiscard]] bool publish() noexcept;
+
+  /// The copy is the printing filter's from here on.
+  void keep() noexcept;
+
+ private:
+  FixedText name_;
+  UniqueFd file_;
+};
+
+/// Lets SIGTERM end the process at once with status 1, the copy removed and the
+/// process named by `endWithJob` told to end too. SIGPIPE is ignored.
+void installCopySignals() noexcept;
+
+/// The process that SIGTERM is passed on to; 0 for none.
+void endWithJob(pid_t child) noexcept;
+
+/// Holds SIGTERM back while it lives.
+class SignalsHeldBack {
+ public:
+  SignalsHeldBack() noexcept;
+  ~SignalsHeldBack();
+  SignalsHeldBack(const SignalsHeldBack&) = delete;
+  SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
+
+ private:
+  sigset_t before_ = {};
+};
+
+}  // namespace velka

@@ -1,0 +1,154 @@
+#include "PdfCopy.h"
+
+#include <cups/ppd.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "CopyFile.h"
+#include "FilterMessages.h"
+#include "MarkedOptions.h"
+#include "PictureToPdf.h"
+#include "PlainNames.h"
+#include "Spool.h"
+#include "StandardDescriptors.h"
+
+namespace velka {
+namespace {
+
+struct PpdCloser {
+  void operator()(ppd_file_t* ppd) const noexcept { ppdClose(ppd); }
+};
+
+// As the printing filter decides it: without a PPD the pages come from the raster.
+bool copyIsWanted(const char* options) noexcept {
+  const char* path = std::getenv("PPD");  // NOLINT(concurrency-mt-unsafe): one thread reads it
+  const std::unique_ptr<ppd_file_t, PpdCloser> ppd(ppdOpenFile(path));
+  if (ppd == nullptr) return false;
+  markOptions(ppd.get(), options);
+  return pagesComeFromPdf(ppd.get());
+}
+
+int statusOf(Passage passage) {
+  switch (passage) {
+    case Passage::CannotRead:
+      tellSystemError("Cannot read the job");
+      return 1;
+    case Passage::CannotWrite:
+      tellSystemError("Cannot pass the job on");
+      return 1;
+    case Passage::Complete:
+      break;
+  }
+  return 0;
+}
+
+// Readers of PDF look for the header in this many bytes.
+constexpr size_t kHeadSize = 1024;
+
+bool isPdf(const std::string& head) noexcept {
+  return head.find("%PDF-") != std::string::npos;
+}
+
+bool copied(Passage passage, const CopyFile& copy) {
+  if (passage == Passage::CannotRead) tellSystemError("Cannot read the job");
+  if (passage == Passage::CannotWrite)
+    tellSystemError(std::string("Cannot write the PDF copy ") + copy.name());
+  return passage == Passage::Complete;
+}
+
+bool published(CopyFile& copy) {
+  if (copy.publish()) {
+    tellScheduler(MessageLevel::Debug, std::string("The PDF copy of the job is ") + copy.name());
+    return true;
+  }
+  if (errno == EEXIST) {
+    tellScheduler(MessageLevel::Error, std::string(copy.name()) +
+                                           " is there already and not replaced: the job's pages "
+                                           "would come from it");
+  } else {
+    tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
+  }
+  return false;
+}
+
+// Leaves the copy and opens what goes to the next filter.
+UniqueFd copyOfPdf(const std::string& head, int input, CopyFile& copy) {
+  UniqueFd original(fcntl(copy.descriptor(), F_DUPFD_CLOEXEC, 0));
+  const bool whole = copied(passOn(head, input, copy.descriptor()), copy) && published(copy);
+  return whole ? std::move(original) : UniqueFd();
+}
+
+UniqueFd copyOfPicture(const std::string& head, int input, char* argv[], CopyFile& copy) {
+  UniqueFd original = namelessFile();
+  if (!original || passOn(head, input, original.get()) != Passage::Complete ||
+      lseek(original.get(), 0, SEEK_SET) != 0) {
+    tellSystemError("Cannot store the picture");
+    return UniqueFd();
+  }
+  tellScheduler(MessageLevel::Info, "Making a PDF of the picture");
+  const bool whole = makePdfOfPicture(argv, original.get(), copy.descriptor()) && published(copy);
+  return whole ? std::move(original) : UniqueFd();
+}
+
+int passOnWithCopy(int input, char* argv[]) {
+  if (!isPlainName(argv[1])) {
+    tellScheduler(MessageLevel::Error,
+                  "No PDF copy: the job id holds characters that are kept out of file names");
+    return 1;
+  }
+  const std::string head = readHead(input, kHeadSize);
+  if (head.empty()) {
+    if (errno != 0) return statusOf(Passage::CannotRead);
+    tellScheduler(MessageLevel::Debug, "No PDF copy: the job is empty");
+    return 0;
+  }
+  CopyFile copy(argv[1]);
+  if (!copy) {
+    tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
+    return 1;
+  }
+  const UniqueFd original =
+      isPdf(head) ? copyOfPdf(head, input, copy) : copyOfPicture(head, input, argv, copy);
+  if (!original) return 1;
+  lseek(original.get(), 0, SEEK_SET);
+  const int status = statusOf(passOn(original.get(), STDOUT_FILENO));
+  if (status == 0) copy.keep();
+  return status;
+}
+
+int passOnJob(int argc, char* argv[]) {
+  constexpr int kWithoutFile = 6;
+  constexpr int kWithFile = 7;
+  if (argc != kWithoutFile && argc != kWithFile) {
+    tellScheduler(MessageLevel::Error,
+                  "Usage: velkapdfcopy job-id user title copies options [file]");
+    return 1;
+  }
+  const UniqueFd input(argc == kWithFile ? open(argv[6], O_RDONLY | O_CLOEXEC)
+                                         : fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
+  if (!input) {
+    tellSystemError("Cannot open " + std::string(argc == kWithFile ? argv[6] : "standard input"));
+    return 1;
+  }
+  if (copyIsWanted(argv[5])) return passOnWithCopy(input.get(), argv);
+  tellScheduler(MessageLevel::Debug, "No PDF copy: the pages come from the raster");
+  return statusOf(passOn(input.get(), STDOUT_FILENO));
+}
+
+}  // namespace
+
+int runPdfCopy(int argc, char* argv[]) noexcept try {
+  fillStandardDescriptors();
+  installCopySignals();
+  return passOnJob(argc, argv);
+} catch (const std::bad_alloc&) {
+  return 1;
+}
+
+}  // namespace velka

@@ -1,0 +1,99 @@
+#include "PictureToPdf.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+
+#include "CopyFile.h"
+#include "FilterMessages.h"
+
+namespace velka {
+namespace {
+
+std::string converter() {
+  const char* folder = std::getenv("CUPS_SERVERBIN");  // NOLINT(concurrency-mt-unsafe): one thread
+  return folder == nullptr ? std::string() : std::string(folder) + "/filter/imagetopdf";
+}
+
+// The picture is its standard input, the PDF its standard output; signals are as
+// the scheduler hands them to a filter.
+struct SpawnSettings {
+  SpawnSettings(int picture, int pdf) noexcept {
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_adddup2(&files, picture, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files, pdf, STDOUT_FILENO);
+    posix_spawnattr_init(&attributes);
+    sigset_t signals = {};
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(&attributes, &signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGPIPE);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  }
+  ~SpawnSettings() {
+    posix_spawn_file_actions_destroy(&files);
+    posix_spawnattr_destroy(&attributes);
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+  posix_spawn_file_actions_t files = {};
+  posix_spawnattr_t attributes = {};
+};
+
+// Its process id, or 0 with errno set.
+pid_t start(const std::string& program, char* const argv[], int picture, int pdf) {
+  constexpr size_t kArgumentsWithoutFile = 6;
+  std::array<char*, kArgumentsWithoutFile + 1> arguments = {};
+  for (size_t i = 0; i < kArgumentsWithoutFile; ++i) arguments[i] = argv[i];
+  const SpawnSettings settings(picture, pdf);
+  pid_t child = 0;
+  errno = posix_spawn(&child, program.c_str(), &settings.files, &settings.attributes,
+                      arguments.data(), environ);
+  return errno == 0 ? child : 0;
+}
+
+// Its exit status, or 128 and the signal that ended it.
+int waitFor(pid_t child) noexcept {
+  constexpr int kBySignal = 128;
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+  return WIFSIGNALED(status) ? kBySignal + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+}  // namespace
+
+bool makePdfOfPicture(char* const argv[], int picture, int pdf) {
+  const std::string program = converter();
+  if (program.empty()) {
+    tellScheduler(MessageLevel::Error,
+                  "CUPS_SERVERBIN is not set, so no PDF can be made of the picture");
+    return false;
+  }
+  pid_t child = 0;
+  {
+    // So that SIGTERM never misses a child that has just been started.
+    const SignalsHeldBack held;
+    child = start(program, argv, picture, pdf);
+    endWithJob(child);
+  }
+  if (child == 0) {
+    tellSystemError("Cannot run " + program);
+    return false;
+  }
+  const int status = waitFor(child);
+  endWithJob(0);
+  if (status == 0) return true;
+  tellScheduler(MessageLevel::Error,
+                program + " made no PDF of the picture, its status is " + std::to_string(status));
+  return false;
+}
+
+}  // namespace velka
