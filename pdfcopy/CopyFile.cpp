@@ -83,6 +83,7 @@ void installCopySignals() noexcept {
   struct sigaction ignore = {};
   ignore.sa_handler = SIG_IGN;
   sigaction(SIGPIPE, &ignore, nullptr);
+  sigaction(SIGXFSZ, &ignore, nullptr);
 }
 
 void endWithJob(pid_t child) noexcept {

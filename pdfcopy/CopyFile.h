@@ -37,7 +37,8 @@ class CopyFile {
 };
 
 /// Lets SIGTERM end the process at once with status 1, the copy removed and the
-/// process named by `endWithJob` told to end too. SIGPIPE is ignored.
+/// process named by `endWithJob` told to end too. A closed pipe and a
+/// file that may not grow are errors of the write, no signals.
 void installCopySignals() noexcept;
 
 /// The process that SIGTERM is passed on to; 0 for none.
