@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# install-packages.sh [--lint]: installs what this system is built, tested and
+# install-packages.sh [--lint | --bench]: installs what this system is built, tested and
 # shown with on Debian 12, and does nothing when all of it is there already.
 set -euo pipefail
 
@@ -15,9 +15,10 @@ packages=(
 
 case "${1:-}" in
   '') ;;
-  --lint) packages+=(clang-format clang-tidy) ;;
+  --lint) packages+=(clang-format clang-tidy libbenchmark-dev) ;;
+  --bench) packages+=(libbenchmark-dev valgrind printer-driver-gutenprint) ;;
   *)
-    echo "usage: $0 [--lint]" >&2
+    echo "usage: $0 [--lint | --bench]" >&2
     exit 2
     ;;
 esac
