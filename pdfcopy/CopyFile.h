@@ -1,8 +1,9 @@
 // The PDF copy of a job under /tmp, where the printing filter expects it.
 #pragma once
 
-#include <signal.h>
 #include <sys/types.h>
+
+#include <csignal>
 
 #include "FixedText.h"
 #include "OwnFile.h"
