@@ -1,0 +1,107 @@
+# What `cmake --install` puts where, and the target `uninstall`.
+#
+# The filters and the printer descriptions go to the folders of CUPS that is on
+# this machine. They are written relative to the prefix, so that packages and
+# tests may install elsewhere; without a prefix of the user's own the prefix is
+# the one that CUPS lives in.
+
+include(GNUInstallDirs)
+
+# cups_folder(NAME PKG-CONFIG-VARIABLE CUPS-CONFIG-OPTION FALLBACK)
+function(cups_folder name variable option fallback)
+  set(folder "")
+  if(CUPS_FOUND)
+    pkg_get_variable(folder cups ${variable})
+  endif()
+  find_program(CUPS_CONFIG cups-config)
+  if(NOT folder AND CUPS_CONFIG)
+    execute_process(COMMAND ${CUPS_CONFIG} ${option}
+      OUTPUT_VARIABLE folder OUTPUT_STRIP_TRAILING_WHITESPACE)
+  endif()
+  if(NOT folder)
+    set(folder ${fallback})
+  endif()
+  set(${name} ${folder} PARENT_SCOPE)
+endfunction()
+
+cups_folder(cups_serverbin cups_serverbin --serverbin /usr/lib/cups)
+cups_folder(cups_datadir cups_datadir --datadir /usr/share/cups)
+
+# The deepest folder that both lie in.
+set(cups_prefix ${cups_serverbin})
+cmake_path(IS_PREFIX cups_prefix ${cups_datadir} NORMALIZE holds_both)
+while(NOT holds_both)
+  cmake_path(GET cups_prefix PARENT_PATH cups_prefix)
+  cmake_path(IS_PREFIX cups_prefix ${cups_datadir} NORMALIZE holds_both)
+endwhile()
+cmake_path(RELATIVE_PATH cups_serverbin BASE_DIRECTORY ${cups_prefix} OUTPUT_VARIABLE serverbin)
+cmake_path(RELATIVE_PATH cups_datadir BASE_DIRECTORY ${cups_prefix} OUTPUT_VARIABLE datadir)
+
+set(VELKA_CUPS_SERVERBIN ${serverbin} CACHE STRING
+  "Folder of CUPS's programs, relative to the install prefix or absolute")
+set(VELKA_CUPS_DATADIR ${datadir} CACHE STRING
+  "Folder of CUPS's data, relative to the install prefix or absolute")
+if(CMAKE_INSTALL_PREFIX_INITIALIZED_TO_DEFAULT)
+  set(CMAKE_INSTALL_PREFIX ${cups_prefix} CACHE PATH "Install prefix" FORCE)
+endif()
+
+# Modes do not depend on the umask: CUPS refuses filters that others may write, and
+# runs them as a user who must get at them.
+set(program_modes OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+  WORLD_READ WORLD_EXECUTE)
+set(data_modes OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+
+set(filter_folder ${VELKA_CUPS_SERVERBIN}/filter)
+# What a .drv includes must lie apart from it: CUPS takes any file under drv for one.
+set(drv_folder ${VELKA_CUPS_DATADIR}/drv)
+set(defs_folder ${VELKA_CUPS_DATADIR}/ppdc/velka)
+set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
+set(doc_folder ${CMAKE_INSTALL_DOCDIR})
+set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
+file(GLOB definitions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/ppd/velka/*.defs)
+file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+
+set(folders ${filter_folder} ${drv_folder} ${defs_folder} ${doc_folder}/docs)
+if(VELKA_BUILD_PPDS)
+  list(APPEND folders ${model_folder})
+endif()
+if(man_pages)
+  list(APPEND folders ${man_folder})
+endif()
+# Before any file: folders that are missing would get the modes of the umask.
+install(CODE "set(folders \"${folders}\")
+set(filters \"${filter_folder}\")
+set(cups_filters \"${cups_serverbin}/filter\")")
+install(SCRIPT cmake/BeforeInstall.cmake)
+
+# install_data(FOLDER FILE...)
+function(install_data folder)
+  install(FILES ${ARGN} DESTINATION ${folder} PERMISSIONS ${data_modes})
+endfunction()
+
+foreach(program rastovelka velkapdfcopy)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION ${filter_folder}
+      PERMISSIONS ${program_modes})
+  endif()
+endforeach()
+
+install_data(${drv_folder} ${PROJECT_SOURCE_DIR}/ppd/velka.drv)
+install_data(${defs_folder} ${definitions})
+if(VELKA_BUILD_PPDS)
+  install_data(${model_folder}
+    ${PROJECT_BINARY_DIR}/ppd/velka-standard.ppd ${PROJECT_BINARY_DIR}/ppd/velka-orlo.ppd)
+endif()
+install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md)
+install_data(${doc_folder}/docs ${documents})
+if(man_pages)
+  install_data(${man_folder} ${man_pages})
+endif()
+install(SCRIPT cmake/AfterInstall.cmake)
+
+add_custom_target(uninstall
+  COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+    -P ${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake
+  COMMENT "Removing what was installed"
+  VERBATIM)

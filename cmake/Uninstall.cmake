@@ -1,0 +1,40 @@
+# Removes what MANIFEST lists, below DESTDIR when that is set, and those folders
+# that are ours alone and empty then. What is gone already is no error.
+
+# Our own folders are named velka, or stand in one that is.
+function(remove_own_folder folder)
+  while(folder MATCHES "/velka(/[^/]*)?$" AND IS_DIRECTORY "${folder}")
+    execute_process(COMMAND rmdir "${folder}" RESULT_VARIABLE status ERROR_QUIET)
+    if(NOT status EQUAL 0)
+      return()
+    endif()
+    message("removed ${folder}")
+    cmake_path(GET folder PARENT_PATH folder)
+  endwhile()
+endfunction()
+
+set(installed "")
+if(EXISTS "${MANIFEST}")
+  file(STRINGS "${MANIFEST}" installed)
+endif()
+
+set(removed 0)
+set(folders "")
+foreach(entry IN LISTS installed)
+  set(file "$ENV{DESTDIR}${entry}")
+  cmake_path(GET file PARENT_PATH folder)
+  list(APPEND folders "${folder}")
+  if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+    execute_process(COMMAND rm -f -- "${file}" COMMAND_ERROR_IS_FATAL ANY)
+    message("removed ${file}")
+    math(EXPR removed "${removed} + 1")
+  endif()
+endforeach()
+
+list(REMOVE_DUPLICATES folders)
+foreach(folder IN LISTS folders)
+  remove_own_folder("${folder}")
+endforeach()
+if(removed EQUAL 0)
+  message("nothing to remove")
+endif()
