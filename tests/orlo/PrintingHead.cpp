@@ -69,6 +69,7 @@ class Printer {
         break;
       case 0x0C:
         ++paper_.pages;
+        newSheet_ = true;
         row_ = 0;
         column_ = 0;
         break;
@@ -82,6 +83,12 @@ class Printer {
 
   void escape() {
     switch (take()) {
+      case '@':
+      case '2':
+        break;
+      case 'C':
+        take();
+        break;
       case '(':
         parenthesis();
         break;
@@ -132,9 +139,17 @@ class Printer {
       if ((bits & (0x80U >> static_cast<unsigned>(i))) == 0) continue;
       const Nozzle nozzle = nozzleOf(firstBit + i, feed_);
       const Dot dot = {row_ + nozzle.slot * (kUnitsPerInch / pitch.dots), column_};
-      (nozzle.red ? paper_.red : paper_.black).insert(dot);
+      if (newSheet_) takeSheet();
+      const bool isNew = (nozzle.red ? paper_.red : paper_.black).insert(dot).second;
+      (nozzle.red ? paper_.redDots : paper_.blackDots) += isNew ? 1 : 0;
       ++paper_.strikes;
     }
+  }
+
+  void takeSheet() {
+    newSheet_ = false;
+    paper_.black.clear();
+    paper_.red.clear();
   }
 
   std::span<const uint8_t> stream_;
@@ -144,6 +159,7 @@ class Printer {
   int64_t unit_ = 10;
   int64_t row_ = 0;
   int64_t column_ = 0;
+  bool newSheet_ = false;
 };
 
 }  // namespace
