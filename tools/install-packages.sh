@@ -7,7 +7,7 @@ packages=(
   g++ cmake ninja-build pkg-config      # build
   libcups2-dev libcupsimage2-dev        # raster and PPD interfaces, cups-config
   cups-ppdc cups-client                 # ppdc, cupstestppd
-  cups cups-filters ghostscript         # the chain in front of the filter
+  cups cups-filters ghostscript         # the chain in front of the filter, cupsd
   cups-filters-core-drivers             # pdftopdf, pdftoraster
   poppler-utils                         # pdftoppm, pdfinfo
   libgtest-dev libgmock-dev             # tests

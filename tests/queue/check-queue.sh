@@ -25,4 +25,7 @@ add_queues
 make_documents
 "check_$2"
 stop_server
+for queue in "${queues[@]}"; do
+  wait_until "nothing runs for $queue" no_process_of "$queue"
+done
 ((failures == 0))
