@@ -95,6 +95,7 @@ TEXT
   cat >"$work/etc/cupsd.conf" <<TEXT
 LogLevel debug
 MaxLogSize 0
+ServerName localhost
 Listen $work/socket
 Browsing Off
 WebInterface No
