@@ -10,6 +10,7 @@ packages=(
   cups cups-filters ghostscript         # the chain in front of the filter, cupsd
   cups-filters-core-drivers             # pdftopdf, pdftoraster
   poppler-utils                         # pdftoppm, pdfinfo
+  libcairo2-dev libpng-dev              # pictures of pages
   libgtest-dev libgmock-dev             # tests
 )
 

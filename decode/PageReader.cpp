@@ -1,0 +1,37 @@
+#include "PageReader.h"
+
+namespace velka::decode {
+
+std::optional<Page> PageReader::next() {
+  if (done_) return std::nullopt;
+  Page page;
+  bool first = true;
+  while (const auto command = reader_.next()) {
+    if (first) page.offset = command->offset;
+    first = false;
+    if (command->kind == CommandKind::BitImage && !command->data.empty()) {
+      page.blocks.push_back({carriage_.x, carriage_.y, command->mode, carriage_.colour,
+                             command->data, command->offset});
+    }
+    page.lines = carriage_.lines;
+    page.headY = carriage_.y;
+    carriage_.apply(*command);
+    if (command->kind == CommandKind::FormFeed) {
+      page.ended = true;
+      return page;
+    }
+  }
+  return last(std::move(page));
+}
+
+std::optional<Page> PageReader::last(Page page) {
+  done_ = true;
+  fault_ = reader_.fault();
+  page.lines = carriage_.lines;
+  page.headY = carriage_.y;
+  if (page.blocks.empty()) return std::nullopt;
+  if (!fault_) fault_ = Fault{size_, "the stream ends inside a page"};
+  return page;
+}
+
+}  // namespace velka::decode

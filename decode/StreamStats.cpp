@@ -1,0 +1,145 @@
+#include "StreamStats.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "Carriage.h"
+#include "DotGrid.h"
+#include "PageReader.h"
+
+namespace velka::decode {
+namespace {
+
+// The moves inside a band (odd rows, red over black) are one dot of at most 1/60
+// inch; the head's 24 pins are at least 48/360 inch high.
+constexpr int64_t kBandStep = kUnitsPerInch / 15;
+
+// Follows the head and adds up where it goes. A pass starts at its nearer end.
+class Tally {
+ public:
+  Tally(StreamStats& stats, Model model, const Speeds& speeds)
+      : stats_(stats), model_(model), speeds_(speeds) {}
+
+  void take(const Command& command) {
+    const Carriage before = carriage_;
+    carriage_.apply(command);
+    if (command.kind == CommandKind::BitImage) {
+      block(command, before);
+    } else if (command.kind == CommandKind::FormFeed) {
+      endPage(before);
+    } else if (command.kind == CommandKind::PaperMove ||
+               command.kind == CommandKind::PaperAdvance) {
+      move(carriage_.y - before.y + lost(command));
+    } else if (command.kind == CommandKind::Colour && before.colour != command.value) {
+      endPass();
+    }
+  }
+
+  void finish() { endPass(); }
+
+ private:
+  // What a long move overwrote is more than a band, for all that is left of it.
+  static int64_t lost(const Command& command) { return command.overwritten > 0 ? kBandStep : 0; }
+
+  void move(int64_t units) {
+    endPass();
+    ++stats_.paperMoves;
+    (units < 0 ? stats_.movedBack : stats_.movedOn) += std::abs(units);
+    sinceBlock_ += units;
+    feed(units);
+  }
+
+  void feed(int64_t units) { stats_.seconds += millimetres(std::abs(units)) / speeds_.feed; }
+
+  void block(const Command& command, const Carriage& at) {
+    ++stats_.blocks;
+    if (!pageHasBlocks_ || std::abs(sinceBlock_) >= kBandStep) ++stats_.bands;
+    pageHasBlocks_ = true;
+    sinceBlock_ = 0;
+    const Block struck{at.x, at.y, command.mode, at.colour, command.data, command.offset};
+    forEachDot(struck, model_,
+               [&](Ink ink, int64_t, int64_t) { ++stats_.dots.at(static_cast<size_t>(ink)); });
+    left_ = inPass_ ? std::min(left_, at.x) : at.x;
+    right_ = inPass_ ? std::max(right_, carriage_.x) : carriage_.x;
+    inPass_ = true;
+  }
+
+  void endPass() {
+    if (!inPass_) return;
+    inPass_ = false;
+    ++stats_.passes;
+    const bool fromLeft = std::abs(head_ - left_) <= std::abs(head_ - right_);
+    const int64_t way = std::abs(head_ - (fromLeft ? left_ : right_)) + (right_ - left_);
+    stats_.seconds += millimetres(way) / speeds_.head;
+    head_ = fromLeft ? right_ : left_;
+  }
+
+  void endPage(const Carriage& before) {
+    endPass();
+    ++stats_.pages;
+    pageHasBlocks_ = false;
+    const int64_t form = int64_t{before.lines} * (kUnitsPerInch / 6);
+    feed(std::max<int64_t>(0, form - before.y));
+  }
+
+  StreamStats& stats_;
+  Model model_;
+  Speeds speeds_;
+  Carriage carriage_;
+  int64_t sinceBlock_ = 0;
+  int64_t head_ = 0;
+  int64_t left_ = 0;
+  int64_t right_ = 0;
+  bool inPass_ = false;
+  bool pageHasBlocks_ = false;
+};
+
+// Areas; pages of one job may have cells of different sizes.
+struct Covered {
+  std::array<double, 2> inked{};
+  double all = 0;
+};
+
+bool addCovered(const Page& page, Model model, int64_t width, Covered& covered) {
+  if (page.lines == 0) return false;
+  Grid grid;
+  grid.add(page);
+  const auto counts = countCells(page, model, grid, width, formLength(page));
+  if (!counts) return false;
+  const auto area = static_cast<double>(grid.cell() * grid.cell());
+  for (size_t ink = 0; ink < counts->size(); ++ink) {
+    covered.inked.at(ink) += static_cast<double>(counts->at(ink)) * area;
+  }
+  covered.all += static_cast<double>(cellsIn(grid, width, formLength(page))) * area;
+  return true;
+}
+
+std::optional<std::array<double, 2>> coverageOf(Bytes stream, Model model, int64_t width) {
+  PageReader reader(stream, model);
+  Covered covered;
+  while (const auto page = reader.next()) {
+    if (!addCovered(*page, model, width, covered)) return std::nullopt;
+  }
+  if (covered.all == 0) return std::nullopt;
+  return std::array{covered.inked[0] / covered.all, covered.inked[1] / covered.all};
+}
+
+}  // namespace
+
+StreamStats readStats(Bytes stream, Model model, const Speeds& speeds, int64_t paperWidth) {
+  StreamStats stats;
+  stats.bytes = stream.size();
+  Tally tally(stats, model, speeds);
+  CommandReader reader(stream, isOrlo(model));
+  while (const auto command = reader.next()) tally.take(*command);
+  tally.finish();
+  stats.coverage = coverageOf(stream, model, paperWidth);
+  PageReader pages(stream, model);
+  while (pages.next()) {
+  }
+  stats.fault = pages.fault();
+  return stats;
+}
+
+}  // namespace velka::decode

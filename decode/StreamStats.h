@@ -1,0 +1,42 @@
+// What a stream holds, in numbers.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "CommandReader.h"
+#include "Head.h"
+
+namespace velka::decode {
+
+/// How fast a printer moves, in millimetres a second, both above 0. An estimate:
+/// neither speeding up nor turning round is counted.
+struct Speeds {
+  double head = 300;  ///< across, printing or not
+  double feed = 100;  ///< along the paper
+};
+
+struct StreamStats {
+  uint64_t bytes = 0;
+  uint64_t pages = 0;              ///< form feeds
+  uint64_t bands = 0;              ///< stretches printed without a move of a band's height
+  uint64_t blocks = 0;             ///< bit images
+  std::array<uint64_t, 2> dots{};  ///< struck, black and red; one struck twice counts twice
+  uint64_t passes = 0;             ///< runs of the head in one colour without a paper move
+  uint64_t paperMoves = 0;         ///< forward and back, form feeds apart
+  int64_t movedOn = 0;             ///< units
+  int64_t movedBack = 0;           ///< units
+  double seconds = 0;              ///< estimate of the printing time
+  /// Share of the cells of all forms that hold black and red, of 1; none where a
+  /// form's size is not known or a page is too large to draw.
+  std::optional<std::array<double, 2>> coverage;
+  std::optional<Fault> fault;  ///< the numbers count what stands before it
+};
+
+/// Reads a whole stream. `paperWidth` in units, for the coverage.
+[[nodiscard]] StreamStats readStats(Bytes stream, Model model, const Speeds& speeds,
+                                    int64_t paperWidth);
+
+}  // namespace velka::decode

@@ -1,0 +1,65 @@
+// The command line.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "Head.h"
+#include "StreamStats.h"
+
+namespace velka::view {
+
+enum class Action : uint8_t { Draw, List, Stats, Diff, Sheet };
+enum class Format : uint8_t { Png, Pdf };
+
+/// Pages from 1, both ends included.
+struct PageRange {
+  uint64_t first = 1;
+  uint64_t last = UINT64_MAX;
+
+  [[nodiscard]] bool holds(uint64_t page) const { return page >= first && page <= last; }
+};
+
+struct Arguments {
+  Action action = Action::Draw;
+  std::vector<std::string> files;  ///< "-" is standard input; none with `from`
+  std::string from;                ///< a PDF to print first; empty: none
+  std::string ppd;
+  std::string options;
+  std::string sheetOption;
+  std::vector<std::string> sheetValues;
+  std::optional<decode::Model> model;
+  std::optional<double> scale;
+  std::optional<double> dpi;
+  std::optional<double> width;  ///< millimetres
+  std::optional<PageRange> pages;
+  std::optional<Format> format;
+  std::string output;  ///< "-" is standard output; empty: named after the input
+  bool pins = false;
+  decode::Speeds speeds;
+};
+
+/// A line asked for with --help or --version, to be printed and done with.
+struct Answer {
+  std::string text;
+};
+
+/// What is wrong with the command line.
+struct UsageError {
+  std::string text;
+};
+
+/// Reads the arguments that main() was given.
+[[nodiscard]] std::variant<Arguments, Answer, UsageError> readArguments(int argc, char** argv);
+
+/// What --help prints, and --version.
+[[nodiscard]] std::string helpText();
+[[nodiscard]] std::string versionText();
+
+/// PNG or PDF: as stated, else by the output's name.
+[[nodiscard]] Format formatOf(const Arguments& arguments);
+
+}  // namespace velka::view

@@ -1,0 +1,102 @@
+// The view of two streams.
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <numeric>
+#include <utility>
+
+#include "Difference.h"
+#include "Gallery.h"
+#include "Report.h"
+#include "Views.h"
+
+namespace velka::view {
+namespace {
+
+std::string inkText(const InkChange& change) {
+  return std::to_string(change.same) + " the same, " + std::to_string(change.first) +
+         " only in the first, " + std::to_string(change.second) + " only in the second";
+}
+
+void printChange(std::FILE* to, const std::string& what, const Change& change) {
+  (void)std::fprintf(to, "%s: black dots: %s\n", what.c_str(), inkText(change[0]).c_str());
+  (void)std::fprintf(to, "%s: red dots: %s\n", what.c_str(), inkText(change[1]).c_str());
+}
+
+// Both streams' pages side by side, the shorter one's followed by nothing.
+class Comparison {
+ public:
+  Comparison(const Arguments& arguments, Stream& first, Stream& second)
+      : arguments_(arguments),
+        first_(first),
+        second_(second),
+        text_(arguments.output == "-" ? stderr : stdout) {}
+
+  int run() {
+    const Survey one = survey(first_);
+    const Survey other = survey(second_);
+    uint64_t chosen = 0;
+    const uint64_t pages = std::max(one.pages, other.pages);
+    if (auto problem = choosePages(arguments_, pages, chosen)) return fail(*problem);
+    view_ = paperView(arguments_, first_, one);
+    view_.grid.step = std::gcd(one.grid.step, other.grid.step);
+    view_.grid.down = std::gcd(one.grid.down, other.grid.down);
+    view_.width = std::max(view_.width, paperWidth(arguments_, second_, other.right));
+    (void)std::fprintf(text_, "pages: %" PRIu64 " in the first, %" PRIu64 " in the second\n",
+                       one.pages, other.pages);
+    Gallery gallery(arguments_, first_.stem + "-" + second_.stem + "-diff", chosen == 1);
+    const int status = compareAll(gallery);
+    printChange(text_, "all", total_);
+    return status;
+  }
+
+ private:
+  int compareAll(Gallery& gallery) {
+    decode::PageReader firstReader(first_.bytes, first_.model);
+    decode::PageReader secondReader(second_.bytes, second_.model);
+    const PageRange range = arguments_.pages.value_or(PageRange{});
+    int status = kDone;
+    for (uint64_t number = 1;; ++number) {
+      const auto one = firstReader.next();
+      const auto other = secondReader.next();
+      if (!one && !other) break;
+      if (!range.holds(number)) continue;
+      status = std::max(status, comparePair(one.value_or(decode::Page{}),
+                                            other.value_or(decode::Page{}), number, gallery));
+    }
+    if (auto problem = gallery.finish()) status = fail(*problem);
+    status = finish(first_, firstReader.fault(), status);
+    return finish(second_, secondReader.fault(), status);
+  }
+
+  int comparePair(const decode::Page& one, const decode::Page& other, uint64_t number,
+                  Gallery& gallery) {
+    Change change;
+    Drawing drawing = comparePages({one, other}, view_, {first_.model, second_.model}, change);
+    const std::string name = "page " + std::to_string(number);
+    if (const auto* why = std::get_if<std::string>(&drawing)) return fail(name + ": " + *why);
+    printChange(text_, name, change);
+    for (size_t ink = 0; ink < change.size(); ++ink) total_.at(ink).add(change.at(ink));
+    const auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number);
+    return problem ? fail(*problem) : kDone;
+  }
+
+  const Arguments& arguments_;
+  Stream& first_;
+  Stream& second_;
+  std::FILE* text_;
+  PaperView view_;
+  Change total_;
+};
+
+}  // namespace
+
+int tellDifference(const Arguments& arguments) {
+  Stream first;
+  Stream second;
+  if (auto problem = loadStream(arguments, 0, first)) return fail(*problem);
+  if (auto problem = loadStream(arguments, 1, second)) return fail(*problem);
+  return flushed(Comparison(arguments, first, second).run());
+}
+
+}  // namespace velka::view

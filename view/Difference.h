@@ -1,0 +1,39 @@
+// Two streams on one sheet of paper.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "Picture.h"
+#include "Stream.h"
+
+namespace velka::view {
+
+/// Dots of one ink, struck twice or not.
+struct InkChange {
+  uint64_t same = 0;
+  uint64_t first = 0;   ///< only in the first stream
+  uint64_t second = 0;  ///< only in the second
+
+  [[nodiscard]] bool none() const { return first == 0 && second == 0; }
+  void add(const InkChange& other);
+};
+using Change = std::array<InkChange, 2>;  ///< black, red
+
+inline constexpr uint32_t kPaleBlack = 0xC8C8C8;
+inline constexpr uint32_t kPaleRed = 0xFFC8C8;
+inline constexpr uint32_t kOnlyFirst = 0x0040FF;
+inline constexpr uint32_t kOnlySecond = 0x00A000;
+
+/// A page of each stream; one that is not there has no dots.
+struct PagePair {
+  const decode::Page& first;
+  const decode::Page& second;
+};
+
+/// Counts what changed. `view` holds both streams' grid and width, `models` which
+/// head printed which. The picture's resolution is the streams' own.
+[[nodiscard]] Drawing comparePages(const PagePair& pages, const PaperView& view,
+                                   const std::array<decode::Model, 2>& models, Change& change);
+
+}  // namespace velka::view

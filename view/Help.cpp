@@ -1,0 +1,48 @@
+#include "Arguments.h"
+
+namespace velka::view {
+
+std::string helpText() {
+  return R"(Usage: velkaview [OPTION]... FILE
+  or:  velkaview --list|--stats [OPTION]... FILE
+  or:  velkaview --diff [OPTION]... FILE FILE
+  or:  velkaview --from FILE.pdf --ppd FILE.ppd [--options TEXT] [OPTION]...
+Draws the paper that a command stream prints. FILE - is standard input.
+
+What to do
+      --list             list the commands: offset, bytes, name, meaning
+      --stats            tell what the stream holds, and how long it may print
+      --diff             compare two streams on paper; white and pale: the same,
+                         blue: only the first prints there, green: only the second
+      --from PDF         print PDF through the system's filters and ours, show that
+      --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet
+
+The printer
+      --ppd FILE         the printer's PPD: its model and paper
+      --options TEXT     the job's options, as in 'RedMinValue=90 PageSize=A5'
+      --model MODEL      standard, orlo-front or orlo-back; guessed where not stated
+      --width MM         width of the paper
+      --head-speed MM    millimetres a second across, for the time (300)
+      --feed-speed MM    millimetres a second along the paper, for the time (100)
+
+The picture
+      --page N[-M]       these pages only
+      --dpi N            dots per inch; the stream's own where not stated
+      --scale F          times the stream's own dots per inch
+      --pins             draw the round dots of the pins
+      --format FORMAT    png (a file a page) or pdf (one file)
+  -o, --output FILE      write there; - is standard output
+
+  -h, --help             show this
+  -V, --version          show the version
+
+Pictures are written to FILE-1.png, FILE-2.png ... in the working folder, over what
+is there. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
+)";
+}
+
+std::string versionText() {
+  return "velkaview (Velka) " VELKA_VERSION "\n";
+}
+
+}  // namespace velka::view

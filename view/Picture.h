@@ -1,0 +1,61 @@
+// Pages as pictures.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "DotGrid.h"
+#include "PageReader.h"
+
+namespace velka::view {
+
+/// 0x00RRGGBB, row after row.
+struct Picture {
+  int32_t width = 0;
+  int32_t height = 0;
+  double dpi = 180;
+  std::vector<uint32_t> pixels;
+};
+
+inline constexpr uint32_t kWhite = 0xFFFFFF;
+inline constexpr uint32_t kBlack = 0x000000;
+inline constexpr uint32_t kRed = 0xD00000;
+
+/// A picture, or why there is none.
+using Drawing = std::variant<Picture, std::string>;
+
+/// The most pixels on a side (what the drawing library can do) and in all.
+inline constexpr int32_t kLongestSide = 32767;
+inline constexpr int64_t kMostPixels = decode::kMostCells;
+
+/// A white picture of that size, which may be beyond the limits.
+[[nodiscard]] Drawing blankPicture(double width, double height, double dpi);
+
+/// What paper a page is drawn on and how.
+struct PaperView {
+  decode::Model model = decode::Model::Standard;
+  decode::Grid grid;  ///< of all pages that are drawn
+  int64_t width = 0;  ///< of the paper, units
+  std::optional<double> dpi;
+  double scale = 1;  ///< times the stream's own, without `dpi`
+  bool pins = false;
+};
+
+/// The stream's own resolution, the same across and down: each dot is as many whole
+/// pixels as it needs for that.
+[[nodiscard]] double streamDpi(const PaperView& view);
+
+/// Length of the page's paper in units: its form, longer where it prints beyond.
+[[nodiscard]] int64_t paperLength(const decode::Page& page, decode::Model model,
+                                  const decode::Grid& grid);
+
+/// Draws a page; `outside` counts the dots that miss the paper.
+[[nodiscard]] Drawing drawPage(const decode::Page& page, const PaperView& view, uint64_t& outside);
+
+/// The picture at another resolution.
+[[nodiscard]] Drawing resample(Picture picture, double dpi);
+
+}  // namespace velka::view

@@ -1,0 +1,55 @@
+#include "Ppd.h"
+
+#include <cups/cups.h>
+#include <cups/ppd.h>
+
+#include <cmath>
+#include <memory>
+
+namespace velka::view {
+namespace {
+
+constexpr int kOrloModelNumber = 2;
+
+struct ClosePpd {
+  void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
+};
+using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
+
+void mark(ppd_file_t* ppd, const std::string& text) {
+  ppdMarkDefaults(ppd);
+  cups_option_t* options = nullptr;
+  const int count = cupsParseOptions(text.c_str(), 0, &options);
+  cupsMarkOptions(ppd, count, options);
+  cupsFreeOptions(count, options);
+}
+
+// The paper lies across the head by its length when the page is turned by a quarter.
+double widthInPoints(ppd_file_t* ppd) {
+  const ppd_size_t* size = ppdPageSize(ppd, nullptr);
+  if (size == nullptr) return 0;
+  const bool turned = ppdIsMarked(ppd, "AnticlockwiseRotate", "1") != 0 ||
+                      ppdIsMarked(ppd, "AnticlockwiseRotate", "3") != 0;
+  return static_cast<double>(turned ? size->length : size->width);
+}
+
+}  // namespace
+
+Problem readPpd(const std::string& name, const std::string& options, PpdFacts& facts) {
+  const PpdFile ppd(ppdOpenFile(name.c_str()));
+  if (!ppd) {
+    int line = 0;
+    const ppd_status_t status = ppdLastError(&line);
+    return name + ": " + ppdErrorString(status) +
+           (line > 0 ? " on line " + std::to_string(line) : std::string());
+  }
+  mark(ppd.get(), options);
+  // The filter sends the Orlo model back-feed commands; nothing chooses front feed.
+  facts.model =
+      ppd->model_number == kOrloModelNumber ? decode::Model::OrloBack : decode::Model::Standard;
+  facts.paperWidth = std::llround(widthInPoints(ppd.get()) * decode::kUnitsPerInch / 72);
+  facts.pdfPreprocess = ppdIsMarked(ppd.get(), "PdfPreprocess", "yes") != 0;
+  return std::nullopt;
+}
+
+}  // namespace velka::view

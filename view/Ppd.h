@@ -1,0 +1,21 @@
+// What a PPD and a job's options say about the printer and the paper.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Head.h"
+#include "Outcome.h"
+
+namespace velka::view {
+
+struct PpdFacts {
+  decode::Model model = decode::Model::Standard;
+  int64_t paperWidth = 0;      ///< units, of the page as it leaves the printer
+  bool pdfPreprocess = false;  ///< pages come from a PDF copy of the job
+};
+
+/// Reads a PPD with its defaults and then `options` marked.
+[[nodiscard]] Problem readPpd(const std::string& name, const std::string& options, PpdFacts& facts);
+
+}  // namespace velka::view

@@ -1,0 +1,142 @@
+#include "Process.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+
+namespace velka::view {
+namespace {
+
+// The arguments and the environment as a new program takes them.
+class Words {
+ public:
+  void add(std::string word) { words_.push_back(std::move(word)); }
+
+  char* const* get() {
+    pointers_.clear();
+    for (std::string& word : words_) pointers_.push_back(word.data());
+    pointers_.push_back(nullptr);
+    return pointers_.data();
+  }
+
+ private:
+  std::vector<std::string> words_;
+  std::vector<char*> pointers_;
+};
+
+Words argumentsOf(const Step& step) {
+  Words words;
+  words.add(step.program);
+  for (const std::string& argument : step.arguments) words.add(argument);
+  return words;
+}
+
+Words environmentOf(const Step& step) {
+  const auto replaced = [&](const std::string& entry) {
+    return std::ranges::any_of(step.environment, [&](const auto& pair) {
+      return entry.compare(0, pair.first.size() + 1, pair.first + "=") == 0;
+    });
+  };
+  Words words;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    if (!replaced(*entry)) words.add(*entry);
+  }
+  for (const auto& [name, value] : step.environment) words.add(name + "=" + value);
+  return words;
+}
+
+class SpawnSettings {
+ public:
+  SpawnSettings(const Step& step, const SignalsHeld& held) {
+    posix_spawn_file_actions_init(&files);
+    posix_spawnattr_init(&attributes);
+    constexpr int kNew = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, step.input.c_str(), O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, step.output.c_str(), kNew, 0600);
+    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, step.errors.c_str(), kNew, 0600);
+    posix_spawnattr_setsigmask(&attributes, &held.before());
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+  }
+  ~SpawnSettings() {
+    posix_spawn_file_actions_destroy(&files);
+    posix_spawnattr_destroy(&attributes);
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+  posix_spawn_file_actions_t files{};
+  posix_spawnattr_t attributes{};
+};
+
+// The end of a program's standard error, without what it says for debugging.
+std::string lastWords(const std::string& errors) {
+  std::ifstream file(errors);
+  std::string line;
+  std::string words;
+  std::string chatter;
+  while (std::getline(file, line)) {
+    if (line.empty()) continue;
+    const bool debug = line.starts_with("DEBUG") || line.starts_with("INFO");
+    (debug ? chatter : words) = line;
+  }
+  const std::string& said = words.empty() ? chatter : words;
+  return said.empty() ? "" : ": " + said;
+}
+
+bool isHeldSignalPending() {
+  sigset_t pending;
+  sigpending(&pending);
+  const sigset_t held = SignalsHeld::signals();
+  return std::ranges::any_of(std::vector{SIGINT, SIGTERM, SIGHUP}, [&](int signal) {
+    return sigismember(&held, signal) == 1 && sigismember(&pending, signal) == 1;
+  });
+}
+
+// Looks for the end of the program and for a signal to us, in turns.
+int waitFor(pid_t child) {
+  constexpr timespec kPause{0, 5'000'000};
+  int status = 0;
+  bool told = false;
+  while (true) {
+    const pid_t ended = waitpid(child, &status, WNOHANG);
+    if (ended == child || (ended < 0 && errno != EINTR)) return status;
+    if (!told && isHeldSignalPending()) {
+      (void)kill(child, SIGTERM);
+      told = true;
+    }
+    (void)nanosleep(&kPause, nullptr);
+  }
+}
+
+Problem judge(const Step& step, int status) {
+  const std::string name = step.program.substr(step.program.rfind('/') + 1);
+  if (isHeldSignalPending()) return name + " was interrupted";
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return std::nullopt;
+  const std::string how = WIFEXITED(status)
+                              ? " failed with status " + std::to_string(WEXITSTATUS(status))
+                              : " was ended by signal " + std::to_string(WTERMSIG(status));
+  return name + how + lastWords(step.errors);
+}
+
+}  // namespace
+
+Problem runStep(const Step& step, const SignalsHeld& held) {
+  Words arguments = argumentsOf(step);
+  Words environment = environmentOf(step);
+  const SpawnSettings settings(step, held);
+  pid_t child = 0;
+  const int error = posix_spawn(&child, step.program.c_str(), &settings.files, &settings.attributes,
+                                arguments.get(), environment.get());
+  if (error != 0) return step.program + ": " + std::strerror(error);
+  return judge(step, waitFor(child));
+}
+
+}  // namespace velka::view

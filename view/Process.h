@@ -1,0 +1,27 @@
+// One program, run to its end.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Files.h"
+#include "Outcome.h"
+
+namespace velka::view {
+
+struct Step {
+  std::string program;                 ///< with its folder; no shell comes near it
+  std::vector<std::string> arguments;  ///< after the program's name
+  std::vector<std::pair<std::string, std::string>> environment;  ///< beside our own
+  std::string input;                                             ///< file for standard input
+  std::string output;  ///< files for standard output and standard error, made anew
+  std::string errors;
+};
+
+/// Runs a program and waits for it. What is wrong names the program and ends with its
+/// last words on standard error. A signal that `held` keeps back ends the program
+/// too, and takes effect on us when `held` goes.
+[[nodiscard]] Problem runStep(const Step& step, const SignalsHeld& held);
+
+}  // namespace velka::view

@@ -1,0 +1,39 @@
+#include "Report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace velka::view {
+
+int fail(const std::string& text, Status status) {
+  (void)std::fprintf(stderr, "velkaview: %s\n", text.c_str());
+  return status;
+}
+
+int finish(const Stream& stream, const std::optional<decode::Fault>& fault, int status) {
+  if (!fault) return status;
+  return std::max(status, fail(faultText(stream, *fault)));
+}
+
+// Output that cannot be written (a full disk, say) must not pass for done.
+int flushed(int status) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  return fail("standard output cannot be written");
+}
+
+int64_t paperWidth(const Arguments& arguments, const Stream& stream, int64_t right) {
+  if (!arguments.width) return std::max(stream.leastWidth, right);
+  return std::llround(*arguments.width / 25.4 * static_cast<double>(decode::kUnitsPerInch));
+}
+
+PaperView paperView(const Arguments& arguments, const Stream& stream, const Survey& found) {
+  return {stream.model,
+          found.grid,
+          paperWidth(arguments, stream, found.right),
+          arguments.dpi,
+          arguments.scale.value_or(1),
+          arguments.pins};
+}
+
+}  // namespace velka::view

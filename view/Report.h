@@ -1,0 +1,31 @@
+// What the views have in common: messages, exit statuses, the paper.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Arguments.h"
+#include "Outcome.h"
+#include "Picture.h"
+#include "Stream.h"
+
+namespace velka::view {
+
+/// Tells the user on standard error; gives `status` back.
+int fail(const std::string& text, Status status = kFailed);
+
+/// Tells of a stream's fault, if there is one; the worse of `status` and it.
+int finish(const Stream& stream, const std::optional<decode::Fault>& fault, int status);
+
+/// Output that cannot be written (a full disk, say) must not pass for done.
+int flushed(int status);
+
+/// Width of the paper in units: as stated, else as the printer's or wide enough for
+/// what is printed up to `right`.
+[[nodiscard]] int64_t paperWidth(const Arguments& arguments, const Stream& stream, int64_t right);
+
+/// How the command line wants pages drawn.
+[[nodiscard]] PaperView paperView(const Arguments& arguments, const Stream& stream,
+                                  const Survey& found);
+
+}  // namespace velka::view

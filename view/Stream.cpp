@@ -1,0 +1,100 @@
+#include "Stream.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "Chain.h"
+#include "Files.h"
+#include "ModelGuess.h"
+#include "PageReader.h"
+#include "Ppd.h"
+
+namespace velka::view {
+namespace {
+
+constexpr double kA4Width = 210;
+
+int64_t unitsOf(double millimetres) {
+  return std::llround(millimetres / 25.4 * static_cast<double>(decode::kUnitsPerInch));
+}
+
+std::string stemOf(const std::string& name) {
+  if (name == "-") return "stdin";
+  const std::string stem = std::filesystem::path(name).stem();
+  return stem.empty() ? "page" : stem;
+}
+
+// Stated, or proved by the stream.
+Problem findModel(const Arguments& arguments, const PpdFacts* ppd, Stream& stream) {
+  if (arguments.model || ppd != nullptr) {
+    stream.model = arguments.model ? *arguments.model : ppd->model;
+    return std::nullopt;
+  }
+  const decode::ModelGuess guess = decode::guessModel(stream.bytes);
+  if (!guess.model) {
+    return stream.name + ": the stream does not tell its model: " + guess.why +
+           "; state it with --model or --ppd";
+  }
+  stream.model = *guess.model;
+  return std::nullopt;
+}
+
+Problem describe(const Arguments& arguments, const std::string& options, Stream& stream) {
+  PpdFacts facts;
+  const bool ppd = !arguments.ppd.empty();
+  if (ppd) {
+    if (auto problem = readPpd(arguments.ppd, options, facts)) return problem;
+  }
+  stream.leastWidth = facts.paperWidth > 0 ? facts.paperWidth : usualWidth();
+  return findModel(arguments, ppd ? &facts : nullptr, stream);
+}
+
+}  // namespace
+
+int64_t usualWidth() {
+  return unitsOf(kA4Width);
+}
+
+Problem loadStream(const Arguments& arguments, size_t index, Stream& stream) {
+  const std::string& name = arguments.files.at(index);
+  stream.name = name == "-" ? "standard input" : name;
+  stream.stem = stemOf(name);
+  if (auto problem = readFile(name, stream.bytes)) return problem;
+  return describe(arguments, arguments.options, stream);
+}
+
+Problem printStream(const Arguments& arguments, const std::string& options, Stream& stream) {
+  PpdFacts facts;
+  if (auto problem = readPpd(arguments.ppd, options, facts)) return problem;
+  stream.name = arguments.from;
+  stream.stem = stemOf(arguments.from);
+  const ChainJob job{arguments.from, arguments.ppd, options, facts.pdfPreprocess};
+  if (auto problem = runChain(job, stream.bytes)) return arguments.from + ": " + *problem;
+  return describe(arguments, options, stream);
+}
+
+Problem onlyStream(const Arguments& arguments, Stream& stream) {
+  if (arguments.from.empty()) return loadStream(arguments, 0, stream);
+  return printStream(arguments, arguments.options, stream);
+}
+
+Survey survey(const Stream& stream) {
+  Survey found;
+  decode::PageReader reader(stream.bytes, stream.model);
+  while (const auto page = reader.next()) {
+    ++found.pages;
+    found.grid.add(*page);
+    // The width of a dot is the same on every grid that is fine enough for it.
+    decode::Grid own;
+    own.add(*page);
+    found.right = std::max(found.right, decode::inkedArea(*page, stream.model, own).right);
+  }
+  return found;
+}
+
+std::string faultText(const Stream& stream, const decode::Fault& fault) {
+  return stream.name + ": offset " + std::to_string(fault.offset) + ": " + fault.what;
+}
+
+}  // namespace velka::view

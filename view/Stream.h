@@ -1,0 +1,48 @@
+// The streams that a command line names, each with what is known of its printer.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Arguments.h"
+#include "DotGrid.h"
+#include "Outcome.h"
+
+namespace velka::view {
+
+struct Stream {
+  std::string name;  ///< for messages
+  std::string stem;  ///< of the names of its pictures
+  std::vector<uint8_t> bytes;
+  decode::Model model = decode::Model::Standard;
+  int64_t leastWidth = 0;  ///< of the paper, units; what is printed beside it widens it
+};
+
+/// What a first reading finds out about all pages.
+struct Survey {
+  decode::Grid grid;
+  uint64_t pages = 0;
+  int64_t right = 0;  ///< of all ink, units
+};
+
+/// Width of the paper where nobody states it: A4, units.
+[[nodiscard]] int64_t usualWidth();
+
+/// Reads the file at `index` of the command line.
+[[nodiscard]] Problem loadStream(const Arguments& arguments, size_t index, Stream& stream);
+
+/// Prints the PDF of the command line with these options.
+[[nodiscard]] Problem printStream(const Arguments& arguments, const std::string& options,
+                                  Stream& stream);
+
+/// Either, whichever the command line asks for.
+[[nodiscard]] Problem onlyStream(const Arguments& arguments, Stream& stream);
+
+/// Reads a stream's pages once, up to its first fault.
+[[nodiscard]] Survey survey(const Stream& stream);
+
+/// "NAME: offset N: WHAT".
+[[nodiscard]] std::string faultText(const Stream& stream, const decode::Fault& fault);
+
+}  // namespace velka::view
