@@ -79,9 +79,9 @@ std::array<uint64_t, 2> countFewCells(const Page& page, Model model, const Grid&
            [&](Ink ink, size_t cell) { marked.at(static_cast<size_t>(ink)).push_back(cell); });
   std::array<uint64_t, 2> counts{};
   for (size_t ink = 0; ink < marked.size(); ++ink) {
-    std::ranges::sort(marked.at(ink));
-    const auto rest = std::ranges::unique(marked.at(ink));
-    counts.at(ink) = marked.at(ink).size() - rest.size();
+    std::vector<size_t>& cells = marked.at(ink);
+    std::sort(cells.begin(), cells.end());
+    counts.at(ink) = static_cast<uint64_t>(std::unique(cells.begin(), cells.end()) - cells.begin());
   }
   return counts;
 }

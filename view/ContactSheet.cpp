@@ -30,8 +30,9 @@ struct Layout {
     cellHeight = height + kMargin + kLabelHeight;
     const double square = std::sqrt(static_cast<double>(pictures.size()) * cellHeight / cellWidth);
     columns = std::clamp<size_t>(static_cast<size_t>(std::ceil(square)), 1,
-                                 std::min(kMostInARow, std::max<size_t>(1, pictures.size())));
+                                 std::min(kMostInARow, pictures.size()));
     rows = (pictures.size() + columns - 1) / columns;
+    columns = (pictures.size() + rows - 1) / rows;
   }
 };
 
@@ -60,8 +61,9 @@ void place(cairo_t* context, Picture& picture, double x, double y) {
 }  // namespace
 
 Drawing contactSheet(std::vector<Labelled> pictures) {
+  if (pictures.empty()) return "there is nothing to put on the sheet";
   const Layout layout(pictures);
-  const double dpi = pictures.empty() ? 90 : pictures.front().picture.dpi;
+  const double dpi = pictures.front().picture.dpi;
   Drawing drawing =
       blankPicture(kMargin + static_cast<double>(layout.columns) * layout.cellWidth,
                    kMargin + static_cast<double>(layout.rows) * layout.cellHeight, dpi);
@@ -70,8 +72,9 @@ Drawing contactSheet(std::vector<Labelled> pictures) {
   const Surface surface = surfaceOf(*sheet);
   const Context context(cairo_create(surface.get()));
   for (size_t i = 0; i < pictures.size(); ++i) {
+    const size_t row = i / layout.columns;
     const double x = kMargin + static_cast<double>(i % layout.columns) * layout.cellWidth;
-    const double y = kMargin + static_cast<double>(i / layout.columns) * layout.cellHeight;
+    const double y = kMargin + static_cast<double>(row) * layout.cellHeight;
     label(context.get(), pictures[i].label, x, y, layout.cellWidth - kMargin);
     place(context.get(), pictures[i].picture, x, y + kLabelHeight);
   }

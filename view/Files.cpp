@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -12,6 +13,8 @@
 
 namespace velka::view {
 namespace {
+
+constexpr std::array<int, 3> kHeld{SIGINT, SIGTERM, SIGHUP};
 
 struct Close {
   void operator()(std::FILE* file) const {
@@ -32,15 +35,16 @@ void openToReaders(int descriptor) {
 
 }  // namespace
 
-sigset_t SignalsHeld::signals() {
+bool SignalsHeld::pending() {
   sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
-  return set;
+  sigpending(&set);
+  return std::ranges::any_of(kHeld, [&](int signal) { return sigismember(&set, signal) == 1; });
 }
 
 SignalsHeld::SignalsHeld() {
-  const sigset_t set = signals();
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : kHeld) sigaddset(&set, signal);
   (void)pthread_sigmask(SIG_BLOCK, &set, &before_);
 }
 

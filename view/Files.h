@@ -21,8 +21,8 @@ class SignalsHeld {
   SignalsHeld& operator=(const SignalsHeld&) = delete;
 
   [[nodiscard]] const sigset_t& before() const { return before_; }
-  /// The signals that are held.
-  [[nodiscard]] static sigset_t signals();
+  /// Whether one waits to take effect.
+  [[nodiscard]] static bool pending();
 
  private:
   sigset_t before_{};

@@ -63,7 +63,7 @@ class InkLayer {
   }
 
   const Stamp& stampAt(int phaseX, int phaseY) {
-    Stamp& stamp = stamps_[static_cast<size_t>(phaseY * kPhases + phaseX)];
+    Stamp& stamp = stamps_[static_cast<size_t>(phaseY) * kPhases + static_cast<size_t>(phaseX)];
     if (stamp.size == 0) stamp = makeStamp(radius_, phaseX, phaseY);
     return stamp;
   }
@@ -77,7 +77,8 @@ class InkLayer {
       for (int64_t x = std::max<int64_t>(0, -left);
            x < std::min<int64_t>(stamp.size, width_ - left); ++x) {
         uint8_t& pixel = ink_[static_cast<size_t>((top + y) * width_ + left + x)];
-        pixel = std::max(pixel, stamp.ink[static_cast<size_t>(y * stamp.size + x)]);
+        pixel = std::max(pixel, stamp.ink[static_cast<size_t>(y) * static_cast<size_t>(stamp.size) +
+                                          static_cast<size_t>(x)]);
       }
     }
   }

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
+#include <string_view>
 
 namespace velka::view {
 namespace {
@@ -40,16 +41,17 @@ Words argumentsOf(const Step& step) {
 }
 
 Words environmentOf(const Step& step) {
-  const auto replaced = [&](const std::string& entry) {
+  const auto replaced = [&](std::string_view entry) {
     return std::ranges::any_of(step.environment, [&](const auto& pair) {
-      return entry.compare(0, pair.first.size() + 1, pair.first + "=") == 0;
+      return entry.substr(0, entry.find('=')) == pair.first;
     });
   };
   Words words;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     if (!replaced(*entry)) words.add(*entry);
   }
-  for (const auto& [name, value] : step.environment) words.add(name + "=" + value);
+  for (const auto& [name, value] : step.environment)
+    words.add(std::string(name).append("=").append(value));
   return words;
 }
 
@@ -91,15 +93,6 @@ std::string lastWords(const std::string& errors) {
   return said.empty() ? "" : ": " + said;
 }
 
-bool isHeldSignalPending() {
-  sigset_t pending;
-  sigpending(&pending);
-  const sigset_t held = SignalsHeld::signals();
-  return std::ranges::any_of(std::vector{SIGINT, SIGTERM, SIGHUP}, [&](int signal) {
-    return sigismember(&held, signal) == 1 && sigismember(&pending, signal) == 1;
-  });
-}
-
 // Looks for the end of the program and for a signal to us, in turns.
 int waitFor(pid_t child) {
   constexpr timespec kPause{0, 5'000'000};
@@ -108,7 +101,7 @@ int waitFor(pid_t child) {
   while (true) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child || (ended < 0 && errno != EINTR)) return status;
-    if (!told && isHeldSignalPending()) {
+    if (!told && SignalsHeld::pending()) {
       (void)kill(child, SIGTERM);
       told = true;
     }
@@ -118,7 +111,7 @@ int waitFor(pid_t child) {
 
 Problem judge(const Step& step, int status) {
   const std::string name = step.program.substr(step.program.rfind('/') + 1);
-  if (isHeldSignalPending()) return name + " was interrupted";
+  if (SignalsHeld::pending()) return name + " was interrupted";
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return std::nullopt;
   const std::string how = WIFEXITED(status)
                               ? " failed with status " + std::to_string(WEXITSTATUS(status))

@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+
+#include "DotGrid.h"
+#include "decode/Dots.h"
+#include "reference/ExpectedStream.h"
+
+namespace velka::decode {
+namespace {
+
+using decodetest::pagesOf;
+using reference::ExpectedStream;
+using Stream = std::vector<uint8_t>;
+
+Grid gridOf(const Page& page) {
+  Grid grid;
+  grid.add(page);
+  return grid;
+}
+
+Page pageOf(const Stream& stream) {
+  return pagesOf(stream, Model::Standard).at(0);
+}
+
+struct Resolution {
+  int mode;
+  int bytes;
+  int64_t cell;  ///< units
+  int64_t wide;  ///< of a dot, cells
+  int64_t high;
+};
+
+TEST(DotGrid, CellsAreSquareAndDivideEveryPitch) {
+  const Resolution rows[] = {{32, 3, 20, 3, 1}, {38, 3, 20, 2, 1}, {33, 3, 10, 3, 2},
+                             {39, 3, 20, 1, 1}, {40, 3, 10, 1, 2}, {0, 1, 60, 1, 1},
+                             {1, 1, 30, 1, 2},  {4, 1, 15, 3, 4},  {6, 1, 20, 2, 3}};
+  for (const Resolution& row : rows) {
+    Stream data(static_cast<size_t>(row.bytes), 0);
+    data[0] = 0x80;
+    const Stream stream = ExpectedStream().block(0, row.mode, 1, data).formFeed().bytes();
+    const Page page = pageOf(stream);
+    const Grid grid = gridOf(page);
+    EXPECT_EQ(grid.cell(), row.cell) << row.mode;
+    const Area area = inkedArea(page, Model::Standard, grid);
+    EXPECT_EQ(area.right, row.wide * row.cell) << row.mode;
+    EXPECT_EQ(area.bottom, row.high * row.cell) << row.mode;
+    const auto drawn = drawCells(page, Model::Standard, grid, 3600, 3600);
+    ASSERT_TRUE(drawn.has_value());
+    int64_t inked = 0;
+    for (const uint8_t cell : drawn->cells) inked += cell == kBlackCell ? 1 : 0;
+    EXPECT_EQ(inked, row.wide * row.high) << row.mode;
+  }
+}
+
+TEST(DotGrid, ASecondPassARowLowerMakesRowsHalfAsHigh) {
+  const Stream column = {0x80, 0, 0};
+  const Stream stream = ExpectedStream()
+                            .block(0, 40, 1, column)
+                            .unit(10)
+                            .down(1)
+                            .block(1, 40, 1, column)
+                            .formFeed()
+                            .bytes();
+  const Page page = pageOf(stream);
+  const auto drawn = drawCells(page, Model::Standard, gridOf(page), 20, 30);
+  ASSERT_TRUE(drawn.has_value());
+  EXPECT_EQ(drawn->width, 2);
+  EXPECT_EQ(drawn->height, 3);
+  EXPECT_EQ(drawn->cells, (Stream{kBlackCell, 0, kRedCell, 0, 0, 0}));
+}
+
+TEST(DotGrid, DotsBesideTheAreaAreCountedAndNotDrawn) {
+  const Stream stream = ExpectedStream()
+                            .unit(10)
+                            .down(-2)
+                            .block(0, 39, 1, {0xC0, 0, 0})
+                            .toX(60)
+                            .block(1, 39, 1, {0x40, 0, 0})
+                            .formFeed()
+                            .bytes();
+  const Page page = pageOf(stream);
+  const auto drawn = drawCells(page, Model::Standard, gridOf(page), 40, 40);
+  ASSERT_TRUE(drawn.has_value());
+  EXPECT_EQ(drawn->outside, 2U);
+  EXPECT_EQ(drawn->cells, (Stream{kBlackCell, 0, 0, 0}));
+}
+
+TEST(DotGrid, UnitsFinerThanAnyPrinterAreRoundedDown) {
+  const Stream stream =
+      ExpectedStream().unit(1).down(13).block(0, 40, 1, {0x80, 0, 0}).formFeed().bytes();
+  const Page page = pageOf(stream);
+  const Grid grid = gridOf(page);
+  EXPECT_EQ(grid.cell(), 10);
+  const auto drawn = drawCells(page, Model::Standard, grid, 10, 30);
+  ASSERT_TRUE(drawn.has_value());
+  EXPECT_EQ(drawn->cells, (Stream{0, kBlackCell, 0}));
+}
+
+TEST(DotGrid, AreasWithTooManyCellsAreRefused) {
+  const Page page;
+  const Grid grid;
+  EXPECT_TRUE(drawCells(page, Model::Standard, grid, 3600, 3600).has_value());
+  EXPECT_FALSE(drawCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40));
+  EXPECT_FALSE(countCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40));
+  const auto nothing = drawCells(page, Model::Standard, grid, -5, 100);
+  ASSERT_TRUE(nothing.has_value());
+  EXPECT_TRUE(nothing->cells.empty());
+}
+
+TEST(DotGrid, CountsCellsTheSameOnLargeAndOnSmallForms) {
+  // The same ink twice, once over itself; red beside it.
+  const Stream stream = ExpectedStream()
+                            .block(0, 32, 2, {0xFF, 0, 0, 0x80, 0, 0})
+                            .add({0x0D})
+                            .block(0, 32, 1, {0xFF, 0, 0})
+                            .toX(9)
+                            .block(1, 32, 1, {0x81, 0, 0})
+                            .formFeed()
+                            .bytes();
+  const Page page = pageOf(stream);
+  const Grid grid = gridOf(page);
+  const std::array<uint64_t, 2> expected = {27, 6};
+  EXPECT_EQ(countCells(page, Model::Standard, grid, 720, 720), expected);
+  EXPECT_EQ(countCells(page, Model::Standard, grid, 36000, 36000), expected);
+}
+
+}  // namespace
+}  // namespace velka::decode
