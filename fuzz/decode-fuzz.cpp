@@ -1,0 +1,65 @@
+// Feeds any bytes to every part of the decoder, as each model. Whatever it finds that
+// cannot be ends the program.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "CommandText.h"
+#include "DotGrid.h"
+#include "ModelGuess.h"
+#include "PageReader.h"
+#include "StreamStats.h"
+
+namespace {
+
+using namespace velka::decode;
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+// Commands lie end to end and reach to the fault or the end.
+void readCommands(Bytes stream, Model model) {
+  CommandReader reader(stream, isOrlo(model));
+  Carriage carriage;
+  size_t end = 0;
+  while (const auto command = reader.next()) {
+    require(command->offset == end && command->size > 0);
+    require(!lineOf(*command, carriage).empty());
+    end += command->size;
+    carriage.apply(*command);
+  }
+  require(end == (reader.fault() ? reader.fault()->offset : stream.size()));
+}
+
+void drawPages(Bytes stream, Model model) {
+  constexpr int64_t kSide = 4000;
+  PageReader reader(stream, model);
+  uint64_t pages = 0;
+  while (const auto page = reader.next()) {
+    pages += page->ended ? 1 : 0;
+    Grid grid;
+    grid.add(*page);
+    const Area area = inkedArea(*page, model, grid);
+    require(area.left <= area.right && area.top <= area.bottom);
+    const auto counts = countCells(*page, model, grid, kSide, kSide);
+    require(counts.has_value());
+    const auto all = static_cast<uint64_t>(cellsIn(grid, kSide, kSide));
+    require(counts->at(0) <= all && counts->at(1) <= all);
+  }
+  require(readStats(stream, model, {}, kSide).pages == pages);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const Bytes stream(data, size);
+  require(!guessModel(stream).why.empty());
+  for (const Model model : {Model::Standard, Model::OrloFront, Model::OrloBack}) {
+    readCommands(stream, model);
+    drawPages(stream, model);
+  }
+  return 0;
+}
