@@ -26,7 +26,7 @@ source tools/common.sh
 output=demo-output
 stream=$output/commands.escp
 filter=build/release/filter/rastovelka
-velkastat=build/release/tools/velkastat
+velkaview=build/release/view/velkaview
 log=/tmp/velka.log
 # The one option whose default leaves no line in the log. 17 (0.51) is the choice
 # next to the filter's own 0.50, so the print hardly changes.
@@ -74,12 +74,12 @@ print_document() {
 
 hex() { od -An -v -tx1 | tr -d ' \n'; }
 
-value() { sed -n "s/^$1 *//p" "$output/velkastat.txt"; }
+value() { sed -n "s/^$1 *//p" "$output/stats.txt"; }
 
 check_stream() {
   [[ $(head -c 6 "$stream" | hex) == 1b401b321b43 ]] ||
     die "$stream does not begin with the start-of-document commands"
-  "$velkastat" "$stream" >"$output/velkastat.txt" || die "$stream is no sound command stream"
+  "$velkaview" --stats "$stream" >"$output/stats.txt" || die "$stream is no sound command stream"
   (($(value pages) > 0)) || die "no page of $document has any ink, so nothing was printed"
   [[ $(tail -c 3 "$stream" | hex) == 0c1b40 ]] ||
     die "$stream does not end with a form feed and the end-of-document command"
@@ -112,7 +112,7 @@ if [[ -n $document && ! -r $document ]]; then
 fi
 need_writable "$output"
 tools/install-packages.sh
-build release rastovelka velkastat velka_ppds
+build release rastovelka velkaview velka_ppds
 [[ -x $filter ]] || die "the build left no $filter"
 
 mkdir -p "$output"
@@ -131,5 +131,5 @@ check_stream
 check_log
 
 say "The command stream is in $PWD/$stream"
-cat "$output/velkastat.txt"
+cat "$output/stats.txt"
 echo "The filter's log is $log, the other filters' are in $PWD/$output."

@@ -1,7 +1,6 @@
 #include "ContactSheet.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "CairoSurface.h"
 
@@ -11,7 +10,7 @@ namespace {
 constexpr double kMargin = 12;
 constexpr double kLabelHeight = 24;
 constexpr double kTextSize = 16;
-constexpr size_t kMostInARow = 6;
+constexpr size_t kMostInARow = 4;
 
 struct Layout {
   size_t columns = 1;
@@ -28,10 +27,7 @@ struct Layout {
     }
     cellWidth = width + kMargin;
     cellHeight = height + kMargin + kLabelHeight;
-    const double square = std::sqrt(static_cast<double>(pictures.size()) * cellHeight / cellWidth);
-    columns = std::clamp<size_t>(static_cast<size_t>(std::ceil(square)), 1,
-                                 std::min(kMostInARow, pictures.size()));
-    rows = (pictures.size() + columns - 1) / columns;
+    rows = (pictures.size() + kMostInARow - 1) / kMostInARow;
     columns = (pictures.size() + rows - 1) / rows;
   }
 };

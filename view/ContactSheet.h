@@ -13,8 +13,8 @@ struct Labelled {
   Picture picture;
 };
 
-/// Pictures of one resolution side by side, as many in a row as make the sheet
-/// about square, each framed and with its label above.
+/// Pictures of one resolution side by side, up to four in a row, each framed and with
+/// its label above.
 [[nodiscard]] Drawing contactSheet(std::vector<Labelled> pictures);
 
 }  // namespace velka::view

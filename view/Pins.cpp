@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 #include "CairoSurface.h"
 
@@ -27,7 +28,7 @@ Stamp makeStamp(double radius, int phaseX, int phaseY) {
   const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, stamp.size, stamp.size));
   const Context context(cairo_create(surface.get()));
   cairo_arc(context.get(), reach + static_cast<double>(phaseX) / kPhases,
-            reach + static_cast<double>(phaseY) / kPhases, radius, 0, 2 * M_PI);
+            reach + static_cast<double>(phaseY) / kPhases, radius, 0, 2 * std::numbers::pi);
   cairo_fill(context.get());
   cairo_surface_flush(surface.get());
   const unsigned char* data = cairo_image_surface_get_data(surface.get());

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# check-chain.sh RASTOVELKA VELKASTAT PPD PAGE.ps
+# check-chain.sh RASTOVELKA VELKAVIEW PPD PAGE.ps
 # Options given to a job reach the filter through the system's own filters, with
 # the values of their choices, and leave the raster as it was; copies are made once.
 set -euo pipefail
 
 filter=$1
-velkastat=$2
+velkaview=$2
 export PPD=$3
 page=$4
 filters=$(cups-config --serverbin)/filter
@@ -50,7 +50,7 @@ check_copies() {
   for collate in Collate=False Collate=True; do
     raster "$name" "$collate" "$work/copies.ras" 3
     "$filter" 0 test test 3 "$collate" "$work/copies.ras" >"$work/out" 2>/dev/null
-    pages=$("$velkastat" "$work/out" | sed -n 's/^pages *//p')
+    pages=$("$velkaview" --stats "$work/out" | sed -n 's/^pages *//p')
     [[ $pages == 3 ]] || fail "$name: 3 copies with $collate came out as $pages"
   done
 }

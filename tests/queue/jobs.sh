@@ -37,7 +37,7 @@ print() {
 decode() {
   case $1 in
     *-orlo-*) "$build/tests/queue/orlostat" "$1" ;;
-    *) "$build/tools/velkastat" "$1" ;;
+    *) "$build/view/velkaview" --stats --model standard "$1" ;;
   esac
 }
 

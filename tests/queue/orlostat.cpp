@@ -1,5 +1,5 @@
-// orlostat FILE: what a command stream of the Orlo model puts on paper, in velkastat's
-// lines. A dot struck twice counts once.
+// orlostat FILE: what a command stream of the Orlo model puts on paper, in the
+// lines of velkaview --stats. A dot struck twice counts once.
 #include <cinttypes>
 #include <cstdint>
 #include <cstdio>

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numbers>
+
+#include "ContactSheet.h"
+#include "Picture.h"
+#include "Pins.h"
+#include "view/Pages.h"
+
+namespace velka::view {
+namespace {
+
+using namespace viewtest;
+using decode::Model;
+using Pixels = std::vector<uint32_t>;
+
+// Black over red in the first column, red alone in the second; 1/180 inch each.
+Bytes twoDots() {
+  return ExpectedStream()
+      .block(1, 39, 2, {0x80, 0, 0, 0x80, 0, 0})
+      .add({0x0D})
+      .block(0, 39, 1, {0x80, 0, 0})
+      .formFeed()
+      .bytes();
+}
+
+TEST(Picture, HoldsAPixelADotAtTheStreamsResolution) {
+  const Bytes stream = twoDots();
+  const decode::Page page = pageOf(stream);
+  uint64_t outside = 9;
+  const Picture picture = pictureOf(drawPage(page, viewOf(page, 60), outside));
+  EXPECT_EQ(picture.dpi, 180);
+  EXPECT_EQ(picture.width, 3);
+  EXPECT_EQ(picture.height, 1);
+  EXPECT_EQ(picture.pixels, (Pixels{kBlack, kRed, kWhite}));
+  EXPECT_EQ(outside, 0U);
+}
+
+TEST(Picture, IsAsLongAsTheFormAndAsWideAsThePaper) {
+  const Bytes stream = ExpectedStream().start(6).block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes();
+  const decode::Page page = pageOf(stream);
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage(page, viewOf(page, 1800), outside));
+  EXPECT_EQ(picture.width, 90);
+  EXPECT_EQ(picture.height, 180);
+}
+
+TEST(Picture, GrowsBeyondTheFormWithWhatIsPrintedThere) {
+  const Bytes stream =
+      ExpectedStream().start(1).unit(10).down(100).block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes();
+  const decode::Page page = pageOf(stream);
+  EXPECT_EQ(paperLength(page, Model::Standard, viewOf(page, 60).grid), 1020);
+}
+
+TEST(Picture, OfAPageWithoutAnythingIsOneWhitePixel) {
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage({}, {}, outside));
+  EXPECT_EQ(picture.pixels, Pixels{kWhite});
+}
+
+TEST(Picture, TakesTheResolutionOrTheScaleAskedFor) {
+  const Bytes stream = twoDots();
+  const decode::Page page = pageOf(stream);
+  PaperView view = viewOf(page, 40);
+  uint64_t outside = 0;
+  view.scale = 2;
+  const Picture twice = pictureOf(drawPage(page, view, outside));
+  EXPECT_EQ(twice.dpi, 360);
+  EXPECT_EQ(twice.pixels, (Pixels{kBlack, kBlack, kRed, kRed, kBlack, kBlack, kRed, kRed}));
+  view.dpi = 540;
+  EXPECT_EQ(pictureOf(drawPage(page, view, outside)).width, 6);
+}
+
+TEST(Picture, MadeSmallerKeepsItsDotsAsShades) {
+  Picture picture{4, 4, 180, Pixels(16, kWhite)};
+  for (const size_t dot : {0U, 5U, 10U, 15U}) picture.pixels[dot] = kBlack;
+  const Picture half = pictureOf(resample(picture, 90));
+  ASSERT_EQ(half.pixels.size(), 4U);
+  // A quarter to a half of each of the four is black.
+  uint32_t sum = 0;
+  for (const uint32_t pixel : half.pixels) sum += pixel & 0xFFU;
+  EXPECT_NEAR(sum, 4 * 255 * 3 / 4, 40);
+}
+
+TEST(Picture, TooLargeOnesAreRefusedWithTheirSize) {
+  const Drawing wide = blankPicture(40000, 10, 180);
+  ASSERT_TRUE(std::holds_alternative<std::string>(wide));
+  EXPECT_NE(std::get<std::string>(wide).find("40000 x 10 pixels"), std::string::npos);
+  EXPECT_TRUE(std::holds_alternative<std::string>(blankPicture(32767, 32767, 180)));
+  EXPECT_TRUE(std::holds_alternative<std::string>(blankPicture(1e300, 1e300, 180)));
+  EXPECT_TRUE(std::holds_alternative<Picture>(blankPicture(100, 100, 180)));
+}
+
+TEST(Pins, AreRoundAndOfTheirSize) {
+  const Bytes stream =
+      ExpectedStream().unit(10).down(100).toX(20).block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes();
+  const decode::Page page = pageOf(stream);
+  PaperView view = viewOf(page, 2400);
+  view.pins = true;
+  view.dpi = 2540;  // a hundred pixels a millimetre
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage(page, view, outside));
+  double ink = 0;
+  for (const uint32_t pixel : picture.pixels) ink += (255 - (pixel & 0xFFU)) / 255.0;
+  const double radius = kPinDiameter * 100 / 2;
+  // The lower half lies beyond the paper's end, half a dot pitch below the middle.
+  const double below = 20.0 / 2 / 3600 * 2540;
+  EXPECT_NEAR(ink, std::numbers::pi * radius * radius / 2 + 2 * radius * below, 12);
+  EXPECT_EQ(outside, 0U);
+}
+
+TEST(Pins, OfNeighbouringDotsOverlap) {
+  // Two columns of 24 dots: no white is left between their middles.
+  const Bytes stream =
+      ExpectedStream().block(1, 39, 2, {255, 255, 255, 255, 255, 255}).formFeed().bytes();
+  const decode::Page page = pageOf(stream);
+  PaperView view = viewOf(page, 40);
+  view.pins = true;
+  view.dpi = 720;
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage(page, view, outside));
+  ASSERT_EQ(picture.width, 8);
+  for (int32_t y = 2; y + 2 < picture.height; ++y) {
+    for (int32_t x = 2; x < 6; ++x) {
+      EXPECT_EQ(picture.pixels[static_cast<size_t>(y * 8 + x)], kRed) << x << ", " << y;
+    }
+  }
+}
+
+TEST(Pins, BlackInkCoversRed) {
+  const Bytes stream = twoDots();
+  const decode::Page page = pageOf(stream);
+  PaperView view = viewOf(page, 40);
+  view.pins = true;
+  view.dpi = 1800;
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage(page, view, outside));
+  ASSERT_EQ(picture.width, 20);
+  EXPECT_EQ(picture.pixels[5 * 20 + 5], kBlack);
+  EXPECT_EQ(picture.pixels[5 * 20 + 19], kRed);
+}
+
+TEST(ContactSheet, ShowsEveryPictureWholeAndSideBySide) {
+  std::vector<Labelled> pictures;
+  for (int i = 0; i < 3; ++i) {
+    pictures.push_back({"label", {50, 40, 90, Pixels(size_t{50} * 40, kRed)}});
+  }
+  const Picture sheet = pictureOf(contactSheet(pictures));
+  EXPECT_GT(sheet.width, 3 * 50);
+  EXPECT_GT(sheet.height, 40);
+  EXPECT_EQ(std::count(sheet.pixels.begin(), sheet.pixels.end(), kRed), 3 * 50 * 40);
+}
+
+TEST(ContactSheet, NeedsAPicture) {
+  EXPECT_TRUE(std::holds_alternative<std::string>(contactSheet({})));
+}
+
+}  // namespace
+}  // namespace velka::view

@@ -1,0 +1,188 @@
+// The program as its users call it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "reference/ExpectedStream.h"
+#include "support/FilterRun.h"
+#include "support/TestPdf.h"
+
+namespace velka::view {
+namespace {
+
+using reference::ExpectedStream;
+using testing::FilterResult;
+using testing::TempFolder;
+using testing::textOf;
+
+// Runs in a folder of its own.
+class Program : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    before_ = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+  }
+  void TearDown() override { std::filesystem::current_path(before_); }
+
+  static FilterResult run(const std::vector<std::string>& arguments,
+                          const testing::Bytes& input = {}) {
+    testing::FilterJob job;
+    job.arguments = arguments;
+    job.input = input;
+    return testing::runFilter(VELKA_VIEW, job);
+  }
+
+  static void put(const std::string& name, const std::vector<uint8_t>& bytes) {
+    testing::writeText(name, std::string(bytes.begin(), bytes.end()));
+  }
+
+  static bool isThere(const std::string& name) { return std::filesystem::exists(name); }
+
+  static std::string outputOf(const FilterResult& result) {
+    return {result.output.begin(), result.output.end()};
+  }
+
+ private:
+  TempFolder folder_;
+  std::filesystem::path before_;
+};
+
+ExpectedStream page() {
+  return ExpectedStream().start(6).block(0, 39, 1, {0x80, 0, 0}).formFeed();
+}
+
+TEST_F(Program, WritesAPictureAPage) {
+  put("job.prn", page().add(page()).end().bytes());
+  const FilterResult result = run({"job.prn"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(result.errors, "");
+  EXPECT_TRUE(isThere("job-1.png"));
+  EXPECT_TRUE(isThere("job-2.png"));
+  EXPECT_FALSE(isThere("job-3.png"));
+}
+
+TEST_F(Program, ReadsStandardInputAndWritesStandardOutput) {
+  const FilterResult result = run({"-", "-o", "-"}, page().bytes());
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(outputOf(result).substr(1, 3), "PNG");
+}
+
+TEST_F(Program, NamesPicturesAfterTheOutput) {
+  put("job.prn", page().add(page()).bytes());
+  EXPECT_EQ(run({"job.prn", "-o", "one.png", "--page", "2"}).status, 0);
+  EXPECT_TRUE(isThere("one.png"));
+  EXPECT_EQ(run({"job.prn", "-o", "all.png"}).status, 0);
+  EXPECT_TRUE(isThere("all-1.png"));
+  EXPECT_TRUE(isThere("all-2.png"));
+  EXPECT_EQ(run({"job.prn", "-o", "all.pdf"}).status, 0);
+  EXPECT_TRUE(textOf("all.pdf").starts_with("%PDF"));
+}
+
+TEST_F(Program, AStreamCutOffGivesItsOffsetStatusOneAndThePagesSoFar) {
+  auto bytes = page().add(page()).bytes();
+  bytes.resize(bytes.size() - 3);
+  put("job.prn", bytes);
+  const FilterResult result = run({"job.prn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "velkaview: job.prn: offset 29: the stream ends inside a block\n");
+  EXPECT_TRUE(isThere("job-1.png"));
+  EXPECT_FALSE(isThere("job-2.png"));
+}
+
+TEST_F(Program, AnUnknownCommandGivesItsOffsetAndThePageItStandsOn) {
+  put("job.prn", ExpectedStream().start(6).block(0, 39, 1, {1, 2, 3}).add({'x'}).bytes());
+  const FilterResult result = run({"job.prn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "velkaview: job.prn: offset 18: unknown command 78\n");
+  EXPECT_TRUE(isThere("job-1.png"));
+}
+
+TEST_F(Program, AsksForTheModelThatAStreamDoesNotTell) {
+  put("job.prn", {0x1B, '*', 39, 1, 0, 0x80, 0, 0, 0x0C});
+  const FilterResult result = run({"job.prn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.errors.find("--model"), std::string::npos) << result.errors;
+  EXPECT_EQ(run({"job.prn", "--model", "orlo-front"}).status, 0);
+}
+
+TEST_F(Program, RefusesAPictureThatIsTooLargeAndNamesThePage) {
+  // A hundred moves of 91 inches down.
+  ExpectedStream stream;
+  stream.start(6).unit(10);
+  for (int i = 0; i < 100; ++i) stream.down(32767);
+  put("job.prn", stream.block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes());
+  const FilterResult result = run({"job.prn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.errors.find("job.prn: page 1 (offset 0): a picture of"), std::string::npos)
+      << result.errors;
+  EXPECT_FALSE(isThere("job-1.png"));
+}
+
+TEST_F(Program, WrongUseEndsWithTwoAndAHint) {
+  const FilterResult result = run({"--nothing"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.errors,
+            "velkaview: unknown or unclear option '--nothing'\n"
+            "Try 'velkaview --help' for more.\n");
+  EXPECT_EQ(run({}).status, 2);
+}
+
+TEST_F(Program, HelpGoesToStandardOutput) {
+  const FilterResult result = run({"--help"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_TRUE(outputOf(result).starts_with("Usage: velkaview"));
+}
+
+TEST_F(Program, ListsCommandsUpToTheFault) {
+  put("job.prn", ExpectedStream().start(6).add({'x'}).bytes());
+  const FilterResult result = run({"--list", "job.prn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(outputOf(result),
+            "        0      2  ESC @     initialise\n"
+            "        2      2  ESC 2     line spacing 4.233 mm\n"
+            "        4      3  ESC C     page length 6 lines, 25.4 mm\n");
+}
+
+TEST_F(Program, TellsTheDifferenceOfTwoStreams) {
+  put("a.prn", page().bytes());
+  put("b.prn", page().add(page()).bytes());
+  const FilterResult result = run({"--diff", "a.prn", "b.prn"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(outputOf(result),
+            "pages: 1 in the first, 2 in the second\n"
+            "page 1: black dots: 1 the same, 0 only in the first, 0 only in the second\n"
+            "page 1: red dots: 0 the same, 0 only in the first, 0 only in the second\n"
+            "page 2: black dots: 0 the same, 0 only in the first, 1 only in the second\n"
+            "page 2: red dots: 0 the same, 0 only in the first, 0 only in the second\n"
+            "all: black dots: 1 the same, 0 only in the first, 1 only in the second\n"
+            "all: red dots: 0 the same, 0 only in the first, 0 only in the second\n");
+  EXPECT_TRUE(isThere("a-b-diff-2.png"));
+}
+
+TEST_F(Program, StandardOutputTakesOnePngOnly) {
+  put("job.prn", page().add(page()).bytes());
+  const FilterResult result = run({"job.prn", "-o", "-"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(result.output.empty());
+  EXPECT_NE(result.errors.find("--page"), std::string::npos);
+  EXPECT_EQ(run({"job.prn", "-o", "-", "--format", "pdf"}).status, 0);
+}
+
+TEST_F(Program, AFloodOfPagesIsNotDrawnUnlessSomeAreChosen) {
+  put("job.prn", std::vector<uint8_t>(1001, 0x0C));
+  EXPECT_EQ(run({"job.prn"}).status, 1);
+  EXPECT_FALSE(isThere("job-1.png"));
+  EXPECT_EQ(run({"job.prn", "--page", "1001"}).status, 0);
+  EXPECT_TRUE(isThere("job-1001.png"));
+}
+
+TEST_F(Program, APageThatIsNotThereIsTold) {
+  put("job.prn", page().bytes());
+  const FilterResult result = run({"job.prn", "--page", "3"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "velkaview: job.prn: there is no page 3; the stream has 1\n");
+}
+
+}  // namespace
+}  // namespace velka::view
