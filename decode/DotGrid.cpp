@@ -73,9 +73,9 @@ uint64_t dotsStruck(const Page& page) {
 
 // For a few dots on a large form, whose cells would take longer than the dots.
 std::array<uint64_t, 2> countFewCells(const Page& page, Model model, const Grid& grid,
-                                      const Cells& area) {
+                                      const Cells& area, Extent extent) {
   std::array<std::vector<size_t>, 2> marked;
-  markDots(page, model, grid, area, Extent::Whole,
+  markDots(page, model, grid, area, extent,
            [&](Ink ink, size_t cell) { marked.at(static_cast<size_t>(ink)).push_back(cell); });
   std::array<uint64_t, 2> counts{};
   for (size_t ink = 0; ink < marked.size(); ++ink) {
@@ -138,13 +138,13 @@ std::optional<DotGrid> drawCells(const Page& page, Model model, const Grid& grid
 }
 
 std::optional<std::array<uint64_t, 2>> countCells(const Page& page, Model model, const Grid& grid,
-                                                  int64_t width, int64_t height) {
+                                                  int64_t width, int64_t height, Extent extent) {
   constexpr uint64_t kCellsWorthADot = 4096;
   const Cells area(grid, width, height);
   if (area.tooMany()) return std::nullopt;
   const auto all = static_cast<uint64_t>(area.width * area.height);
-  if (dotsStruck(page) < all / kCellsWorthADot) return countFewCells(page, model, grid, area);
-  const auto drawn = drawCells(page, model, grid, width, height);
+  if (dotsStruck(page) < all / kCellsWorthADot) return countFewCells(page, model, grid, area, extent);
+  const auto drawn = drawCells(page, model, grid, width, height, extent);
   if (!drawn) return std::nullopt;
   std::array<uint64_t, 2> counts{};
   for (const uint8_t cell : drawn->cells) {

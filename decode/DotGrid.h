@@ -77,7 +77,7 @@ enum class Extent : uint8_t {
 /// page's dots are worth. None where drawCells() gives none.
 [[nodiscard]] std::optional<std::array<uint64_t, 2>> countCells(const Page& page, Model model,
                                                                 const Grid& grid, int64_t width,
-                                                                int64_t height);
+                                                                int64_t height, Extent extent);
 
 /// The cells that such an area has.
 [[nodiscard]] int64_t cellsIn(const Grid& grid, int64_t width, int64_t height);

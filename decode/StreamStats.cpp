@@ -99,30 +99,34 @@ class Tally {
 struct Covered {
   std::array<double, 2> inked{};
   double all = 0;
+  std::array<uint64_t, 2> places{};
 };
 
 bool addCovered(const Page& page, Model model, int64_t width, Covered& covered) {
   if (page.lines == 0) return false;
   Grid grid;
   grid.add(page);
-  const auto counts = countCells(page, model, grid, width, formLength(page));
-  if (!counts) return false;
+  const auto counts = countCells(page, model, grid, width, formLength(page), Extent::Whole);
+  const auto places = countCells(page, model, grid, width, formLength(page), Extent::Origin);
+  if (!counts || !places) return false;
   const auto area = static_cast<double>(grid.cell() * grid.cell());
   for (size_t ink = 0; ink < counts->size(); ++ink) {
     covered.inked.at(ink) += static_cast<double>(counts->at(ink)) * area;
+    covered.places.at(ink) += places->at(ink);
   }
   covered.all += static_cast<double>(cellsIn(grid, width, formLength(page))) * area;
   return true;
 }
 
-std::optional<std::array<double, 2>> coverageOf(Bytes stream, Model model, int64_t width) {
+void lookAtPaper(Bytes stream, Model model, int64_t width, StreamStats& stats) {
   PageReader reader(stream, model);
   Covered covered;
   while (const auto page = reader.next()) {
-    if (!addCovered(*page, model, width, covered)) return std::nullopt;
+    if (!addCovered(*page, model, width, covered)) return;
   }
-  if (covered.all == 0) return std::nullopt;
-  return std::array{covered.inked[0] / covered.all, covered.inked[1] / covered.all};
+  if (covered.all == 0) return;
+  stats.coverage = {covered.inked[0] / covered.all, covered.inked[1] / covered.all};
+  stats.places = covered.places;
 }
 
 }  // namespace
@@ -134,7 +138,7 @@ StreamStats readStats(Bytes stream, Model model, const Speeds& speeds, int64_t p
   CommandReader reader(stream, isOrlo(model));
   while (const auto command = reader.next()) tally.take(*command);
   tally.finish();
-  stats.coverage = coverageOf(stream, model, paperWidth);
+  lookAtPaper(stream, model, paperWidth, stats);
   PageReader pages(stream, model);
   while (pages.next()) {
   }

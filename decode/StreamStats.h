@@ -24,6 +24,9 @@ struct StreamStats {
   uint64_t bands = 0;              ///< stretches printed without a move of a band's height
   uint64_t blocks = 0;             ///< bit images
   std::array<uint64_t, 2> dots{};  ///< struck, black and red; one struck twice counts twice
+  /// Places on the forms that hold a dot, black and red, one struck twice counted
+  /// once; none where `coverage` is none.
+  std::optional<std::array<uint64_t, 2>> places;
   uint64_t passes = 0;             ///< runs of the head in one colour without a paper move
   uint64_t paperMoves = 0;         ///< forward and back, form feeds apart
   int64_t movedOn = 0;             ///< units

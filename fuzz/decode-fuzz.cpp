@@ -42,7 +42,7 @@ void drawPages(Bytes stream, Model model) {
     grid.add(*page);
     const Area area = inkedArea(*page, model, grid);
     require(area.left <= area.right && area.top <= area.bottom);
-    const auto counts = countCells(*page, model, grid, kSide, kSide);
+    const auto counts = countCells(*page, model, grid, kSide, kSide, Extent::Whole);
     require(counts.has_value());
     const auto all = static_cast<uint64_t>(cellsIn(grid, kSide, kSide));
     require(counts->at(0) <= all && counts->at(1) <= all);

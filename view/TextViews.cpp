@@ -13,27 +13,31 @@ namespace {
 void printStats(const decode::StreamStats& stats, const Stream& stream,
                 const decode::Speeds& speeds) {
   const auto count = [](const char* key, uint64_t value) {
-    (void)std::printf("%-11s %" PRIu64 "\n", key, value);
+    (void)std::printf("%-12s %" PRIu64 "\n", key, value);
   };
   count("pages", stats.pages);
   count("bands", stats.bands);
   count("black dots", stats.dots[0]);
   count("red dots", stats.dots[1]);
+  if (stats.places) {
+    count("black places", stats.places->at(0));
+    count("red places", stats.places->at(1));
+  }
   count("blocks", stats.blocks);
   count("bytes", stats.bytes);
   count("head passes", stats.passes);
   count("paper moves", stats.paperMoves);
-  (void)std::printf("moved on    %.1f mm\n", decode::millimetres(stats.movedOn));
-  (void)std::printf("moved back  %.1f mm\n", decode::millimetres(stats.movedBack));
+  (void)std::printf("moved on     %.1f mm\n", decode::millimetres(stats.movedOn));
+  (void)std::printf("moved back   %.1f mm\n", decode::millimetres(stats.movedBack));
   if (stats.coverage) {
-    (void)std::printf("black ink   %.2f %% of the paper\n", 100 * stats.coverage->at(0));
-    (void)std::printf("red ink     %.2f %% of the paper\n", 100 * stats.coverage->at(1));
+    (void)std::printf("black ink    %.2f %% of the paper\n", 100 * stats.coverage->at(0));
+    (void)std::printf("red ink      %.2f %% of the paper\n", 100 * stats.coverage->at(1));
   } else {
-    (void)std::printf("black ink   unknown\nred ink     unknown\n");
+    (void)std::printf("black ink    unknown\nred ink      unknown\n");
   }
-  (void)std::printf("time        %.1f s (head %g mm/s, feed %g mm/s)\n", stats.seconds, speeds.head,
+  (void)std::printf("time         %.1f s (head %g mm/s, feed %g mm/s)\n", stats.seconds, speeds.head,
                     speeds.feed);
-  (void)std::printf("model       %s\n", std::string(decode::nameOf(stream.model)).c_str());
+  (void)std::printf("model        %s\n", std::string(decode::nameOf(stream.model)).c_str());
 }
 
 }  // namespace

@@ -44,6 +44,30 @@ TEST(Stats, CountPagesBandsBlocksAndDots) {
   EXPECT_EQ(stats.movedBack, 20);
 }
 
+TEST(Stats, APlaceStruckTwiceHoldsOneDot) {
+  const Stream column = {0x80, 0, 0x01};
+  const Stream twice = ExpectedStream()
+                           .start(6)
+                           .block(0, 39, 1, column)
+                           .toX(0)
+                           .block(0, 39, 1, column)
+                           .toX(0)
+                           .block(1, 39, 1, column)
+                           .formFeed()
+                           .bytes();
+  const StreamStats stats = statsOf(twice);
+  EXPECT_EQ(stats.dots, (std::array<uint64_t, 2>{4, 2}));
+  EXPECT_EQ(stats.places, (std::array<uint64_t, 2>{2, 2}));
+  // The next form's places are others.
+  Stream pages = twice;
+  pages.insert(pages.end(), twice.begin(), twice.end());
+  EXPECT_EQ(statsOf(pages).places, (std::array<uint64_t, 2>{4, 4}));
+}
+
+TEST(Stats, WithoutTheLengthOfTheFormThereAreNoPlaces) {
+  EXPECT_FALSE(statsOf(ExpectedStream().add(blackBlock()).formFeed().bytes()).places.has_value());
+}
+
 TEST(Stats, AMoveThatOverwroteAnotherStartsABand) {
   const Stream stream = ExpectedStream()
                             .add(blackBlock())

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "escp/PageFixture.h"
-#include "reference/StreamReader.h"
 #include "support/Capture.h"
+#include "support/StreamText.h"
 
 namespace velka::testing {
 namespace {
@@ -87,11 +87,6 @@ tagOEMCFG randomOptions(std::mt19937& random) {
   if (sometimes(4)) o.sHeadPins = pick<int16_t>(random, {8, 48, 72, 5});
   if (sometimes(4)) o.sCopies = 3;
   return o;
-}
-
-std::string differenceOf(const Bytes& got, const Bytes& expected) {
-  return "got\n" + reference::describe(reference::readStream(got)) + "\nexpected\n" +
-         reference::describe(reference::readStream(expected));
 }
 
 // Renders `pages` of one job both ways and compares streams and results.

@@ -9,9 +9,9 @@
 
 #include "reference/ReferenceJob.h"
 #include "reference/ReferenceOptions.h"
-#include "reference/StreamReader.h"
 #include "support/FilterRun.h"
 #include "support/RasterBuilder.h"
+#include "support/StreamText.h"
 #include "support/TestPpd.h"
 
 namespace velka::testing {
@@ -43,9 +43,7 @@ inline Bytes expectedStream(const tagOEMCFG& options, const std::vector<RasterPa
 
 /// Compares two streams and decodes them where they differ.
 inline void expectSameStream(const Bytes& got, const Bytes& expected) {
-  EXPECT_TRUE(got == expected) << "got\n"
-                               << reference::describe(reference::readStream(got)) << "\nexpected\n"
-                               << reference::describe(reference::readStream(expected));
+  EXPECT_TRUE(got == expected) << differenceOf(got, expected);
 }
 
 /// A job on standard input with a PPD of these options.

@@ -1,6 +1,7 @@
 // Jobs of the standard model, byte for byte against the literal reference.
 #include <gtest/gtest.h>
 
+#include "StreamStats.h"
 #include "jobs/JobFixture.h"
 
 namespace velka::testing {
@@ -31,7 +32,7 @@ RasterPage solidPage(const cups_page_header2_t& header, uint8_t r, uint8_t g, ui
 }
 
 size_t dotsOf(const Bytes& stream, size_t colour) {
-  return reference::readStream(stream).dots.at(colour);
+  return decode::readStats(stream, decode::Model::Standard, {}, 0).dots.at(colour);
 }
 
 TEST(StandardJobs, OneMixedPageOnStandardInput) {

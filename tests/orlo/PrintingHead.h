@@ -1,6 +1,5 @@
-// A printer of this model, as far as its paper shows: it takes a command stream and
-// marks the dots that its head would strike. It knows the head's layout, the modes,
-// the units of moves and that a form feed takes the next sheet.
+// A printer of this model, as far as its paper shows: all dots that the head strikes
+// while the decoder reads a command stream, whatever pages they are on.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +17,8 @@ using Dot = std::pair<int64_t, int64_t>;
 inline constexpr int64_t kUnitsPerInch = 3600;
 
 struct Paper {
-  std::set<Dot> black;    ///< of the last sheet that has dots
-  std::set<Dot> red;      ///< the same
-  int64_t blackDots = 0;  ///< of all sheets, a dot struck twice counted once
-  int64_t redDots = 0;
+  std::set<Dot> black;
+  std::set<Dot> red;
   int64_t strikes = 0;  ///< dots struck, one struck twice counted twice
   int blocks = 0;
   int pages = 0;          ///< form feeds

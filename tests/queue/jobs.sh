@@ -32,19 +32,18 @@ print() {
   stream_of "$1" "$job"
 }
 
-# decode STREAM: lines "pages N", "black dots N", "red dots N" and others. The one
+# decode STREAM: lines "pages N", "black places N", "red places N" and others. The one
 # place that knows what reads which model's streams.
 decode() {
-  case $1 in
-    *-orlo-*) "$build/tests/queue/orlostat" "$1" ;;
-    *) "$build/view/velkaview" --stats --model standard "$1" ;;
-  esac
+  local model=standard
+  [[ $1 != *-orlo-* ]] || model=orlo-back
+  "$build/view/velkaview" --stats --model "$model" "$1"
 }
 
-# count WHAT STREAM
+# count WHAT STREAM. Places, not dots: the Orlo head may strike one twice.
 count() {
   local number
-  number=$(decode "$2" | sed -n "s/^$1  *//p") || true
+  number=$(decode "$2" | sed -n "s/^${1/dots/places}  *//p") || true
   echo "${number:-none}"
 }
 

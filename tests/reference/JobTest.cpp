@@ -1,9 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "PageReader.h"
+#include "StreamStats.h"
 #include "reference/ExpectedStream.h"
 #include "reference/ReferenceJob.h"
 #include "reference/ReferenceOptions.h"
-#include "reference/StreamReader.h"
 
 namespace velka::reference {
 namespace {
@@ -265,13 +266,16 @@ TEST(ReferenceJob, TheStreamReadsBackWithTheDotsOfThePage) {
   RasterPage page = whitePage(96, 12);
   paintRow(page, 0, blackInk);
   paintRow(page, 40, redInk);
-  const StreamContents contents = readStream(runJob(defaultOptions(), {page}));
-  EXPECT_FALSE(contents.malformedAt.has_value());
-  ASSERT_EQ(contents.pages.size(), 1U);
-  EXPECT_EQ(contents.pages[0].dots[0], 11U);
-  EXPECT_EQ(contents.pages[0].dots[1], 11U);
-  ASSERT_EQ(contents.pages[0].blocks.size(), 2U);
-  EXPECT_EQ(contents.pages[0].blocks[1].y, 80);
+  const Bytes stream = runJob(defaultOptions(), {page});
+  decode::PageReader reader(stream, decode::Model::Standard);
+  const auto decoded = reader.next();
+  ASSERT_TRUE(decoded.has_value());
+  ASSERT_EQ(decoded->blocks.size(), 2U);
+  EXPECT_EQ(decoded->blocks[1].y, 800);
+  EXPECT_FALSE(reader.next().has_value());
+  EXPECT_FALSE(reader.fault().has_value());
+  EXPECT_EQ(decode::readStats(stream, decode::Model::Standard, {}, 0).dots,
+            (std::array<uint64_t, 2>{11, 11}));
 }
 
 }  // namespace
