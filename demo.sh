@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # demo.sh [FILE.pdf]: prints a PDF the way CUPS would, as far as the printer's
 # plug: through the system's own filters and the PPD into CUPS raster, through
-# our filter into printer commands. Without a file it prints a page of its own.
+# our filter into printer commands; and draws the paper, for both models. Without
+# a file it prints a page of its own.
 set -euo pipefail
 
 usage() { echo "usage: ./demo.sh [FILE.pdf]"; }
@@ -99,6 +100,21 @@ remove_old_log() {
   rm -f "$log" || die "$log is in the way and not $(id -un)'s: remove it, or run this as root"
 }
 
+# view_page PICTURE ARGUMENT...
+view_page() {
+  local picture=$1
+  shift
+  "$velkaview" "$@" -o "$output/$picture" || die "velkaview could not draw $output/$picture"
+}
+
+# The Orlo model's job through velkaview's own chain, which ends in the same filter.
+view_orlo() {
+  local orlo=(--ppd build/release/ppd/velka-orlo.ppd)
+  view_page orlo.png "${orlo[@]}" --from "$document"
+  # The one in the README, small enough for it.
+  view_page demo-page.png "${orlo[@]}" --from "$document" --page 1 --dpi 60
+}
+
 check_log() {
   local line
   [[ -r $log ]] || die "the filter left no readable $log"
@@ -124,12 +140,18 @@ else
 fi
 say "Printing $document (standard model, 180 x 180 dpi)"
 echo "The job sets the option $option, so that the log names every option."
+# Before the job whose log is looked at: every job empties the log.
+rm -f "$output"/*.png
+view_orlo
 remove_old_log
 print_document "$(find_filters)"
 check_stream
 "$check_ink"
 check_log
+view_page standard.png --ppd build/release/ppd/velka-standard.ppd "$stream"
 
 say "The command stream is in $PWD/$stream"
 cat "$output/stats.txt"
 echo "The filter's log is $log, the other filters' are in $PWD/$output."
+say "What comes out of the printer, drawn by velkaview for both models"
+ls -1 "$PWD/$output"/standard*.png "$PWD/$output"/orlo*.png
