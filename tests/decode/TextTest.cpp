@@ -29,6 +29,7 @@ TEST(CommandText, TellsOffsetBytesNameAndMeaningInMillimetres) {
                                  .eject('0')
                                  .formFeed()
                                  .bytes());
+  const std::string block = "block of 1 columns, 180 x 180 dpi, 24 dots high, mode 39, at ";
   const std::vector<std::string> expected = {
       "        0      2  ESC @     initialise",
       "        2      2  ESC 2     line spacing 4.233 mm",
@@ -39,8 +40,7 @@ TEST(CommandText, TellsOffsetBytesNameAndMeaningInMillimetres) {
       "       21      6  ESC ( U   unit 0.4233 mm (60/3600 inch)",
       "       27      4  ESC $     head to 38.100 mm",
       "       31      3  ESC r     print in red",
-      "       34      8  ESC *     block of 1 columns, 180 x 180 dpi, 24 dots high, mode 39, "
-      "at 38.100, 25.400 mm",
+      "       34      8  ESC *     " + block + "38.100, 25.400 mm",
       "       42      4  GS EOT T  eject mode 0",
       "       46      1  FF        end of the page",
   };

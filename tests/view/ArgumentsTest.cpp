@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Arguments.h"
 
 namespace velka::view {
@@ -9,9 +11,9 @@ using Result = std::variant<Arguments, Answer, UsageError>;
 
 Result read(std::vector<std::string> words) {
   words.insert(words.begin(), "velkaview");
-  std::vector<char*> pointers;
-  for (std::string& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
+  std::vector<char*> pointers(words.size() + 1, nullptr);
+  std::transform(words.begin(), words.end(), pointers.begin(),
+                 [](std::string& word) { return word.data(); });
   return readArguments(static_cast<int>(words.size()), pointers.data());
 }
 

@@ -80,7 +80,7 @@ TEST_F(Program, NamesPicturesAfterTheOutput) {
 
 TEST_F(Program, AStreamCutOffGivesItsOffsetStatusOneAndThePagesSoFar) {
   auto bytes = page().add(page()).bytes();
-  bytes.resize(bytes.size() - 3);
+  bytes.erase(bytes.end() - 3, bytes.end());
   put("job.prn", bytes);
   const FilterResult result = run({"job.prn"});
   EXPECT_EQ(result.status, 1);
