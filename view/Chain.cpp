@@ -24,7 +24,13 @@ class WorkFolder {
   WorkFolder() {
     std::error_code error;
     std::string name = fs::temp_directory_path(error) / "velkaview-XXXXXX";
-    if (!error && mkdtemp(name.data()) != nullptr) path_ = name;
+    if (error) {
+      trouble_ = error.message();
+    } else if (mkdtemp(name.data()) == nullptr) {
+      trouble_ = std::strerror(errno);
+    } else {
+      path_ = name;
+    }
   }
   ~WorkFolder() {
     std::error_code ignored;
@@ -33,12 +39,15 @@ class WorkFolder {
   WorkFolder(const WorkFolder&) = delete;
   WorkFolder& operator=(const WorkFolder&) = delete;
 
-  [[nodiscard]] bool made() const { return !path_.empty(); }
+  /// Why there is no folder; empty where there is one.
+  [[nodiscard]] const std::string& trouble() const { return trouble_; }
+  [[nodiscard]] const fs::path& path() const { return path_; }
   [[nodiscard]] std::string id() const { return path_.filename(); }
   [[nodiscard]] std::string operator/(const std::string& name) const { return path_ / name; }
 
  private:
   fs::path path_;
+  std::string trouble_;
 };
 
 // The copy that the filter takes pages from: where it looks, ours alone, gone at the
@@ -85,7 +94,7 @@ class Chain {
   explicit Chain(const ChainJob& job) : job_(job) {}
 
   Problem run(std::vector<uint8_t>& stream) {
-    if (!folder_.made()) return std::string("no temporary folder: ") + std::strerror(errno);
+    if (!folder_.trouble().empty()) return "no temporary folder: " + folder_.trouble();
     if (access(job_.pdf.c_str(), R_OK) != 0) return job_.pdf + ": " + std::strerror(errno);
     if (auto problem = findPrograms()) return problem;
     if (auto problem = step(toPages_, job_.pdf, "pages.pdf")) return problem;
@@ -105,7 +114,8 @@ class Chain {
     step.arguments = {folder_.id(), "velkaview", fs::path(job_.pdf).filename(), "1", job_.options};
     step.environment = {{"PPD", fs::absolute(job_.ppd)},
                         {"CONTENT_TYPE", "application/pdf"},
-                        {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"}};
+                        {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"},
+                        {"TMPDIR", folder_.path()}};
     step.input = input;
     step.output = folder_ / output;
     step.errors = folder_ / "errors";

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 
@@ -65,7 +66,9 @@ class SpawnSettings {
     posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, step.output.c_str(), kNew, 0600);
     posix_spawn_file_actions_addopen(&files, STDERR_FILENO, step.errors.c_str(), kNew, 0600);
     posix_spawnattr_setsigmask(&attributes, &held.before());
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    // A group of its own, so that what the program starts can be ended with it.
+    posix_spawnattr_setpgroup(&attributes, 0);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
   }
   ~SpawnSettings() {
     posix_spawn_file_actions_destroy(&files);
@@ -102,7 +105,7 @@ int waitFor(pid_t child) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child || (ended < 0 && errno != EINTR)) return status;
     if (!told && SignalsHeld::pending()) {
-      (void)kill(child, SIGTERM);
+      (void)kill(-child, SIGTERM);
       told = true;
     }
     (void)nanosleep(&kPause, nullptr);
@@ -112,7 +115,13 @@ int waitFor(pid_t child) {
 Problem judge(const Step& step, int status) {
   const std::string name = step.program.substr(step.program.rfind('/') + 1);
   if (SignalsHeld::pending()) return name + " was interrupted";
-  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return std::nullopt;
+  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+    // Filters may fail with status 0, so as not to stop a queue.
+    std::error_code error;
+    const bool silent = std::filesystem::file_size(step.output, error) == 0 && !error;
+    if (!silent || step.mayBeSilent) return std::nullopt;
+    return name + " wrote nothing" + lastWords(step.errors);
+  }
   const std::string how = WIFEXITED(status)
                               ? " failed with status " + std::to_string(WEXITSTATUS(status))
                               : " was ended by signal " + std::to_string(WTERMSIG(status));

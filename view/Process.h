@@ -17,11 +17,12 @@ struct Step {
   std::string input;                                             ///< file for standard input
   std::string output;  ///< files for standard output and standard error, made anew
   std::string errors;
+  bool mayBeSilent = false;  ///< whether an empty output is none of its failures
 };
 
 /// Runs a program and waits for it. What is wrong names the program and ends with its
 /// last words on standard error. A signal that `held` keeps back ends the program
-/// too, and takes effect on us when `held` goes.
+/// and what it started, too, and takes effect on us when `held` goes.
 [[nodiscard]] Problem runStep(const Step& step, const SignalsHeld& held);
 
 }  // namespace velka::view

@@ -87,7 +87,7 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--f", "a"}, "unknown or unclear option '--f'"},
       {{"-q", "a"}, "unknown option '-q'"},
       {{"a", "--model"}, "option '--model' needs a value"},
-      {{"--model", "epson", "a"}, "invalid value 'epson' for --model"},
+      {{"--model", "other", "a"}, "invalid value 'other' for --model"},
       {{"--format", "gif", "a"}, "invalid value 'gif' for --format"},
       {{"--page", "0", "a"}, "invalid value '0' for --page"},
       {{"--page", "3-2", "a"}, "invalid value '3-2' for --page"},

@@ -38,6 +38,15 @@ TEST(Process, AFailureIsToldWithTheLastWordsThatMatter) {
   EXPECT_EQ(runStep(shell(folder, "kill -9 $$"), held), "sh was ended by signal 9");
 }
 
+TEST(Process, AnEmptyOutputIsAFailureUnlessItIsExpected) {
+  const TempFolder folder;
+  const SignalsHeld held;
+  Step step = shell(folder, "echo The PPD file could not be opened. >&2");
+  EXPECT_EQ(runStep(step, held), "sh wrote nothing: The PPD file could not be opened.");
+  step.mayBeSilent = true;
+  EXPECT_FALSE(runStep(step, held).has_value());
+}
+
 TEST(Process, AMissingProgramIsTold) {
   const TempFolder folder;
   const SignalsHeld held;
