@@ -62,12 +62,10 @@ file(GLOB definitions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/ppd/velka/*.defs)
 file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
 file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 
-set(folders ${filter_folder} ${drv_folder} ${defs_folder} ${doc_folder}/docs)
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${drv_folder} ${defs_folder} ${doc_folder}/docs
+  ${man_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
-endif()
-if(man_pages)
-  list(APPEND folders ${man_folder})
 endif()
 # Before any file: folders that are missing would get the modes of the umask.
 install(CODE "set(folders \"${folders}\")
@@ -80,12 +78,10 @@ function(install_data folder)
   install(FILES ${ARGN} DESTINATION ${folder} PERMISSIONS ${data_modes})
 endfunction()
 
-foreach(program rastovelka velkapdfcopy)
-  if(TARGET ${program})
-    install(TARGETS ${program} RUNTIME DESTINATION ${filter_folder}
-      PERMISSIONS ${program_modes})
-  endif()
-endforeach()
+install(TARGETS rastovelka velkapdfcopy RUNTIME DESTINATION ${filter_folder}
+  PERMISSIONS ${program_modes})
+install(TARGETS velkaview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  PERMISSIONS ${program_modes})
 
 install_data(${drv_folder} ${PROJECT_SOURCE_DIR}/ppd/velka.drv)
 install_data(${defs_folder} ${definitions})
@@ -95,9 +91,7 @@ if(VELKA_BUILD_PPDS)
 endif()
 install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md)
 install_data(${doc_folder}/docs ${documents})
-if(man_pages)
-  install_data(${man_folder} ${man_pages})
-endif()
+install_data(${man_folder} ${man_pages})
 install(SCRIPT cmake/AfterInstall.cmake)
 
 add_custom_target(uninstall

@@ -143,7 +143,8 @@ std::optional<std::array<uint64_t, 2>> countCells(const Page& page, Model model,
   const Cells area(grid, width, height);
   if (area.tooMany()) return std::nullopt;
   const auto all = static_cast<uint64_t>(area.width * area.height);
-  if (dotsStruck(page) < all / kCellsWorthADot) return countFewCells(page, model, grid, area, extent);
+  if (dotsStruck(page) < all / kCellsWorthADot)
+    return countFewCells(page, model, grid, area, extent);
   const auto drawn = drawCells(page, model, grid, width, height, extent);
   if (!drawn) return std::nullopt;
   std::array<uint64_t, 2> counts{};

@@ -27,11 +27,11 @@ struct StreamStats {
   /// Places on the forms that hold a dot, black and red, one struck twice counted
   /// once; none where `coverage` is none.
   std::optional<std::array<uint64_t, 2>> places;
-  uint64_t passes = 0;             ///< runs of the head in one colour without a paper move
-  uint64_t paperMoves = 0;         ///< forward and back, form feeds apart
-  int64_t movedOn = 0;             ///< units
-  int64_t movedBack = 0;           ///< units
-  double seconds = 0;              ///< estimate of the printing time
+  uint64_t passes = 0;      ///< runs of the head in one colour without a paper move
+  uint64_t paperMoves = 0;  ///< forward and back, form feeds apart
+  int64_t movedOn = 0;      ///< units
+  int64_t movedBack = 0;    ///< units
+  double seconds = 0;       ///< estimate of the printing time
   /// Share of the cells of all forms that hold black and red, of 1; none where a
   /// form's size is not known or a page is too large to draw.
   std::optional<std::array<double, 2>> coverage;

@@ -35,8 +35,8 @@ void printStats(const decode::StreamStats& stats, const Stream& stream,
   } else {
     (void)std::printf("black ink    unknown\nred ink      unknown\n");
   }
-  (void)std::printf("time         %.1f s (head %g mm/s, feed %g mm/s)\n", stats.seconds, speeds.head,
-                    speeds.feed);
+  (void)std::printf("time         %.1f s (head %g mm/s, feed %g mm/s)\n", stats.seconds,
+                    speeds.head, speeds.feed);
   (void)std::printf("model        %s\n", std::string(decode::nameOf(stream.model)).c_str());
 }
 

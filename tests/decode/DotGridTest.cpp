@@ -100,7 +100,8 @@ TEST(DotGrid, AreasWithTooManyCellsAreRefused) {
   const Grid grid;
   EXPECT_TRUE(drawCells(page, Model::Standard, grid, 3600, 3600).has_value());
   EXPECT_FALSE(drawCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40));
-  EXPECT_FALSE(countCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40));
+  EXPECT_FALSE(
+      countCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40, Extent::Whole));
   const auto nothing = drawCells(page, Model::Standard, grid, -5, 100);
   ASSERT_TRUE(nothing.has_value());
   EXPECT_TRUE(nothing->cells.empty());
@@ -119,8 +120,8 @@ TEST(DotGrid, CountsCellsTheSameOnLargeAndOnSmallForms) {
   const Page page = pageOf(stream);
   const Grid grid = gridOf(page);
   const std::array<uint64_t, 2> expected = {27, 6};
-  EXPECT_EQ(countCells(page, Model::Standard, grid, 720, 720), expected);
-  EXPECT_EQ(countCells(page, Model::Standard, grid, 36000, 36000), expected);
+  EXPECT_EQ(countCells(page, Model::Standard, grid, 720, 720, Extent::Whole), expected);
+  EXPECT_EQ(countCells(page, Model::Standard, grid, 36000, 36000, Extent::Whole), expected);
 }
 
 }  // namespace

@@ -29,10 +29,9 @@ listing() { (cd "$1" && find . -mindepth 1 -printf '%y %04m %P\n' | LC_ALL=C sor
 files_of() {
   local name
   for name in rastovelka velkapdfcopy; do
-    if [[ -x $build/filter/$name || -x $build/pdfcopy/$name ]]; then
-      echo "f 0755 lib/cups/filter/$name"
-    fi
+    echo "f 0755 lib/cups/filter/$name"
   done
+  echo "f 0755 bin/velkaview"
   echo "f 0644 share/cups/drv/velka.drv"
   for name in distance levels limit options paper pdfcopy tone; do
     echo "f 0644 share/cups/ppdc/velka/$name.defs"
@@ -45,7 +44,7 @@ files_of() {
     echo "f 0644 share/doc/velka/$name"
   done
   for name in docs/*.1; do
-    if [[ -e $name ]]; then echo "f 0644 share/man/man1/${name#docs/}"; fi
+    echo "f 0644 share/man/man1/${name#docs/}"
   done
 }
 

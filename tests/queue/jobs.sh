@@ -32,18 +32,23 @@ print() {
   stream_of "$1" "$job"
 }
 
-# decode STREAM: lines "pages N", "black places N", "red places N" and others. The one
-# place that knows what reads which model's streams.
+# decode STREAM: lines "pages N", "black dots N", "red dots N" and others. The Orlo
+# head may strike a dot twice; places on the paper count it once. The one place that
+# knows what reads which model's streams.
 decode() {
-  local model=standard
-  [[ $1 != *-orlo-* ]] || model=orlo-back
-  "$build/view/velkaview" --stats --model "$model" "$1"
+  case $1 in
+    *-orlo-*)
+      "$build/view/velkaview" --stats --model orlo-back "$1" |
+        sed -e '/^[a-z]* dots /d' -e 's/ places / dots /'
+      ;;
+    *) "$build/view/velkaview" --stats --model standard "$1" ;;
+  esac
 }
 
-# count WHAT STREAM. Places, not dots: the Orlo head may strike one twice.
+# count WHAT STREAM
 count() {
   local number
-  number=$(decode "$2" | sed -n "s/^${1/dots/places}  *//p") || true
+  number=$(decode "$2" | sed -n "s/^$1  *//p") || true
   echo "${number:-none}"
 }
 
