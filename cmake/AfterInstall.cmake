@@ -5,3 +5,5 @@ cmake_path(NORMAL_PATH cups_filters)
 if("$ENV{DESTDIR}" STREQUAL "" AND NOT filters STREQUAL cups_filters)
   message(STATUS "Note: the filters are in ${filters}, but CUPS looks for them in ${cups_filters}.")
 endif()
+# The list of files, which is written next, does not say where it was staged.
+file(WRITE "${build_folder}/install_destdir.txt" "$ENV{DESTDIR}")

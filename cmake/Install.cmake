@@ -59,7 +59,8 @@ set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
 set(doc_folder ${CMAKE_INSTALL_DOCDIR})
 set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
 file(GLOB definitions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/ppd/velka/*.defs)
-file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+file(GLOB documents CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.png)
 file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 
 set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${drv_folder} ${defs_folder} ${doc_folder}/docs
@@ -69,6 +70,7 @@ if(VELKA_BUILD_PPDS)
 endif()
 # Before any file: folders that are missing would get the modes of the umask.
 install(CODE "set(folders \"${folders}\")
+set(build_folder \"${PROJECT_BINARY_DIR}\")
 set(filters \"${filter_folder}\")
 set(cups_filters \"${cups_serverbin}/filter\")")
 install(SCRIPT cmake/BeforeInstall.cmake)

@@ -13,6 +13,15 @@ function(remove_own_folder folder)
   endwhile()
 endfunction()
 
+cmake_path(REPLACE_FILENAME MANIFEST install_destdir.txt OUTPUT_VARIABLE stage_file)
+if(EXISTS "${stage_file}")
+  file(READ "${stage_file}" stage)
+  if(NOT stage STREQUAL "$ENV{DESTDIR}")
+    message(FATAL_ERROR "The last installation was made with DESTDIR=${stage}; "
+      "remove it with the same, or install again first.")
+  endif()
+endif()
+
 set(installed "")
 if(EXISTS "${MANIFEST}")
   file(STRINGS "${MANIFEST}" installed)

@@ -6,13 +6,34 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "FixedText.h"
 #include "MarkedOptions.h"
+#include "OwnFile.h"
 #include "PlainNames.h"
 #include "rastovelka.h"
 
 volatile std::sig_atomic_t Canceled = 0;
 
 namespace velka {
+namespace {
+
+FixedText earlyCopy;
+
+extern "C" void endEarly(int signal) {
+  removeOwnFile(earlyCopy.text());
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+}  // namespace
+
+void dropCopyOnEarlyEnd(int argc, char* argv[]) noexcept {
+  if (argc < 2 || argv == nullptr || !isPlainName(argv[1])) return;
+  earlyCopy = formatText("%s%s.pdf", kJobFilePrefix.data(), argv[1]);
+  struct sigaction end = {};
+  end.sa_handler = endEarly;
+  if (!earlyCopy.cut) sigaction(SIGTERM, &end, nullptr);
+}
 
 void installSignals() noexcept {
   struct sigaction cancel = {};

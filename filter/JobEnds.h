@@ -4,6 +4,11 @@
 
 namespace velka {
 
+/// Until installSignals() SIGTERM ends the process, as it would without this, and
+/// takes the job's PDF copy along: nobody else would. Nothing happens for a job id
+/// that may not be part of a path.
+void dropCopyOnEarlyEnd(int argc, char* argv[]) noexcept;
+
 /// SIGTERM sets `Canceled` and lets a system call it meets go on; SIGPIPE is
 /// ignored, so that writes report a broken pipe.
 void installSignals() noexcept;

@@ -113,12 +113,14 @@ std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
 
 int RunFilter(int argc, char* argv[]) noexcept {
   velka::fillStandardDescriptors();
+  velka::dropCopyOnEarlyEnd(argc, argv);
   std::setvbuf(stderr, nullptr, _IONBF, 0);
   StartLog4z();
   int fd = 0;
   // Without a PPD the stream is never closed; a static keeps that from being a leak.
   static cups_raster_t* raster = nullptr;
-  // Deliberate: a failed start is reported as success, or CUPS would stop the queue.
+  // Deliberate: a failed start is reported as success; an error status would have CUPS
+  // hold the job as failed.
   if (OpenPageStream(argc, argv, &fd, &raster) != 0) return 0;
   Canceled = 0;
   velka::installSignals();

@@ -10,8 +10,8 @@
 
 namespace velka {
 
-/// One job's copy while it is made. At most one lives at a time, because SIGTERM has
-/// to find it. Goes with all it made unless it was kept.
+/// One job's copy while it is made. At most one lives at a time, because a signal
+/// has to find it. Goes with all it made unless it was kept.
 class CopyFile {
  public:
   /// Makes the file, mode 0600, under a name that nobody knows.
@@ -25,8 +25,8 @@ class CopyFile {
   [[nodiscard]] int descriptor() const noexcept { return file_.get(); }
   [[nodiscard]] const char* name() const noexcept { return name_.text(); }
 
-  /// Gives the file its name, in one step and only where that is free. Returns
-  /// whether it has it; errno says why not.
+  /// Gives the file its name, in one step and only where that is free or held by a copy
+  /// that an earlier run of the job left. Returns whether it has it; errno says why not.
   [[nodiscard]] bool publish() noexcept;
 
   /// The copy is the printing filter's from here on.
@@ -37,15 +37,15 @@ class CopyFile {
   UniqueFd file_;
 };
 
-/// Lets SIGTERM end the process at once with status 1, the copy removed and the
-/// process named by `endWithJob` told to end too. A closed pipe and a
+/// Lets SIGTERM, SIGINT and SIGHUP end the process at once with status 1, the copy
+/// removed and the process named by `endWithJob` told to end too. A closed pipe and a
 /// file that may not grow are errors of the write, no signals.
 void installCopySignals() noexcept;
 
-/// The process that SIGTERM is passed on to; 0 for none.
+/// The process that is told to end with this one; 0 for none.
 void endWithJob(pid_t child) noexcept;
 
-/// Holds SIGTERM back while it lives.
+/// Holds those signals back while it lives.
 class SignalsHeldBack {
  public:
   SignalsHeldBack() noexcept;

@@ -11,12 +11,13 @@
 #include <string>
 
 #include "CopyFile.h"
+#include "DocumentKind.h"
 #include "FilterMessages.h"
 #include "MarkedOptions.h"
-#include "PictureToPdf.h"
 #include "PlainNames.h"
 #include "Spool.h"
 #include "StandardDescriptors.h"
+#include "SystemConverter.h"
 
 namespace velka {
 namespace {
@@ -48,17 +49,9 @@ int statusOf(Passage passage) {
   return 0;
 }
 
-// Readers of PDF look for the header in this many bytes.
-constexpr size_t kHeadSize = 1024;
-
-bool isPdf(const std::string& head) noexcept {
-  return head.find("%PDF-") != std::string::npos;
-}
-
-bool copied(Passage passage, const CopyFile& copy) {
+bool stored(Passage passage, const std::string& where) {
   if (passage == Passage::CannotRead) tellSystemError("Cannot read the job");
-  if (passage == Passage::CannotWrite)
-    tellSystemError(std::string("Cannot write the PDF copy ") + copy.name());
+  if (passage == Passage::CannotWrite) tellSystemError("Cannot write " + where);
   return passage == Passage::Complete;
 }
 
@@ -69,8 +62,8 @@ bool published(CopyFile& copy) {
   }
   if (errno == EEXIST) {
     tellScheduler(MessageLevel::Error, std::string(copy.name()) +
-                                           " is there already and not replaced: the job's pages "
-                                           "would come from it");
+                                           " is there already and none of our copies: remove it "
+                                           "and print the job again");
   } else {
     tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
   }
@@ -80,20 +73,36 @@ bool published(CopyFile& copy) {
 // Leaves the copy and opens what goes to the next filter.
 UniqueFd copyOfPdf(const std::string& head, int input, CopyFile& copy) {
   UniqueFd original(fcntl(copy.descriptor(), F_DUPFD_CLOEXEC, 0));
-  const bool whole = copied(passOn(head, input, copy.descriptor()), copy) && published(copy);
+  const Passage passage = passOn(head, input, copy.descriptor());
+  const bool whole = stored(passage, "the PDF copy " + std::string(copy.name())) && published(copy);
   return whole ? std::move(original) : UniqueFd();
 }
 
-UniqueFd copyOfPicture(const std::string& head, int input, char* argv[], CopyFile& copy) {
+// The same for a document that a filter of the print system makes a PDF of.
+UniqueFd copyOfOther(const std::string& filter, const std::string& head, int input, char* argv[],
+                     CopyFile& copy) {
   UniqueFd original = namelessFile();
-  if (!original || passOn(head, input, original.get()) != Passage::Complete ||
-      lseek(original.get(), 0, SEEK_SET) != 0) {
-    tellSystemError("Cannot store the picture");
-    return UniqueFd();
+  if (!original) {
+    tellSystemError("Cannot make a temporary file");
+    return original;
   }
-  tellScheduler(MessageLevel::Info, "Making a PDF of the picture");
-  const bool whole = makePdfOfPicture(argv, original.get(), copy.descriptor()) && published(copy);
+  if (!stored(passOn(head, input, original.get()), "a temporary file")) return UniqueFd();
+  lseek(original.get(), 0, SEEK_SET);
+  tellScheduler(MessageLevel::Info, "Making a PDF of the document");
+  const bool whole = makePdf(filter, argv, original.get(), copy.descriptor()) && published(copy);
   return whole ? std::move(original) : UniqueFd();
+}
+
+UniqueFd leaveCopy(const std::string& head, int input, char* argv[], CopyFile& copy) {
+  switch (documentKind(head)) {
+    case DocumentKind::Pdf:
+      return copyOfPdf(head, input, copy);
+    case DocumentKind::PostScript:
+      return copyOfOther("gstopdf", head, input, argv, copy);
+    case DocumentKind::Picture:
+      break;
+  }
+  return copyOfOther("imagetopdf", head, input, argv, copy);
 }
 
 int passOnWithCopy(int input, char* argv[]) {
@@ -113,8 +122,7 @@ int passOnWithCopy(int input, char* argv[]) {
     tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
     return 1;
   }
-  const UniqueFd original =
-      isPdf(head) ? copyOfPdf(head, input, copy) : copyOfPicture(head, input, argv, copy);
+  const UniqueFd original = leaveCopy(head, input, argv, copy);
   if (!original) return 1;
   lseek(original.get(), 0, SEEK_SET);
   const int status = statusOf(passOn(original.get(), STDOUT_FILENO));

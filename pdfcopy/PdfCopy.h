@@ -7,7 +7,8 @@ namespace velka {
 /// Runs the filter: arguments job-id, user, title, copies, options, [file], as the
 /// print scheduler passes them, and the environment's PPD. Where the marked options
 /// take the pages from the PDF, the job's copy is complete under its name before
-/// the first byte goes out; of a picture a PDF is made for that.
+/// the first byte goes out; of a picture or PostScript a PDF is
+/// made for that.
 /// Returns the exit status: 1, after a message, when the copy cannot be made (the
 /// pages would come out white) or not all bytes could be passed on; no copy is left
 /// then, nor after SIGTERM.

@@ -11,6 +11,12 @@ unset DESTDIR
 manifest=$build/install_manifest.txt
 failures=0
 
+# Absolute folders would take the files past the temporary ones.
+if grep -E '^VELKA_CUPS_(SERVERBIN|DATADIR):STRING=/' "$build/CMakeCache.txt"; then
+  echo "error: configure with folders below the prefix to run this test" >&2
+  exit 1
+fi
+
 # The build folder is left as it was found.
 [[ ! -e $manifest ]] || cp -p "$manifest" "$work/manifest"
 trap 'rm -f "$manifest"; [[ ! -e $work/manifest ]] || cp -p "$work/manifest" "$manifest"
@@ -41,6 +47,9 @@ files_of() {
   done
   echo "f 0644 share/doc/velka/README.md"
   for name in docs/*.md; do
+    echo "f 0644 share/doc/velka/$name"
+  done
+  for name in docs/*.png; do
     echo "f 0644 share/doc/velka/$name"
   done
   for name in docs/*.1; do
@@ -110,6 +119,27 @@ check_staging() {
   [[ ! -e $stage/usr/share/doc/velka ]] || fail "our own folder stayed"
 }
 
+# The list of what was installed knows no DESTDIR: without it again the system's own
+# files would go.
+check_removal_elsewhere() {
+  DESTDIR=$work/stage2 installs --prefix /usr
+  if cmake --build "$build" --target uninstall >"$work/said" 2>&1; then
+    fail "what was staged is removed from the system"
+  fi
+  grep -q "DESTDIR=$work/stage2" "$work/said" || fail "not told where it was staged"
+  [[ -x $work/stage2/usr/lib/cups/filter/rastovelka ]] || fail "the stage was touched"
+}
+
+check_odd_prefix() {
+  local odd
+  for odd in "$work/a;b" "$work/a[b"; do
+    if (cd "$work" && cmake --install "$build" --prefix "$odd") >"$work/said" 2>&1; then
+      fail "a prefix that cannot be removed again was taken: $odd"
+    fi
+    [[ ! -e $odd ]] || fail "$odd was made"
+  done
+}
+
 # Without a prefix of the user's own it is the one CUPS lives in.
 check_default_prefix() {
   local folder
@@ -122,7 +152,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 check_prefix
 check_removal_from_prefix
 check_staging
+check_removal_elsewhere
+check_odd_prefix
 if grep -q '^CMAKE_INSTALL_PREFIX:PATH=/usr$' "$build/CMakeCache.txt"; then
   check_default_prefix
+else
+  echo "note: the build folder has a prefix of its own, so the default one is not looked at"
 fi
 ((failures == 0))

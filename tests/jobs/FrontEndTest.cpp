@@ -9,6 +9,7 @@
 #include <ctime>
 
 #include "jobs/JobFixture.h"
+#include "support/TestPdf.h"
 
 namespace velka::testing {
 namespace {
@@ -207,6 +208,31 @@ TEST(Cancelling, BetweenPagesReadsNoFurther) {
   const FilterResult result = runFilter(kFilter, job);
   EXPECT_EQ(result.status, 0);
   expectSameStream(result.output, expectedStream(reference::defaultOptions(), {pages[0]}));
+}
+
+// The copier has ended by then, so nobody else would remove the copy.
+TEST(Cancelling, BeforeTheRasterComesTakesTheCopyOfTheJobAlong) {
+  const TempFile ppd(ppdText({}));
+  const JobId id("early");
+  const JobId other("earlylink");
+  writeText(id.pdf(), "a copy");
+  writeText(other.pdf() + ".target", "somebody's");
+  ASSERT_EQ(symlink((other.pdf() + ".target").c_str(), other.pdf().c_str()), 0);
+  for (const JobId* job : {&id, &other}) {
+    FilterJob cancelled;
+    cancelled.ppd = ppd.path();
+    cancelled.arguments[0] = job->text();
+    unlink("/tmp/velka.log");
+    cancelled.feed = [&](int pid, int /*fd*/) {
+      EXPECT_TRUE(waitForLog("log4z thread started!"));
+      kill(pid, SIGTERM);
+    };
+    const FilterResult result = runFilter(kFilter, cancelled);
+    EXPECT_EQ(result.status, 128 + SIGTERM);
+    EXPECT_EQ(result.errors, "");
+  }
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
+  EXPECT_EQ(filesOf(other.text()).size(), 2U) << "a link is none of our copies";
 }
 
 TEST(Cancelling, BeforeTheFirstPageEndsWithOne) {

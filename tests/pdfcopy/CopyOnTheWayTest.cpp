@@ -27,7 +27,7 @@ class RunningCopy {
     toFilter = UniqueFd(in[1]);
     fromFilter = UniqueFd(out[0]);
   }
-  void terminate() const { kill(pid_, SIGTERM); }
+  void end(int signal) const { kill(pid_, signal); }
   [[nodiscard]] int status() const {
     int status = 0;
     waitpid(pid_, &status, 0);
@@ -92,13 +92,15 @@ TEST(CopyOnTheWay, IsCompleteBeforeTheFirstByteGoesOut) {
 }
 
 TEST(CopyOnTheWay, GoesWithAJobThatIsCancelledBeforeItIsComplete) {
-  CopyJob copy("early");
-  const RunningCopy filter(copy);
-  filter.send(copy.job.input);
-  EXPECT_TRUE(hasHiddenFile(copy));
-  filter.terminate();
-  EXPECT_EQ(filter.status(), 1);
-  EXPECT_TRUE(filesOf(copy.id.text()).empty());
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    CopyJob copy("early");
+    const RunningCopy filter(copy);
+    filter.send(copy.job.input);
+    EXPECT_TRUE(hasHiddenFile(copy));
+    filter.end(signal);
+    EXPECT_EQ(filter.status(), 1);
+    EXPECT_TRUE(filesOf(copy.id.text()).empty());
+  }
 }
 
 TEST(CopyOnTheWay, GoesWithAJobThatIsCancelledWhileItIsPassedOn) {
@@ -108,7 +110,7 @@ TEST(CopyOnTheWay, GoesWithAJobThatIsCancelledWhileItIsPassedOn) {
   filter.toFilter = UniqueFd();
   ASSERT_EQ(filter.receive(1), Bytes{'%'});
   ASSERT_TRUE(TempFile::exists(copy.id.pdf()));
-  filter.terminate();
+  filter.end(SIGTERM);
   EXPECT_EQ(filter.status(), 1);
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }

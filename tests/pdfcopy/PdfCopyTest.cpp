@@ -1,6 +1,7 @@
 // What comes in goes out, and a job that wants one finds its copy.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "FilterMessages.h"
@@ -103,6 +104,29 @@ TEST(PdfCopy, StopsTheJobWhereItsNameIsTaken) {
   writeText(copy.id.pdf(), "somebody's");
   expectStopped(copy, copy.run(), "is there already", 1);
   EXPECT_EQ(textOf(copy.id.pdf()), "somebody's");
+}
+
+// What an earlier run of the job left, if the file system lets a copy be told from
+// other files; a file that lost its mark counts as anybody's.
+TEST(PdfCopy, ReplacesACopyThatAnEarlierRunOfTheJobLeft) {
+  CopyJob copy("again");
+  ASSERT_EQ(copy.run().status, 0);
+  copy.job.input.push_back('2');
+  const FilterResult result = copy.run();
+  const bool marked = getxattr(copy.id.pdf().c_str(), "user.velka.pdfcopy", nullptr, 0) >= 0;
+  EXPECT_EQ(result.status, marked ? 0 : 1) << result.errors;
+  EXPECT_EQ(textOf(copy.id.pdf()), asText(marked ? copy.job.input : somePdf()));
+  EXPECT_EQ(filesOf(copy.id.text()).size(), 1U);
+  if (!marked) return;
+  ASSERT_EQ(removexattr(copy.id.pdf().c_str(), "user.velka.pdfcopy"), 0);
+  expectStopped(copy, copy.run(), "is there already", 1);
+}
+
+TEST(PdfCopy, DoesNotReplaceACopyWithASecondName) {
+  CopyJob copy("linked");
+  ASSERT_EQ(copy.run().status, 0);
+  ASSERT_EQ(link(copy.id.pdf().c_str(), (copy.id.pdf() + ".second").c_str()), 0);
+  expectStopped(copy, copy.run(), "is there already", 2);
 }
 
 TEST(PdfCopy, FollowsNoLinkAtItsName) {

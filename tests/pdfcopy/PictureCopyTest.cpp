@@ -1,9 +1,11 @@
 // Pictures get a PDF that the print system's own filter makes.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <thread>
 
+#include "DocumentKind.h"
 #include "pdfcopy/CopyFixture.h"
 
 namespace velka::testing {
@@ -21,8 +23,11 @@ class PictureJob : public CopyJob {
   explicit PictureJob(const std::string& name, const std::string& script = "")
       : CopyJob(name), folder_({"cat", "rm"}), serverBin_("CUPS_SERVERBIN", folder_.path()) {
     std::filesystem::create_directory(folder_.path() + "/filter");
-    if (!script.empty()) folder_.addScript("filter/imagetopdf", script);
+    if (!script.empty()) addConverter("imagetopdf", script);
     job.input = somePicture();
+  }
+  void addConverter(const std::string& name, const std::string& script) const {
+    folder_.addScript("filter/" + name, script);
   }
   [[nodiscard]] std::string note() const { return folder_.path() + "/note"; }
 
@@ -41,21 +46,21 @@ TEST(PictureCopy, IsThePdfThatThePrintSystemMakesOfThePicture) {
   EXPECT_EQ(textOf(copy.id.pdf()), "%PDF-\n<" + copy.id.text() +
                                        ">\n<user>\n<a title>\n<1>\n<Collate=True>\n" +
                                        asText(somePicture()));
-  EXPECT_NE(result.errors.find("\nINFO: Making a PDF of the picture\n"), std::string::npos);
+  EXPECT_NE(result.errors.find("\nINFO: Making a PDF of the document\n"), std::string::npos);
 }
 
 TEST(PictureCopy, TakesThePictureFromTheNamedFileAndHandsItOverAsStandardInput) {
-  PictureJob copy("named", "echo $#; cat");
+  PictureJob copy("named", "echo '%PDF-'; echo $#; cat");
   const TempFile file(asText(somePicture()), ".png");
   copy.job.arguments.push_back(file.path());
   copy.job.input = {};
   const FilterResult result = copy.run();
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_EQ(result.output, somePicture());
-  EXPECT_EQ(textOf(copy.id.pdf()), "5\n" + asText(somePicture()));
+  EXPECT_EQ(textOf(copy.id.pdf()), "%PDF-\n5\n" + asText(somePicture()));
 }
 
-TEST(PictureCopy, IsAPdfsOwnBytesWhereTheHeaderComesLate) {
+TEST(PdfCopy, IsThePdfsOwnBytesWhereItsHeaderComesLate) {
   PictureJob copy("late", "exit 1");
   copy.job.input = somePdf();
   copy.job.input.insert(copy.job.input.begin(), 1000, '\n');
@@ -68,8 +73,10 @@ TEST(PictureCopy, StopsTheJobWhenNoPdfCanBeMade) {
   const struct {
     const char* script;
     const char* message;
-  } cases[] = {{"cat; exit 3", "made no PDF of the picture, its status is 3"},
-               {"kill -9 $$", "made no PDF of the picture, its status is 137"},
+  } cases[] = {{"cat; exit 3", "made no PDF of the document, its status is 3"},
+               {"cat", "made no PDF of the document, its status is 0"},
+               {"true", "made no PDF of the document, its status is 0"},
+               {"kill -9 $$", "made no PDF of the document, its status is 137"},
                {"", "Cannot run "}};
   for (const auto& [script, message] : cases) {
     PictureJob copy("fails", script);
@@ -81,6 +88,35 @@ TEST(PictureCopy, StopsTheJobWhenNoPdfCanBeMade) {
   }
 }
 
+TEST(PictureCopy, StopsTheJobAlsoWhereTheCallerIgnoresItsChildren) {
+  PictureJob copy("children", "echo '%PDF-'; exit 3");
+  copy.job.arguments.insert(copy.job.arguments.begin(), {"--ignore-signal=CHLD", VELKA_PDFCOPY});
+  const FilterResult result = runFilter("/usr/bin/env", copy.job);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.errors.find("its status is 3"), std::string::npos) << result.errors;
+  EXPECT_TRUE(filesOf(copy.id.text()).empty());
+}
+
+TEST(PostScriptCopy, IsThePdfThatThePrintSystemMakesOfIt) {
+  PictureJob copy("postscript");
+  copy.addConverter("gstopdf", "echo '%PDF-'; cat");
+  copy.job.input = {'%', '!', 'P', 'S', '\n'};
+  const FilterResult result = copy.run();
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(result.output, copy.job.input);
+  EXPECT_EQ(textOf(copy.id.pdf()), "%PDF-\n%!PS\n");
+}
+
+TEST(DocumentKinds, AreToldByTheFirstBytes) {
+  EXPECT_EQ(documentKind("%PDF-1.4\n"), DocumentKind::Pdf);
+  EXPECT_EQ(documentKind("@PJL ENTER LANGUAGE=PDF\r\n%PDF-1.4\n"), DocumentKind::Pdf);
+  EXPECT_EQ(documentKind("%!PS-Adobe-3.0\n%PDF-1.4\n"), DocumentKind::Pdf);
+  EXPECT_EQ(documentKind("%!PS-Adobe-3.0\n"), DocumentKind::PostScript);
+  EXPECT_EQ(documentKind("P6\n# made from %PDF-1.4\n"), DocumentKind::Picture);
+  EXPECT_EQ(documentKind("%PDF"), DocumentKind::Picture);
+  EXPECT_EQ(documentKind(""), DocumentKind::Picture);
+}
+
 TEST(PictureCopy, IsNotMadeWhereThePagesComeFromTheRaster) {
   PictureJob copy("raster", "exit 1");
   copy.job.arguments[4] = "PdfPreprocess=no";
@@ -90,20 +126,30 @@ TEST(PictureCopy, IsNotMadeWhereThePagesComeFromTheRaster) {
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }
 
+// Half a minute at most.
+bool waitForNote(const PictureJob& copy, const std::string& text) {
+  for (int round = 0; round < 3000; ++round) {
+    if (textOf(copy.note()) == text) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
 TEST(PictureCopy, EndsTheConverterWithTheJob) {
   PictureJob copy("cancelled",
                   "trap 'echo told >\"$(dirname \"$0\")/../note\"; exit 1' TERM\n"
-                  "echo ready >\"$(dirname \"$0\")/../note\"; while :; do :; done");
+                  "echo ready >\"$(dirname \"$0\")/../note\"; rounds=0; "
+                  "while [ $rounds -lt 600 ]; do rounds=$((rounds + 1)); sleep 0.1; done");
   copy.job.feed = [&](int pid, int input) {
     const Bytes picture = somePicture();
     EXPECT_EQ(write(input, picture.data(), picture.size()), static_cast<ssize_t>(picture.size()));
     close(input);
-    while (textOf(copy.note()) != "ready\n") std::this_thread::yield();
+    EXPECT_TRUE(waitForNote(copy, "ready\n"));
     kill(pid, SIGTERM);
   };
   EXPECT_EQ(copy.run().status, 1);
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
-  while (textOf(copy.note()) != "told\n") std::this_thread::yield();
+  EXPECT_TRUE(waitForNote(copy, "told\n"));
 }
 
 }  // namespace

@@ -34,7 +34,8 @@ TEXT
 }
 
 make_documents() {
-  boxes 1 2 3 | ghostscript pdfwrite "$work/three.pdf"
+  boxes 1 2 3 >"$work/three.ps"
+  ghostscript pdfwrite "$work/three.pdf" <"$work/three.ps"
   boxes 2 | ghostscript pdfwrite "$work/two-inch.pdf"
   boxes 2 | ghostscript png16m "$work/two-inch.png" -r180
   boxes 2 | ghostscript jpeg "$work/two-inch.jpg" -r180
@@ -42,5 +43,5 @@ make_documents() {
   # Not white, and of three pages of 60 lines at most.
   seq -f 'line %g of a plain text' 150 >"$work/lines.txt"
   head -c 300 "$work/three.pdf" >"$work/broken.pdf"
-  chmod 644 "$work"/*.pdf "$work"/*.png "$work"/*.jpg "$work"/*.txt
+  chmod 644 "$work"/*.pdf "$work"/*.ps "$work"/*.png "$work"/*.jpg "$work"/*.txt
 }

@@ -13,8 +13,10 @@ submit() {
 
 # A job that is not printing or waiting any more, whatever became of it.
 is_over() {
+  local waiting
   kill -0 "$server" 2>/dev/null || die "cupsd ended: $(cat "$work/cupsd.out")"
-  ! lpstat -W not-completed -o "$1" | grep -q -- "-$2 " || is_stopped "$2"
+  waiting=$(lpstat -W not-completed -o "$1") || return 1
+  [[ $waiting != *"-$2 "* ]] || is_stopped "$2"
 }
 
 is_stopped() { grep -qF "[Job $1] Job stopped due to filter errors" "$log"; }

@@ -49,6 +49,36 @@ check_pdf_copies() {
   expect_no_complaints
 }
 
+# PostScript that the rasteriser takes as it is, without a PDF on the way.
+check_postscript() {
+  local queue source
+  for queue in "${queues[@]}"; do
+    for source in no yes; do
+      expect_counts "$queue, PostScript, $source" "$(print "$queue" "$work/three.ps" \
+        -o document-format=application/vnd.adobe-reader-postscript -o PdfPreprocess=$source)" \
+        3 "$(dots 6)" "$(dots 6)"
+    done
+  done
+  expect_no_complaints
+}
+
+# Documents of one job have one number, and so one name for their copies.
+check_several_documents() {
+  local queue source pdf png
+  for queue in "${queues[@]}"; do
+    for source in no yes; do
+      pdf=$(print "$queue" "$work/three.pdf" -o PdfPreprocess=$source)
+      png=$(print "$queue" "$work/two-inch.png" -o PdfPreprocess=$source)
+      cat "$png" "$pdf" >"$work/both"
+      expect_same "$queue, two documents, $source" "$work/both" \
+        "$(print "$queue" "$work/three.pdf" -o PdfPreprocess=$source "$work/two-inch.png")"
+      expect_counts "$queue, behind a banner, $source" "$(print "$queue" "$work/three.pdf" \
+        -o job-sheets=standard,none -o PdfPreprocess=$source)" 4 - -
+    done
+  done
+  expect_no_complaints
+}
+
 check_page_range() {
   local queue source stream
   for queue in "${queues[@]}"; do

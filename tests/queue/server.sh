@@ -55,6 +55,9 @@ link_system() {
 # Ours by the installer, the rest from the system.
 make_folders() {
   local part bin data
+  if grep -qE '^VELKA_CUPS_(SERVERBIN|DATADIR):STRING=/' "$build/CMakeCache.txt"; then
+    die "configure with folders below the prefix to run this test"
+  fi
   bin=$(cups-config --serverbin)
   data=$(cups-config --datadir)
   # Naming the component keeps the list that `uninstall` goes by as it is.
@@ -119,19 +122,23 @@ TEXT
 answers() { [[ $(lpstat -r 2>/dev/null) == "scheduler is running" ]]; }
 
 start_server() {
-  local cupsd files
   cupsd=$(PATH=$PATH:/usr/sbin:/sbin command -v cupsd) || die "there is no cupsd here"
   make_folders
   write_configuration
   # The commands' and the server's view of the world, whatever the caller's is.
   export CUPS_SERVER=$work/socket CUPS_SERVERROOT=$work/etc HOME=$work/home LC_ALL=C
   unset PPD PRINTER LPDEST CUPS_USER DESTDIR
-  files=(-c "$work/etc/cupsd.conf" -s "$work/etc/cups-files.conf")
-  "$cupsd" -t "${files[@]}" >"$work/cupsd.out" 2>&1 || die "$(cat "$work/cupsd.out")"
-  # Ends with this script, however that ends. A copy, because security profiles that
-  # know the system's server by its path would keep it from this folder.
+  server_files=(-c "$work/etc/cupsd.conf" -s "$work/etc/cups-files.conf")
+  "$cupsd" -t "${server_files[@]}" >"$work/cupsd.out" 2>&1 || die "$(cat "$work/cupsd.out")"
+  # A copy, because security profiles that know the system's server by its path would
+  # keep it from this folder.
   install -m 755 "$cupsd" "$work/cupsd"
-  setpriv --pdeathsig TERM "$work/cupsd" -f "${files[@]}" >"$work/cupsd.out" 2>&1 &
+  run_server
+}
+
+# Ends with this script, however that ends.
+run_server() {
+  setpriv --pdeathsig TERM "$work/cupsd" -f "${server_files[@]}" >"$work/cupsd.out" 2>&1 &
   server=$!
   wait_until "the server answers" server_is_up
 }
@@ -153,12 +160,16 @@ add_queues() {
   add_queue "$orlo" drv:///velka.drv/VELKAORL.PPD
 }
 
-stop_server() {
-  rm -f "$prints"/hold-*
+end_server() {
   [[ -n $server ]] || return 0
   kill "$server" 2>/dev/null || true
   wait "$server" 2>/dev/null || true
   server=
+}
+
+stop_server() {
+  rm -f "$prints"/hold-*
+  end_server
 }
 
 clean_up() {

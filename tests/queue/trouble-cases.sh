@@ -36,6 +36,77 @@ check_cancel() {
   expect_no_complaints "${cancelled[@]}"
 }
 
+# put_rasteriser SCRIPT: in the place of the system's.
+put_rasteriser() {
+  rm "$work/usr/lib/cups/filter/gstoraster"
+  printf '#!/bin/sh\n%s\n' "$1" >"$work/usr/lib/cups/filter/gstoraster"
+  chmod 755 "$work/usr/lib/cups/filter/gstoraster"
+}
+
+put_rasteriser_back() {
+  rm "$work/usr/lib/cups/filter/gstoraster"
+  ln -s "$(cups-config --serverbin)/filter/gstoraster" "$work/usr/lib/cups/filter/"
+}
+
+has_copy() { [[ -e /tmp/VK_TEMP_CUPS_$1.pdf ]]; }
+
+# Before the first byte of raster, when the copier has ended.
+check_early_cancel() {
+  local queue job cancelled=()
+  put_rasteriser "trap 'exit 0' TERM; cat >/dev/null; : >$prints/rasterising
+while :; do sleep 0.1; done"
+  for queue in "${queues[@]}"; do
+    rm -f "$prints/rasterising"
+    job=$(submit "$queue" "$work/three.pdf" -o PdfPreprocess=yes)
+    cancelled+=("$job")
+    wait_until "job $job is rasterised" test -e "$prints/rasterising"
+    has_copy "$job" || fail "$queue: no copy while job $job is rasterised"
+    wait_until "the filter of job $job runs" runs rastovelka "$queue"
+    cancel "$job"
+    wait_for_job "$queue" "$job"
+    expect_nothing_left "$queue" "$job"
+  done
+  put_rasteriser_back
+  expect_no_complaints "${cancelled[@]}"
+}
+
+# keeps_marks: whether the file system of /tmp lets a copy be told from other files;
+# else a job whose copy was left is not printed again.
+keeps_marks() {
+  local id=$first_job.marks status=0
+  for _ in 1 2; do
+    status=0
+    CUPS_SERVERBIN=$work PPD=$work/etc/ppd/$standard.ppd "$build/pdfcopy/velkapdfcopy" "$id" \
+      u t 1 PdfPreprocess=yes "$work/three.pdf" >/dev/null 2>&1 || status=1
+  done
+  rm -f "/tmp/VK_TEMP_CUPS_$id.pdf"
+  return "$status"
+}
+
+# A server that is stopped while a job prints starts that job anew when it comes back.
+check_server_restart() {
+  local queue source job jobs=()
+  if ! keeps_marks; then
+    echo "note: /tmp keeps no attributes, so a copy that was left stops its job"
+    return
+  fi
+  for source in no yes; do
+    for queue in "${queues[@]}"; do
+      hold "$queue"
+      job=$(submit "$queue" "$work/grey.pdf" -o Resolution=360dpi -o PdfPreprocess=$source)
+      jobs+=("$job")
+      wait_until_held "$queue" "$job"
+      end_server
+      release "$queue"
+      run_server
+      wait_for_job "$queue" "$job"
+      expect_counts "$queue, printed anew, $source" "$(stream_of "$queue" "$job")" 1 - 0
+      expect_nothing_left "$queue" "$job"
+    done
+  done
+  expect_no_complaints "${jobs[@]}"
+}
+
 # The log names the broken job as one that failed, and no other.
 check_broken_document() {
   local queue source job broken=()

@@ -1,4 +1,4 @@
-#include "PictureToPdf.h"
+#include "SystemConverter.h"
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -8,25 +8,25 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <string>
 
 #include "CopyFile.h"
+#include "DocumentKind.h"
 #include "FilterMessages.h"
 
 namespace velka {
 namespace {
 
-std::string converter() {
+std::string pathOf(const std::string& name) {
   const char* folder = std::getenv("CUPS_SERVERBIN");  // NOLINT(concurrency-mt-unsafe): one thread
-  return folder == nullptr ? std::string() : std::string(folder) + "/filter/imagetopdf";
+  return folder == nullptr ? std::string() : std::string(folder) + "/filter/" + name;
 }
 
-// The picture is its standard input, the PDF its standard output; signals are as
+// The document is its standard input, the PDF its standard output; signals are as
 // the scheduler hands them to a filter.
 struct SpawnSettings {
-  SpawnSettings(int picture, int pdf) noexcept {
+  SpawnSettings(int document, int pdf) noexcept {
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_adddup2(&files, picture, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&files, document, STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&files, pdf, STDOUT_FILENO);
     posix_spawnattr_init(&attributes);
     sigset_t signals = {};
@@ -49,11 +49,11 @@ struct SpawnSettings {
 };
 
 // Its process id, or 0 with errno set.
-pid_t start(const std::string& program, char* const argv[], int picture, int pdf) {
+pid_t start(const std::string& program, char* const argv[], int document, int pdf) {
   constexpr size_t kArgumentsWithoutFile = 6;
   std::array<char*, kArgumentsWithoutFile + 1> arguments = {};
   for (size_t i = 0; i < kArgumentsWithoutFile; ++i) arguments[i] = argv[i];
-  const SpawnSettings settings(picture, pdf);
+  const SpawnSettings settings(document, pdf);
   pid_t child = 0;
   errno = posix_spawn(&child, program.c_str(), &settings.files, &settings.attributes,
                       arguments.data(), environ);
@@ -63,25 +63,37 @@ pid_t start(const std::string& program, char* const argv[], int picture, int pdf
 // Its exit status, or 128 and the signal that ended it.
 int waitFor(pid_t child) noexcept {
   constexpr int kBySignal = 128;
+  constexpr int kUnknown = -1;
+  siginfo_t ended = {};
+  while (waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT) != 0)
+    if (errno != EINTR) return kUnknown;
+  // Its number may be another process's as soon as it is reaped.
+  endWithJob(0);
   int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+  if (waitpid(child, &status, 0) != child) return kUnknown;
   return WIFSIGNALED(status) ? kBySignal + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+bool holdsPdf(int file) {
+  std::string head(kHeadSize, '\0');
+  const ssize_t size = pread(file, head.data(), head.size(), 0);
+  head.resize(size > 0 ? static_cast<size_t>(size) : 0);
+  return documentKind(head) == DocumentKind::Pdf;
 }
 
 }  // namespace
 
-bool makePdfOfPicture(char* const argv[], int picture, int pdf) {
-  const std::string program = converter();
+bool makePdf(const std::string& name, char* const argv[], int document, int pdf) {
+  const std::string program = pathOf(name);
   if (program.empty()) {
-    tellScheduler(MessageLevel::Error,
-                  "CUPS_SERVERBIN is not set, so no PDF can be made of the picture");
+    tellScheduler(MessageLevel::Error, "CUPS_SERVERBIN is not set, so " + name + " cannot be run");
     return false;
   }
   pid_t child = 0;
   {
-    // So that SIGTERM never misses a child that has just been started.
+    // So that a signal never misses a child that has just been started.
     const SignalsHeldBack held;
-    child = start(program, argv, picture, pdf);
+    child = start(program, argv, document, pdf);
     endWithJob(child);
   }
   if (child == 0) {
@@ -90,9 +102,9 @@ bool makePdfOfPicture(char* const argv[], int picture, int pdf) {
   }
   const int status = waitFor(child);
   endWithJob(0);
-  if (status == 0) return true;
+  if (status == 0 && holdsPdf(pdf)) return true;
   tellScheduler(MessageLevel::Error,
-                program + " made no PDF of the picture, its status is " + std::to_string(status));
+                program + " made no PDF of the document, its status is " + std::to_string(status));
   return false;
 }
 
