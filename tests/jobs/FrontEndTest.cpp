@@ -55,6 +55,18 @@ TEST(Arguments, AStreamThatIsNoRasterSaysSo) {
   }
 }
 
+// Deliberate: what a start that failed found stays as it is.
+TEST(Arguments, AFailedStartLeavesTheCopyOfTheJob) {
+  const TempFile ppd(ppdText({}));
+  const JobId id("failed");
+  writeText(id.pdf(), "a copy");
+  FilterJob job;
+  job.ppd = ppd.path();
+  job.arguments[0] = id.text();
+  EXPECT_EQ(runFilter(kFilter, job).status, 0);
+  EXPECT_EQ(textOf(id.pdf()), "a copy");
+}
+
 TEST(Arguments, AVeryLongJobIdIsCut) {
   FilterJob job;
   job.arguments[0] = std::string(5000, '9');
