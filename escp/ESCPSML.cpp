@@ -51,30 +51,48 @@ void startOutput(const _DEVOBJ& devobj) {
   pdev.devGdiInfo = scaledGeometry(pdev.srcGdiInfo, pdev.dScaleX, pdev.dScaleY);
 }
 
+// Whether the page can be the output as it is: unmoved and of its size.
+bool isOutputAlready(const _OEMPDEV& pdev, const PageOffset& offset, uint32_t outputSize) noexcept {
+  return offset.x == 0 && offset.y == 0 && pdev.pBufStart != nullptr &&
+         pdev.dwBufSize == outputSize;
+}
+
+bool whiteOutput(_OEMPDEV& pdev, uint32_t size, const PageServices& services) {
+  if (services.growOutputBuffer(&pdev, size) == 0) return false;
+  std::memset(pdev.pBufStartOut, 0xFF, size);
+  return true;
+}
+
+void copyToOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
+  const BitmapView source = {{pdev.pBufStart, pdev.pBufStart == nullptr ? 0 : pdev.dwBufSize},
+                             pdev.dwBytesPerLine};
+  const BitmapView output = {{pdev.pBufStartOut, pdev.dwBufSizeOut}, pdev.dwBytesPerLineOut};
+  if (!source.bytes.empty() && !output.bytes.empty())
+    placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
+  services.freePageBuffer(&pdev);
+}
+
 // A width or height of zero or less is an empty page, which needs no bytes.
-bool allocateOutput(_OEMPDEV& pdev, const PageServices& services) {
+bool fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
   const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
   const auto width = static_cast<uint32_t>(std::max(+header.biWidth, 0));
   const auto height = static_cast<uint32_t>(std::max(+header.biHeight, 0));
   const uint64_t stride = paddedRowBytes(width, header.biBitCount);
   const auto size = checkedMul32(stride, height);
   services.freeOutputBuffer(&pdev);
-  if (!size || services.growOutputBuffer(&pdev, *size) == 0) return false;
-  std::memset(pdev.pBufStartOut, 0xFF, *size);
+  if (!size) return false;
+  const bool asItIs = isOutputAlready(pdev, offset, *size);
+  if (!asItIs && !whiteOutput(pdev, *size, services)) return false;
   VELKA_LOG_DEBUG("RenderEscpData memset pBufStartOut dwBufSizeOut: %d", low32(*size));
   pdev.dwLines = static_cast<uint32_t>(header.biHeight);
   pdev.dwBytesPerLineOut = bytesPerRow(*size, header.biHeight);
-  return true;
-}
-
-void fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
-  const BitmapView source = {{pdev.pBufStart, pdev.pBufStart == nullptr ? 0 : pdev.dwBufSize},
-                             pdev.dwBytesPerLine};
-  const BitmapView output = {{pdev.pBufStartOut, pdev.dwBufSizeOut}, pdev.dwBytesPerLineOut};
-  if (!source.bytes.empty() && !output.bytes.empty())
-    placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
+  if (asItIs) {
+    services.movePageBuffer(&pdev);
+  } else {
+    copyToOutput(pdev, offset, services);
+  }
   pdev.dwBytesPerLine = pdev.dwBytesPerLineOut;
-  services.freePageBuffer(&pdev);
+  return true;
 }
 
 void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
@@ -122,8 +140,7 @@ bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
   growGeometry(pdev, pdev.devModeOut.dmOrientation, offset);
   pdev.pEscpSml->SendStartDocCmd(devobj);
   VELKA_LOG_DEBUG("RenderEscpData after SendStartDocCmd");
-  if (!allocateOutput(pdev, services)) return false;
-  fillOutput(pdev, offset, services);
+  if (!fillOutput(pdev, offset, services)) return false;
   CBmpProcessing processing;
   rotateOutput(pdev, quarterTurns(devobj->pOemDev->sRotation, pdev.devModeOut.dmOrientation),
                processing, services);

@@ -180,6 +180,8 @@ namespace velka {
 struct PageServices {
   int (*growOutputBuffer)(_OEMPDEV* pdev, uint32_t bytes);
   void (*freePageBuffer)(_OEMPDEV* pdev);
+  /// The page buffer becomes the output buffer.
+  void (*movePageBuffer)(_OEMPDEV* pdev);
   void (*freeOutputBuffer)(_OEMPDEV* pdev);
   void (*freeSections)(_OEMPDEV* pdev);
   /// Encodes the output bitmap and writes its commands; false where there are none.

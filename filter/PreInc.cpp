@@ -197,6 +197,17 @@ void vFreeOutputBuffer(_OEMPDEV* pdev) noexcept {
   VELKA_LOG_DEBUG("Free pBufStartOut");
 }
 
+void vMoveBufferToOutput(_OEMPDEV* pdev) noexcept {
+  if (pdev == nullptr || pdev->pBufStart == nullptr) return;
+  vFreeOutputBuffer(pdev);
+  pdev->pBufStartOut = pdev->pBufStart;
+  pdev->dwBufSizeOut = pdev->dwBufSize;
+  pdev->pBufStart = nullptr;
+  pdev->dwBufSize = 0;
+  // The log tells of the page buffer's end, whichever it is.
+  VELKA_LOG_DEBUG("Free pBufStart");
+}
+
 int bGrowSectionRect(_OEMPDEV* pdev, _RECTL rect) noexcept {
   if (pdev == nullptr) return 0;
   auto* node = new (std::nothrow) SectionRectNode{rect, pdev->pSectionTail, nullptr};

@@ -41,6 +41,10 @@ int bGrowOutputBuffer(_OEMPDEV* pdev, uint32_t bytes) noexcept;
 void vFreeBuffer(_OEMPDEV* pdev) noexcept;
 void vFreeOutputBuffer(_OEMPDEV* pdev) noexcept;
 
+/// The page buffer becomes the output buffer, and the record holds no page buffer
+/// any more. Does nothing where there is no page buffer.
+void vMoveBufferToOutput(_OEMPDEV* pdev) noexcept;
+
 /// Appends a rectangle to the section list. Returns 1, 0 when memory runs out.
 int bGrowSectionRect(_OEMPDEV* pdev, _RECTL rect) noexcept;
 

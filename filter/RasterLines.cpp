@@ -14,7 +14,8 @@ void storeLine(std::span<const uint8_t> line, std::span<uint8_t> row, uint32_t p
     row[i + 1] = line[i + 1];
     row[i + 2] = line[i];
   }
-  if (bytes > swapped) std::memcpy(row.data() + swapped, line.data() + swapped, bytes - swapped);
+  std::copy(line.begin() + swapped, line.begin() + bytes, row.begin() + swapped);
+  std::fill(row.begin() + bytes, row.end(), uint8_t{0xFF});
 }
 
 }  // namespace velka

@@ -8,6 +8,7 @@ bool RenderEscpData(_DEVOBJ* devobj) noexcept {
   constexpr velka::PageServices kServices = {
       .growOutputBuffer = bGrowOutputBuffer,
       .freePageBuffer = vFreeBuffer,
+      .movePageBuffer = vMoveBufferToOutput,
       .freeOutputBuffer = vFreeOutputBuffer,
       .freeSections = vFreeSectionRect,
       .sendOrloPage = velka::sendOrloPage,

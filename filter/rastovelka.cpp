@@ -17,6 +17,7 @@
 #include "JobEnds.h"
 #include "MarkedOptions.h"
 #include "PageFiles.h"
+#include "PageMemory.h"
 #include "PlainNames.h"
 #include "PpmImage.h"
 #include "PreInc.h"
@@ -44,16 +45,23 @@ unsigned int pageAddress() noexcept {
   return static_cast<unsigned int>(reinterpret_cast<uintptr_t>(g_oemPDEV.pBufStart));
 }
 
-// A white page bitmap, or none where the header asks for more than memory or a
-// 32-bit size can hold: the page is then read and not printed.
+// A page bitmap, still to be filled, or none where the header asks for more than
+// memory or a 32-bit size can hold: the page is then read and not printed.
 void allocatePage(const cups_page_header2_t& header, uint64_t stride) noexcept {
   g_oemPDEV.pBufStart = nullptr;
   const auto size = velka::checkedMul32(stride, header.cupsHeight);
   if (!size) return;
-  auto* page = static_cast<uint8_t*>(std::malloc(std::max(*size, 1U)));
-  if (page != nullptr) std::memset(page, 0xFF, *size);
+  uint8_t* page = velka::pageBytes(*size);
   g_oemPDEV.pBufStart = page;
   g_oemPDEV.dwBufSize = page == nullptr ? 0 : *size;
+}
+
+// Lines that did not come are white.
+void whitenRows(const cups_page_header2_t& header, unsigned int stride,
+                unsigned int first) noexcept {
+  if (g_oemPDEV.pBufStart == nullptr) return;
+  std::memset(g_oemPDEV.pBufStart + uint64_t{first} * stride, 0xFF,
+              uint64_t{header.cupsHeight - first} * stride);
 }
 
 // What stays the same from page to page.
@@ -112,6 +120,7 @@ std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
 }  // namespace
 
 int RunFilter(int argc, char* argv[]) noexcept {
+  velka::keepFreedMemory();
   velka::fillStandardDescriptors();
   velka::dropCopyOnEarlyEnd(argc, argv);
   std::setvbuf(stderr, nullptr, _IONBF, 0);
@@ -199,12 +208,15 @@ void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_fi
   const bool onlyConsume = velka::pagesComeFromPdf(ppd) || g_oemPDEV.pBufStart == nullptr;
   const velka::MallocBytes line = velka::zeroedBytes(header.cupsBytesPerLine);
   const unsigned int rows = line == nullptr || raster == nullptr ? 0 : header.cupsHeight;
+  unsigned int stored = 0;
   for (unsigned int row = 0; row < rows; ++row) {
     if (cupsRasterReadPixels(raster, line.get(), header.cupsBytesPerLine) == 0) break;
     if (onlyConsume) continue;
     velka::storeLine({line.get(), header.cupsBytesPerLine},
-                     {g_oemPDEV.pBufStart + uint64_t{row} * stride, stride}, header.cupsWidth);
+                     {g_oemPDEV.pBufStart + uint64_t{stored} * stride, stride}, header.cupsWidth);
+    ++stored;
   }
+  whitenRows(header, stride, stored);
   // Always the full page, also when its lines ended early.
   const auto size = velka::checkedMul32(stride, header.cupsHeight);
   g_oemPDEV.bmInfoHeader.biHeight = asInt(header.cupsHeight);

@@ -45,9 +45,8 @@ void StartPage(ppd_file_t* ppd, const cups_page_header2_t* header, int page) noe
 void StartDoc(ppd_file_t* ppd, cups_page_header2_t header) noexcept;
 
 /// Reads the page's lines into the page bitmap of `g_oemPDEV` (rows of `stride`
-/// bytes, cupsHeight of them, already white) and sets its height and sizes. Where
-/// the page comes from a PDF the lines are only consumed. Lines that are missing
-/// stay white.
+/// bytes, cupsHeight of them) and sets its height and sizes. Where the page comes
+/// from a PDF the lines are only consumed. What no line fills becomes white.
 void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_file_t* ppd,
                        unsigned int stride) noexcept;
 

@@ -17,22 +17,22 @@ namespace velka::testing {
 namespace {
 
 TEST(StoredLine, IsSwappedPixelByPixel) {
-  Bytes row(8, 0xFF);
+  Bytes row(8, 0);
   storeLine(Bytes{10, 20, 30, 1, 2, 3}, row, 2);
   EXPECT_EQ(row, (Bytes{30, 20, 10, 3, 2, 1, 0xFF, 0xFF}));
 }
 
 TEST(StoredLine, BytesBehindThePixelsAreCopiedAsTheyAre) {
-  Bytes row(8, 0xFF);
+  Bytes row(8, 0);
   storeLine(Bytes{10, 20, 30, 1, 2, 3, 9}, row, 1);
   EXPECT_EQ(row, (Bytes{30, 20, 10, 1, 2, 3, 9, 0xFF}));
 }
 
-TEST(StoredLine, OnlyWhatBothHoldIsTouched) {
+TEST(StoredLine, OnlyWhatBothHoldIsStoredAndTheRestOfTheRowIsWhite) {
   Bytes narrow(4, 0xFF);
   storeLine(Bytes(30, 7), narrow, 10);
   EXPECT_EQ(narrow, Bytes(4, 7));
-  Bytes wide(9, 0xFF);
+  Bytes wide(9, 0);
   storeLine(Bytes{1, 2, 3, 4}, wide, 3);
   EXPECT_EQ(wide, (Bytes{3, 2, 1, 4, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
   Bytes none;
@@ -52,7 +52,7 @@ Bytes bitmapOf(const Bytes& stream, ppd_file_t* ppd = nullptr) {
   const size_t size = size_t{stride} * header.cupsHeight;
   g_oemPDEV = {};
   g_oemPDEV.pBufStart = static_cast<uint8_t*>(std::malloc(size + 1));
-  std::memset(g_oemPDEV.pBufStart, 0xFF, size);
+  std::memset(g_oemPDEV.pBufStart, 0x77, size);
   GetCupsRasterData(header, raster, ppd, stride);
   Bytes bitmap(g_oemPDEV.pBufStart, g_oemPDEV.pBufStart + g_oemPDEV.dwBufSize);
   EXPECT_EQ(+g_oemPDEV.bmInfoHeader.biHeight, static_cast<int32_t>(header.cupsHeight));

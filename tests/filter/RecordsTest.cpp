@@ -99,6 +99,21 @@ TEST(PageBuffers, TheOutputBufferGrowsByItself) {
   EXPECT_EQ(+pdev.pBufStartOut, nullptr);
 }
 
+TEST(PageBuffers, ThePageBufferCanBecomeTheOutputBuffer) {
+  _OEMPDEV pdev = {};
+  ASSERT_EQ(bGrowBuffer(&pdev, 3), 1);
+  ASSERT_EQ(bGrowOutputBuffer(&pdev, 9), 1);
+  uint8_t* page = pdev.pBufStart;
+  vMoveBufferToOutput(&pdev);
+  EXPECT_EQ(+pdev.pBufStartOut, page);
+  EXPECT_EQ(+pdev.dwBufSizeOut, 3U);
+  EXPECT_EQ(+pdev.pBufStart, nullptr);
+  EXPECT_EQ(+pdev.dwBufSize, 0U);
+  vMoveBufferToOutput(&pdev);
+  EXPECT_EQ(+pdev.pBufStartOut, page);
+  vFreeOutputBuffer(&pdev);
+}
+
 TEST(PageBuffers, GrowingAnEmptyRecordByNothingSucceeds) {
   _OEMPDEV pdev = {};
   EXPECT_EQ(bGrowBuffer(&pdev, 0), 1);

@@ -49,6 +49,14 @@ void freeOutput(_OEMPDEV* pdev) {
   pdev->dwBufSizeOut = 0;
 }
 
+void movePage(_OEMPDEV* pdev) {
+  freeOutput(pdev);
+  pdev->pBufStartOut = pdev->pBufStart;
+  pdev->dwBufSizeOut = pdev->dwBufSize;
+  pdev->pBufStart = nullptr;
+  pdev->dwBufSize = 0;
+}
+
 class OrloJob : public ::testing::Test {
  protected:
   OrloJob() {
@@ -99,8 +107,12 @@ class OrloJob : public ::testing::Test {
     pdev_.bmInfoHeader.biHeight = page.height;
     pdev_.bmInfoHeader.biBitCount = 24;
     pdev_.srcGdiInfo.szlPhysSize = {page.width, page.height};
-    constexpr PageServices kServices = {growOutput, freePage, freeOutput, [](_OEMPDEV*) {},
-                                        sendOrloPage};
+    constexpr PageServices kServices = {.growOutputBuffer = growOutput,
+                                        .freePageBuffer = freePage,
+                                        .movePageBuffer = movePage,
+                                        .freeOutputBuffer = freeOutput,
+                                        .freeSections = [](_OEMPDEV*) {},
+                                        .sendOrloPage = sendOrloPage};
     return captured([&] { EXPECT_EQ(renderPage(&devobj_, kServices), expected); });
   }
 
