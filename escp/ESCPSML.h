@@ -87,8 +87,8 @@ class CESCPSML {
   /// when the planes cannot be allocated. The second argument is not used.
   int SendCurPage3(_DEVOBJ* devobj, bool unused) noexcept;
 
-  /// Halftones `rows` x `width` bytes (rows `stride` apart) from `in` to `out`:
-  /// 0 = dot, 255 = none. Modes: 1 threshold, 3 to 6 ordered screens, any other
+  /// Halftones `rows` x `width` bytes (rows `stride` apart) from `in` to `out`, which
+  /// may be one plane: 0 = dot, 255 = none. Modes: 1 threshold, 3 to 6 ordered screens, any other
   /// error diffusion, which modifies `in`. Returns 1.
   int Dither(int mode, unsigned char* in, unsigned char* out, unsigned int rows, unsigned int width,
              unsigned int stride, unsigned int unused, short dotFactor, short threshold) noexcept;
@@ -147,9 +147,10 @@ class CESCPSML {
   [[nodiscard]] bool allocatePlanes() noexcept;
   void releasePlanes() noexcept;
   void separatePage(_DEVOBJ& devobj) noexcept;
+  void clearPlaneRows(int first, int end) noexcept;
   void separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int top, int bottom) noexcept;
   void halftonePlanes(const _DEVOBJ& devobj) noexcept;
-  void mergeImagePlane(const _DEVOBJ& devobj, unsigned char*& work) noexcept;
+  void mergeImagePlane(const _DEVOBJ& devobj) noexcept;
 
   [[nodiscard]] bool encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode,
                                  std::span<_RECTL> bands, bool redHalf,

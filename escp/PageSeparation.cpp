@@ -8,6 +8,7 @@
 #include "ESCPSML.h"
 #include "GrowingBuffer.h"
 #include "Halftone.h"
+#include "PageMemory.h"
 #include "Separation.h"
 
 namespace {
@@ -31,12 +32,6 @@ std::span<const uint8_t> storedRow(const _OEMPDEV& pdev, int row) noexcept {
 bool isBlank(const _OEMPDEV& pdev, int row) noexcept {
   const auto rest = storedRow(pdev, row);
   return velka::isBlankRow(rest.first(std::min<size_t>(rest.size(), pdev.dwBytesPerLineOut)));
-}
-
-unsigned char* newPlane(unsigned int size) noexcept {
-  auto* plane = static_cast<unsigned char*>(std::malloc(std::max(size, 1U)));
-  if (plane != nullptr) std::memset(plane, kNoInk, size);
-  return plane;
 }
 
 void dropTree(_OEMPDEV& pdev) noexcept {
@@ -89,7 +84,7 @@ bool CESCPSML::allocatePlanes() noexcept {
   const auto provide = [&](unsigned char*& plane, unsigned int& planeSize) {
     if (plane != nullptr && planeSize == *size) return true;
     std::free(plane);
-    plane = newPlane(*size);
+    plane = velka::pageBytes(*size);
     planeSize = plane == nullptr ? 0 : *size;
     return plane != nullptr;
   };
@@ -113,6 +108,7 @@ void CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
   dropTree(pdev);
   if (m_nPageWidth == 0) return;
   int row = 0;
+  int cleared = 0;  // rows whose plane bytes are filled
   while (row < m_nPageHeight) {
     if (isBlank(pdev, row)) {
       ++row;
@@ -120,11 +116,24 @@ void CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
     }
     // A band is recorded whole even where it passes the page's last row.
     const int bottom = velka::saturatingAdd(row, bandHeight(m_sYResolution) - 1);
-    separateBand(pdev, rules, row, std::min(bottom, m_nPageHeight - 1));
+    const int end = std::min(bottom, m_nPageHeight - 1) + 1;
+    clearPlaneRows(cleared, row);
+    separateBand(pdev, rules, row, end - 1);
+    cleared = end;
     addBand(pdev, row, bottom);
-    if (bottom >= m_nPageHeight - 1) return;
-    row = bottom + 1;
+    row = end;
   }
+  // A page without ink never looks at its planes.
+  if (m_nBlackFlag != 0 || m_nRedFlag != 0 || m_nImgFlag != 0)
+    clearPlaneRows(cleared, m_nPageHeight);
+}
+
+void CESCPSML::clearPlaneRows(int first, int end) noexcept {
+  const auto width = static_cast<size_t>(m_nPageWidth);
+  const size_t at = static_cast<size_t>(first) * width;
+  const size_t size = static_cast<size_t>(end - first) * width;
+  std::memset(m_pBlackBuf + at, kNoInk, size);
+  std::memset(m_pRedBuf + at, kNoInk, size);
 }
 
 void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int top,
@@ -135,6 +144,7 @@ void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int to
   for (int row = top; row <= bottom; ++row) {
     const auto rest = storedRow(pdev, row);
     const size_t plane = static_cast<size_t>(row) * width;
+    clearPlaneRows(row, row + 1);
     const velka::RowInk ink =
         velka::separateRow(rules, rest.first(std::min(rest.size(), width * 3)), m_pBlackBuf + plane,
                            m_pRedBuf + plane);
@@ -153,34 +163,23 @@ void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int to
 }
 
 void CESCPSML::halftonePlanes(const _DEVOBJ& devobj) noexcept {
-  const bool image = m_nImgFlag != 0 && m_pImgBuf != nullptr && m_dwImgSize >= m_dwBlackSize;
-  if (m_nBlackFlag == 0 && m_nRedFlag == 0 && !image) return;
-  unsigned char* work = newPlane(m_dwBlackSize);
-  if (work == nullptr) {
-    // Without room to halftone, the page ends like one without ink.
-    m_nBlackFlag = 0;
-    m_nRedFlag = 0;
-    return;
-  }
   const tagOEMCFG& options = *devobj.pOemDev;
-  const auto halftone = [&](unsigned char*& plane, int mode) {
-    Dither(mode, plane, work, static_cast<unsigned int>(m_nPageHeight),
+  const auto halftone = [&](unsigned char* plane, int mode) {
+    Dither(mode, plane, plane, static_cast<unsigned int>(m_nPageHeight),
            static_cast<unsigned int>(m_nPageWidth), static_cast<unsigned int>(m_nPlaneStride), 0,
            options.sDotErrorFactor, options.sDiffusionThreshold);
-    std::swap(plane, work);
   };
   if (m_nBlackFlag != 0) halftone(m_pBlackBuf, options.sDitherBlack);
   if (m_nRedFlag != 0) halftone(m_pRedBuf, options.sDitherRed);
-  if (image) mergeImagePlane(devobj, work);
-  std::free(work);
+  const bool image = m_nImgFlag != 0 && m_pImgBuf != nullptr && m_dwImgSize >= m_dwBlackSize;
+  if (image) mergeImagePlane(devobj);
 }
 
-void CESCPSML::mergeImagePlane(const _DEVOBJ& devobj, unsigned char*& work) noexcept {
+void CESCPSML::mergeImagePlane(const _DEVOBJ& devobj) noexcept {
   const int mode = devobj.pOemPDEV->devModeOut.dmPrintQuality == 180 ? 3 : 5;
-  Dither(mode, m_pImgBuf, work, static_cast<unsigned int>(m_nPageHeight),
+  Dither(mode, m_pImgBuf, m_pImgBuf, static_cast<unsigned int>(m_nPageHeight),
          static_cast<unsigned int>(m_nPageWidth), static_cast<unsigned int>(m_nPlaneStride), 0, 0,
          0);
-  std::memcpy(m_pImgBuf, work, m_dwBlackSize);
   for (size_t i = 0; i < m_dwBlackSize; ++i) m_pBlackBuf[i] &= m_pImgBuf[i];
   m_nBlackFlag = 1;
 }

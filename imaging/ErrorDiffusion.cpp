@@ -35,9 +35,10 @@ size_t runLength(const uint8_t* bytes, size_t size) {
 
 void diffuseLastRow(const DiffusionTable& table, uint8_t* row, uint8_t* out, size_t columns) {
   for (size_t x = 0; x < columns; ++x) {
-    out[x] = table.output[row[x]];
+    const uint8_t value = row[x];  // `out` may be `row`
+    out[x] = table.output[value];
     if (x + 1 < columns) {
-      row[x + 1] = add(row[x + 1], table.shares[row[x]].right);
+      row[x + 1] = add(row[x + 1], table.shares[value].right);
     }
   }
 }

@@ -33,7 +33,7 @@ struct DiffusionTable {
 };
 
 /// Halftones `columns` pixels of `row` into `out`; the errors go to `row` itself
-/// and to `below`, which is null for the last row.
+/// and to `below`, which is null for the last row. `out` may be `row`.
 void diffuseRow(const DiffusionTable& table, uint8_t* row, uint8_t* below, uint8_t* out,
                 size_t columns);
 

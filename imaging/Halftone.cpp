@@ -5,19 +5,15 @@
 #include <cstdint>
 #include <cstring>
 
+#include "CpuLevel.h"
+#include "DiffusionWave.h"
 #include "ErrorDiffusion.h"
 #include "HalftoneScreens.h"
 
 namespace velka {
 namespace {
 
-struct Plane {
-  uint8_t* in;
-  uint8_t* out;
-  size_t rows;
-  size_t columns;
-  size_t stride;
-};
+using Plane = DiffusionRows;
 
 // Every screen's side divides 48, so one period fits all of them.
 constexpr size_t kPeriod = 48;
@@ -25,12 +21,19 @@ constexpr size_t kPeriod = 48;
 /// What a value must reach to stay blank, for 48 columns of one row.
 using BlankLimits = uint8_t[kPeriod];
 
+// Through a buffer of its own, so that `in` may be `out`.
+void applyPeriod(const uint8_t* in, uint8_t* out, const BlankLimits& limits) {
+  uint8_t dots[kPeriod];
+  for (size_t i = 0; i < kPeriod; ++i) {
+    dots[i] = in[i] >= limits[i] ? 255 : 0;
+  }
+  std::memcpy(out, dots, kPeriod);
+}
+
 void applyLimits(const uint8_t* in, uint8_t* out, size_t columns, const BlankLimits& limits) {
   size_t x = 0;
   for (; columns - x >= kPeriod; x += kPeriod) {
-    for (size_t i = 0; i < kPeriod; ++i) {
-      out[x + i] = in[x + i] >= limits[i] ? 255 : 0;
-    }
+    applyPeriod(in + x, out + x, limits);
   }
   for (size_t i = 0; x + i < columns; ++i) {
     out[x + i] = in[x + i] >= limits[i] ? 255 : 0;
@@ -59,8 +62,18 @@ void screen(const Plane& plane, const Screen<N>& pattern) {
   }
 }
 
-void diffuse(const Plane& plane, const DiffusionTable& table) {
-  for (size_t y = 0; y < plane.rows; ++y) {
+size_t diffuseWave(const Plane& plane, short dotFactor, short threshold) {
+#ifdef VELKA_SIMD
+  if (waveServes(dotFactor, threshold) && cpuLevel() >= CpuLevel::Ssse3) {
+    return diffuseWaveSsse3(plane, static_cast<uint8_t>(threshold));
+  }
+#endif
+  return 0;
+}
+
+void diffuse(const Plane& plane, short dotFactor, short threshold) {
+  const DiffusionTable table(dotFactor, threshold);
+  for (size_t y = diffuseWave(plane, dotFactor, threshold); y < plane.rows; ++y) {
     uint8_t* row = plane.in + y * plane.stride;
     uint8_t* below = y + 1 < plane.rows ? row + plane.stride : nullptr;
     diffuseRow(table, row, below, plane.out + y * plane.stride, plane.columns);
@@ -93,7 +106,7 @@ int dither(int mode, unsigned char* in, unsigned char* out, unsigned rows, unsig
       screen(plane, kScreen16);
       break;
     default:
-      diffuse(plane, DiffusionTable(dotFactor, threshold));
+      diffuse(plane, dotFactor, threshold);
   }
   return 1;
 }

@@ -10,7 +10,8 @@ namespace velka {
 /// 16 cells a side; all others error diffusion (R. Floyd and L. Steinberg, "An
 /// adaptive algorithm for spatial grey scale", 1976), which also changes `in`.
 ///
-/// `in` and `out` are planes of `rows` rows of `stride` bytes that do not overlap;
+/// `in` and `out` are planes of `rows` rows of `stride` bytes that do not overlap, or
+/// one plane, which is then halftoned in place;
 /// the first `width` bytes of a row are pixels, at most `stride`; the rest is
 /// neither read nor written. `dotFactor` is the level a printed dot counts as, in
 /// tenths of the pixel's value; values up to `threshold` print. Both matter to

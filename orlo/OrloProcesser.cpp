@@ -9,6 +9,7 @@
 #include "GrowingBuffer.h"
 #include "Halftone.h"
 #include "OrloSeparation.h"
+#include "PageMemory.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ bool providePlane(velka::OrloPlane& plane, uint32_t size) noexcept {
   if (plane.data != nullptr && plane.size == size) return true;
   std::free(plane.data);
   plane = {};
-  plane.data = velka::zeroedBytes(size).release();
+  plane.data = velka::pageBytes(size);
   if (plane.data == nullptr) return false;
   plane.size = size;
   std::memset(plane.data, kNoInk, size);
@@ -105,8 +106,8 @@ void COrloProcesser::prepareTone() noexcept {
 
 bool COrloProcesser::separatePage(const unsigned char* bitmap, unsigned int bitmapSize,
                                   int verticalDpi, int feedMode) noexcept {
-  velka::MallocBytes scratch = velka::zeroedBytes(m_BlackBuf.size);
-  if (scratch == nullptr) return false;
+  velka::MallocBytes discarded = velka::zeroedBytes(static_cast<size_t>(m_PageWidth));
+  if (discarded == nullptr) return false;
   prepareTone();
   const velka::ColourRouting routing = {m_OutputColorType, m_ColorRangeUseFor, m_minColorOffset,
                                         m_maxColorOffset, m_solidColor};
@@ -116,23 +117,18 @@ bool COrloProcesser::separatePage(const unsigned char* bitmap, unsigned int bitm
   const velka::OrloBitmap page = {{bitmap, bitmapSize}, m_PageWidth, m_PageHeight};
   const auto heads = velka::headDistance(verticalDpi, feedMode);
   if (velka::classPage(page, rules, m_OutputColorType, heads,
-                       {m_BlackBuf, m_RedBuf, scratch.get()}))
+                       {m_BlackBuf, m_RedBuf, discarded.get()}))
     m_RowWidth = static_cast<uint64_t>(m_PageWidth);
-  unsigned char* work = scratch.release();
-  halftone(m_BlackBuf, m_sDitherBlack, work);
-  halftone(m_RedBuf, m_sDitherRed, work);
-  std::free(work);
+  halftone(m_BlackBuf, m_sDitherBlack);
+  halftone(m_RedBuf, m_sDitherRed);
   return true;
 }
 
-// The dots are made in the scratch plane, which then changes places with the
-// plane: halftoning writes every byte of it.
-void COrloProcesser::halftone(velka::OrloPlane& plane, int mode, unsigned char*& scratch) noexcept {
+void COrloProcesser::halftone(velka::OrloPlane& plane, int mode) noexcept {
   if (!plane.hasData) return;
   const auto width = static_cast<unsigned int>(m_PageWidth);
-  Dither(mode, plane.data, scratch, static_cast<unsigned int>(m_PageHeight), width, width, 0, 0,
+  Dither(mode, plane.data, plane.data, static_cast<unsigned int>(m_PageHeight), width, width, 0, 0,
          128);
-  std::swap(plane.data, scratch);
 }
 
 int COrloProcesser::handOver(unsigned char** output, unsigned int capacity,

@@ -209,7 +209,7 @@ class COrloProcesser {
   void prepareTone() noexcept;
   [[nodiscard]] bool separatePage(const unsigned char* bitmap, unsigned int bitmapSize,
                                   int verticalDpi, int feedMode) noexcept;
-  void halftone(velka::OrloPlane& plane, int mode, unsigned char*& scratch) noexcept;
+  void halftone(velka::OrloPlane& plane, int mode) noexcept;
   int handOver(unsigned char** output, unsigned int capacity, unsigned int* outputLength) noexcept;
   int sizeOutput(unsigned char** output, unsigned int capacity,
                  unsigned int* outputLength) const noexcept;
