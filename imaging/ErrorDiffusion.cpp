@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "ByteMath.h"
+#include "ByteRuns.h"
 #include "CheckedMath.h"
 
 namespace velka {
@@ -15,22 +16,6 @@ int16_t share(int error, int weight) {
 
 uint8_t add(uint8_t value, int16_t part) {
   return static_cast<uint8_t>(clampToByte(value + part));
-}
-
-/// The number of bytes equal to the first one, from 1 to `size`.
-size_t runLength(const uint8_t* bytes, size_t size) {
-  const uint64_t same = 0x0101010101010101U * bytes[0];
-  size_t n = 1;
-  for (uint64_t next = 0; size - n >= sizeof(next); n += sizeof(next)) {
-    std::memcpy(&next, bytes + n, sizeof(next));
-    if (next != same) {
-      break;
-    }
-  }
-  while (n < size && bytes[n] == bytes[0]) {
-    ++n;
-  }
-  return n;
 }
 
 void diffuseLastRow(const DiffusionTable& table, uint8_t* row, uint8_t* out, size_t columns) {
