@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "CpuLevel.h"
+
 namespace velka {
 namespace {
 
@@ -52,12 +54,28 @@ size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
   return n;
 }
 
+// Pixels at the start of a row that are separated many at a time.
+size_t separateFirstPixels([[maybe_unused]] const InkRules& rules,
+                           [[maybe_unused]] std::span<const uint8_t> pixels,
+                           [[maybe_unused]] uint8_t* black, [[maybe_unused]] uint8_t* red,
+                           [[maybe_unused]] RowInk& found) noexcept {
+#ifdef VELKA_SIMD
+  if (cpuLevel() >= CpuLevel::Ssse3) {
+    return separatePixelsSsse3(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black,
+                               red, found);
+  }
+#endif
+  return 0;
+}
+
 }  // namespace
 
 InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const InkTone& red) noexcept
     : route_(routeTable(routing.outputColorType, routing.colorRangeUseFor)),
       solidApplies_(routing.outputColorType == 3),
       solid_(routing.solid),
+      rangeLow_(routing.rangeLow),
+      rangeHigh_(routing.rangeHigh),
       black_(black),
       red_(red) {
   const auto low = channels(routing.rangeLow);
@@ -91,6 +109,27 @@ InkDot InkRules::dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
   return {ink, (ink == Ink::Black ? black_ : red_).tone(p0, p1, p2)};
 }
 
+RowRules InkRules::rowRules() const noexcept {
+  RowRules rules{};
+  const bool valid = rangeIsValid(rangeLow_, rangeHigh_);
+  for (size_t i = 0; i < kPixelBytes; ++i) {
+    rules.low[i] = valid ? channels(rangeLow_)[i] : 255;
+    rules.high[i] = valid ? channels(rangeHigh_)[i] : 0;
+    rules.solid[i] = channels(solid_)[i];
+    for (const Ink ink : {Ink::None, Ink::Black, Ink::Red})
+      rules.tones[static_cast<size_t>(ink)].contributions[i] =
+          (ink == Ink::Red ? red_ : black_).contributions(i);
+  }
+  rules.solidApplies = solidApplies_;
+  std::copy(route_.begin(), route_.end(), rules.route);
+  rules.tones[static_cast<size_t>(Ink::Black)].black = black_.black();
+  rules.tones[static_cast<size_t>(Ink::Red)].black = red_.black();
+  rules.cutsBelowCell = GrayScale::instance().cutsBelowCell();
+  rules.cuts = GrayScale::instance().cuts();
+  rules.cellShift = 32 - GrayScale::kCellBits;
+  return rules;
+}
+
 InkRules compileInkRules(const tagOEMCFG& options) noexcept {
   const ColourRouting routing = {options.OutputColorType, options.ColorRangeUseFor,
                                  options.minColorOffset, options.maxColorOffset,
@@ -105,7 +144,7 @@ RowInk separateRow(const InkRules& rules, std::span<const uint8_t> pixels, uint8
   const size_t end = pixels.size() / kPixelBytes * kPixelBytes;
   const uint8_t* previous = nullptr;
   InkDot dot;
-  size_t at = 0;
+  size_t at = separateFirstPixels(rules, pixels, black, red, found) * kPixelBytes;
   while (at < end) {
     const uint8_t* p = pixels.data() + at;
     if (p[0] == 0xFF && p[1] == 0xFF && p[2] == 0xFF) {

@@ -8,11 +8,10 @@
 #include <span>
 
 #include "DeviceRecords.h"
+#include "RowKernel.h"
 #include "ToneTable.h"
 
 namespace velka {
-
-enum class Ink : uint8_t { None, Black, Red };
 
 /// An ink and the value its plane gets: 0 full ink .. 255.
 struct InkDot {
@@ -37,6 +36,9 @@ class InkRules {
   /// Ink and value of one pixel, its three bytes in memory order.
   [[nodiscard]] InkDot dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
 
+  /// The same rules as plain data, which refers to this object's tables.
+  [[nodiscard]] RowRules rowRules() const noexcept;
+
  private:
   [[nodiscard]] Ink inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
 
@@ -45,21 +47,14 @@ class InkRules {
   std::array<Ink, 4> route_{};  // indexed by in range (1) + near grey (2)
   bool solidApplies_ = false;
   tagRGBQUAD solid_{};
+  tagRGBQUAD rangeLow_{};
+  tagRGBQUAD rangeHigh_{};
   ToneTable black_;
   ToneTable red_;
 };
 
 /// The rules that the options record asks for.
 [[nodiscard]] InkRules compileInkRules(const tagOEMCFG& options) noexcept;
-
-/// What separateRow found in a row.
-struct RowInk {
-  bool black = false;
-  int64_t firstRedColumn = -1;  ///< -1: no red in the row
-  int64_t lastRedColumn = -1;
-  int64_t firstBlackColumn = -1;  ///< -1: no black in the row
-  int64_t lastBlackColumn = -1;
-};
 
 /// Separates one row. Pixels that stay white leave their plane bytes alone.
 /// @param pixels three bytes a pixel; only whole pixels are read

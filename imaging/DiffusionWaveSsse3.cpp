@@ -1,6 +1,5 @@
 #include <tmmintrin.h>
 
-#include <algorithm>
 #include <cstring>
 
 #include "DiffusionWave.h"
@@ -67,16 +66,18 @@ struct Weight {
 
 /// The part of a lane's sixteen columns from `x` on that lies on the page.
 struct Inside {
-  size_t first;   ///< of the sixteen
-  size_t column;  ///< of the page
-  size_t size;
+  size_t first = 0;   ///< of the sixteen
+  size_t column = 0;  ///< of the page
+  size_t size = 0;
 
   Inside(ptrdiff_t x, size_t columns) noexcept {
     const auto page = static_cast<ptrdiff_t>(columns);
-    const ptrdiff_t begin = std::clamp<ptrdiff_t>(x, 0, page);
-    const ptrdiff_t end = std::clamp<ptrdiff_t>(x + static_cast<ptrdiff_t>(kLanes), begin, page);
-    first = static_cast<size_t>(begin - x) % kLanes;
-    column = static_cast<size_t>(begin);
+    const auto lanes = static_cast<ptrdiff_t>(kLanes);
+    const ptrdiff_t begin = x < 0 ? -x : 0;
+    const ptrdiff_t end = page - x < lanes ? page - x : lanes;
+    if (begin >= end) return;
+    first = static_cast<size_t>(begin);
+    column = static_cast<size_t>(x + begin);
     size = static_cast<size_t>(end - begin);
   }
 };

@@ -27,13 +27,17 @@ double cutPoint(int gray) {
   return std::bit_cast<double>(reached);
 }
 
+uint32_t inUnits(double luminance) {
+  return static_cast<uint32_t>(luminance * 4294967296.0 + 0.5);
+}
+
 std::array<Contributions, 3> makeContributions() {
   std::array<Contributions, 3> contributions{};
   CColorManagment color;
   for (size_t channel = 0; channel < 3; ++channel) {
     for (size_t v = 0; v < 256; ++v) {
       const double linear = color.ToLinear(static_cast<double>(v) / 255.0);
-      contributions[channel][v] = gsRGBcm[1][channel] * linear;
+      contributions[channel][v] = inUnits(gsRGBcm[1][channel] * linear);
     }
   }
   return contributions;
@@ -49,17 +53,17 @@ const std::array<Contributions, 3>& channelContributions() {
 GrayScale::GrayScale() {
   const auto& [red, green, blue] = channelContributions();
   for (int gray = 1; gray <= 254; ++gray) {
-    cuts_[static_cast<size_t>(gray - 1)] = cutPoint(gray);
+    cuts_[static_cast<size_t>(gray - 1)] = inUnits(cutPoint(gray));
   }
   // The formula gives white 254; it is 255 by decree.
   cuts_[254] = red[255] + green[255] + blue[255];
-  cuts_[255] = std::numeric_limits<double>::infinity();
+  cuts_[255] = std::numeric_limits<uint32_t>::max();
   unsigned below = 0;
-  for (int cell = 0; cell < kCells; ++cell) {
-    while (cuts_[below] <= static_cast<double>(cell) / kCells) {
+  for (uint32_t cell = 0; cell < cutsBelowCell_.size(); ++cell) {
+    while (cuts_[below] <= cell << (32 - kCellBits)) {
       ++below;
     }
-    cutsBelowCell_[static_cast<size_t>(cell)] = static_cast<uint8_t>(below);
+    cutsBelowCell_[cell] = static_cast<uint8_t>(below);
   }
 }
 

@@ -29,9 +29,9 @@ ToneTable::ToneTable(const InkTone& settings) : scale_(&GrayScale::instance()) {
   const auto& [red, green, blue] = channelContributions();
   for (size_t v = 0; v < 256; ++v) {
     const uint8_t lit = lowByte(tables.m_LightTable[v]);
-    red_[v] = red[tables.m_LevelsTable[0][lit]];
-    green_[v] = green[tables.m_LevelsTable[1][lit]];
-    blue_[v] = blue[tables.m_LevelsTable[2][lit]];
+    parts_[0][v] = blue[tables.m_LevelsTable[2][lit]];
+    parts_[1][v] = green[tables.m_LevelsTable[1][lit]];
+    parts_[2][v] = red[tables.m_LevelsTable[0][lit]];
   }
   black_ = grayOfUnlit(tables, 0);
   white_ = grayOfUnlit(tables, 255);

@@ -29,14 +29,19 @@ class ToneTable {
     if ((p0 & p1 & p2) == 255) {
       return white_;
     }
-    return scale_->gray(red_[p2] + green_[p1] + blue_[p0]);
+    return scale_->gray(parts_[0][p0] + parts_[1][p1] + parts_[2][p2]);
   }
+
+  /// The contributions of a pixel's byte `channel` (0 blue, 1 green, 2 red), and the
+  /// grey of pure black, for kernels that look them up themselves.
+  [[nodiscard]] const uint32_t* contributions(size_t channel) const {
+    return parts_[channel].data();
+  }
+  [[nodiscard]] uint8_t black() const { return black_; }
 
  private:
   const GrayScale* scale_;
-  Contributions red_{};
-  Contributions green_{};
-  Contributions blue_{};
+  std::array<Contributions, 3> parts_{};
   uint8_t black_ = 0;
   uint8_t white_ = 255;
 };
