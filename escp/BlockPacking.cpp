@@ -17,6 +17,12 @@ constexpr size_t kDotsPerByte = 8;
 // are put in their places.
 constexpr size_t kStrip = 1024;
 
+constexpr std::array<uint8_t, kStrip> kBlank = [] {
+  std::array<uint8_t, kStrip> blank{};
+  blank.fill(255);
+  return blank;
+}();
+
 using DotRows = std::array<const uint8_t*, kDotsPerByte>;
 
 uint8_t dotBit(const uint8_t* row, size_t x, unsigned bit) noexcept {
@@ -36,6 +42,28 @@ void packByte(const DotRows& rows, size_t count, uint8_t* __restrict bytes) noex
 
 void scatter(const uint8_t* bytes, size_t count, size_t bytesPerColumn, uint8_t* columns) noexcept {
   for (size_t x = 0; x < count; ++x) columns[x * bytesPerColumn] = bytes[x];
+}
+
+/// Packs the first `dots` dots of each column; `rowOf` names the row of each, null for
+/// one without dots.
+template <typename RowOf>
+void packDots(const RowOf& rowOf, size_t dots, size_t width, size_t bytesPerColumn,
+              std::span<uint8_t> columns) noexcept {
+  if (columns.size() < width * bytesPerColumn) return;
+  std::array<uint8_t, kStrip> bytes;
+  for (size_t x = 0; x < width; x += kStrip) {
+    const size_t count = std::min(kStrip, width - x);
+    for (size_t first = 0; first + kDotsPerByte <= dots; first += kDotsPerByte) {
+      DotRows rows;
+      for (size_t i = 0; i < kDotsPerByte; ++i) {
+        const uint8_t* row = rowOf(first + i);
+        rows[i] = row == nullptr ? kBlank.data() : row + x;
+      }
+      packByte(rows, count, bytes.data());
+      scatter(bytes.data(), count, bytesPerColumn,
+              columns.data() + x * bytesPerColumn + first / kDotsPerByte);
+    }
+  }
 }
 
 }  // namespace
@@ -64,25 +92,20 @@ ColumnRange completeColumns(const InkPlane& plane, const _RECTL& area,
   return {firstColumn, std::max(firstColumn, end)};
 }
 
+void packRows(std::span<const uint8_t* const> rows, size_t width,
+              std::span<uint8_t> columns) noexcept {
+  packDots([&](size_t dot) { return rows[dot]; }, rows.size(), width, rows.size() / kDotsPerByte,
+           columns);
+}
+
 void packColumns(const InkPlane& plane, const ColumnRange& range, const PassRows& rows,
                  uint16_t bytesPerColumn, std::span<uint8_t> columns) noexcept {
-  const auto count = static_cast<size_t>(range.end - range.first);
-  if (count == 0 || columns.size() < count * bytesPerColumn) return;
-  std::array<uint8_t, kStrip> bytes;
-  for (size_t x = 0; x < count; x += kStrip) {
-    const size_t width = std::min(kStrip, count - x);
-    const uint8_t* first =
-        plane.bytes.data() + rows.first * plane.stride + range.first + static_cast<int64_t>(x);
-    for (size_t byte = 0; byte * kDotsPerByte < static_cast<size_t>(rows.count); ++byte) {
-      DotRows dots;
-      for (const uint8_t*& row : dots) {
-        row = first;
-        first += int64_t{rows.step} * plane.stride;
-      }
-      packByte(dots, width, bytes.data());
-      scatter(bytes.data(), width, bytesPerColumn, columns.data() + x * bytesPerColumn + byte);
-    }
-  }
+  const auto rowOf = [&](size_t dot) {
+    const int64_t row = rows.first + int64_t{rows.step} * static_cast<int64_t>(dot);
+    return plane.bytes.data() + row * plane.stride + range.first;
+  };
+  packDots(rowOf, static_cast<size_t>(rows.count), static_cast<size_t>(range.end - range.first),
+           bytesPerColumn, columns);
 }
 
 BlockExtent trimBlock(std::span<const uint8_t> columns, uint32_t stored, uint32_t areaColumns,

@@ -38,6 +38,12 @@ struct ColumnRange {
 [[nodiscard]] ColumnRange completeColumns(const InkPlane& plane, const _RECTL& area,
                                           const PassRows& rows) noexcept;
 
+/// Packs `width` columns from eight rows of bytes (0 = dot) for each byte of a column,
+/// the topmost dot in the most significant bit. A null row holds no dot.
+/// @param columns width x rows.size() / 8 bytes
+void packRows(std::span<const uint8_t* const> rows, size_t width,
+              std::span<uint8_t> columns) noexcept;
+
 /// Packs the complete columns, one after the other from the start of `columns`:
 /// `bytesPerColumn` bytes each, the topmost dot in the most significant bit. A
 /// column that is not complete is not stored and takes no place.

@@ -138,21 +138,29 @@ class Separator {
   [[nodiscard]] __m128i graded(const Pixels& p, __m128i ink, __m128i known,
                                unsigned open) const noexcept {
     uint8_t bytes[3][kLanes];
-    uint8_t inks[kLanes];
     uint8_t values[kLanes];
     for (size_t i = 0; i < 3; ++i) store(bytes[i], p.at[i]);
-    store(inks, ink);
     store(values, known);
+    const unsigned red = open & bits(_mm_cmpeq_epi8(ink, all(static_cast<uint8_t>(Ink::Red))));
+    grade(bytes, red, rules_.tones[static_cast<size_t>(Ink::Red)], values);
+    grade(bytes, open & ~red, rules_.tones[static_cast<size_t>(Ink::Black)], values);
+    return load(values);
+  }
+
+  void grade(const uint8_t (&bytes)[3][kLanes], unsigned open, const RowTone& tone,
+             uint8_t* values) const noexcept {
+    const uint32_t* first = tone.contributions[0];
+    const uint32_t* second = tone.contributions[1];
+    const uint32_t* third = tone.contributions[2];
+    const uint8_t* cells = rules_.cutsBelowCell;
+    const uint32_t* cuts = rules_.cuts;
+    const unsigned shift = rules_.cellShift;
     for (; open != 0; open &= open - 1) {
       const auto i = static_cast<size_t>(__builtin_ctz(open));
-      const RowTone& tone = rules_.tones[inks[i]];
-      const uint32_t luminance = tone.contributions[0][bytes[0][i]] +
-                                 tone.contributions[1][bytes[1][i]] +
-                                 tone.contributions[2][bytes[2][i]];
-      const unsigned below = rules_.cutsBelowCell[luminance >> rules_.cellShift];
-      values[i] = static_cast<uint8_t>(below + (luminance >= rules_.cuts[below] ? 1U : 0U));
+      const uint32_t luminance = first[bytes[0][i]] + second[bytes[1][i]] + third[bytes[2][i]];
+      const unsigned below = cells[luminance >> shift];
+      values[i] = static_cast<uint8_t>(below + (luminance >= cuts[below] ? 1U : 0U));
     }
-    return load(values);
   }
 
   static void put(uint8_t* plane, __m128i mask, __m128i value) noexcept {
