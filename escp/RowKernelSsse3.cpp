@@ -7,6 +7,7 @@ namespace {
 
 constexpr size_t kLanes = 16;
 constexpr char kNearGrey = 9;
+constexpr unsigned kCellShift = 20;
 
 __m128i load(const void* bytes) noexcept {
   return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
@@ -154,12 +155,19 @@ class Separator {
     const uint32_t* third = tone.contributions[2];
     const uint8_t* cells = rules_.cutsBelowCell;
     const uint32_t* cuts = rules_.cuts;
-    const unsigned shift = rules_.cellShift;
+    const auto gray = [&](size_t i) {
+      const uint32_t luminance = first[bytes[0][i]] + second[bytes[1][i]] + third[bytes[2][i]];
+      const unsigned below = cells[luminance >> kCellShift];
+      return static_cast<uint8_t>(below + (luminance >= cuts[below] ? 1U : 0U));
+    };
+    if (open == 0xFFFF) {
+#pragma GCC unroll 16
+      for (size_t i = 0; i < kLanes; ++i) values[i] = gray(i);
+      return;
+    }
     for (; open != 0; open &= open - 1) {
       const auto i = static_cast<size_t>(__builtin_ctz(open));
-      const uint32_t luminance = first[bytes[0][i]] + second[bytes[1][i]] + third[bytes[2][i]];
-      const unsigned below = cells[luminance >> shift];
-      values[i] = static_cast<uint8_t>(below + (luminance >= cuts[below] ? 1U : 0U));
+      values[i] = gray(i);
     }
   }
 

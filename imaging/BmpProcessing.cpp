@@ -6,6 +6,7 @@
 
 #include "LevelsTable.h"
 #include "LightTable.h"
+#include "PageMemory.h"
 #include "Rotation.h"
 
 namespace {
@@ -101,7 +102,7 @@ bool CBmpProcessing::RotateImg(unsigned char* src, int64_t width, int64_t height
     return false;
   }
   const auto size = static_cast<size_t>(to->size);
-  std::unique_ptr<unsigned char, Free> turned(static_cast<unsigned char*>(std::malloc(size)));
+  std::unique_ptr<unsigned char, Free> turned(velka::pageBytes(size));
   if (!turned) {
     return false;
   }

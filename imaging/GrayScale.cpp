@@ -9,20 +9,19 @@
 namespace velka {
 namespace {
 
-int grayByFormula(double luminance) {
-  CColorManagment color;
+int grayByFormula(CColorManagment& color, double luminance) {
   const double lightness = 116.0 * color.Fn_XYZToLab(luminance) - 16.0;
   return truncateToInt32(lightness / 100.0 * 255.0 + 0.55);
 }
 
 /// The smallest luminance of at least this grey. Positive doubles are ordered like
 /// their bit patterns, so halving the patterns ends at the exact value.
-double cutPoint(int gray) {
+double cutPoint(CColorManagment& color, int gray) {
   auto below = std::bit_cast<uint64_t>(0.0);
   auto reached = std::bit_cast<uint64_t>(1.0);
   while (reached - below > 1) {
     const uint64_t middle = below + (reached - below) / 2;
-    (grayByFormula(std::bit_cast<double>(middle)) >= gray ? reached : below) = middle;
+    (grayByFormula(color, std::bit_cast<double>(middle)) >= gray ? reached : below) = middle;
   }
   return std::bit_cast<double>(reached);
 }
@@ -52,8 +51,9 @@ const std::array<Contributions, 3>& channelContributions() {
 
 GrayScale::GrayScale() {
   const auto& [red, green, blue] = channelContributions();
+  CColorManagment color;
   for (int gray = 1; gray <= 254; ++gray) {
-    cuts_[static_cast<size_t>(gray - 1)] = inUnits(cutPoint(gray));
+    cuts_[static_cast<size_t>(gray - 1)] = inUnits(cutPoint(color, gray));
   }
   // The formula gives white 254; it is 255 by decree.
   cuts_[254] = red[255] + green[255] + blue[255];

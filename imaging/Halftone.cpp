@@ -62,7 +62,9 @@ void screen(const Plane& plane, const Screen<N>& pattern) {
   }
 }
 
-size_t diffuseWave(const Plane& plane, short dotFactor, short threshold) {
+// The rows at the top that could be halftoned many at a time.
+size_t diffuseWave([[maybe_unused]] const Plane& plane, [[maybe_unused]] short dotFactor,
+                   [[maybe_unused]] short threshold) {
 #ifdef VELKA_SIMD
   if (waveServes(dotFactor, threshold) && cpuLevel() >= CpuLevel::Ssse3) {
     return diffuseWaveSsse3(plane, static_cast<uint8_t>(threshold));

@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <cstring>
 
+#include "CpuLevel.h"
+#include "RotationTiles.h"
+
 namespace velka {
 namespace {
 
 constexpr int64_t kPixelBytes = 3;
-// A block of 32 x 32 pixels keeps its source rows and its target rows in the
+// A block of 64 x 64 pixels keeps its source rows and its target rows in the
 // first-level cache while one side is walked across rows.
-constexpr int64_t kBlock = 32;
+constexpr int64_t kBlock = 64;
 
 void copyPixel(uint8_t* to, const uint8_t* from) {
   std::memcpy(to, from, kPixelBytes);
@@ -40,27 +43,75 @@ void turnHalf(const uint8_t* src, const BitmapShape& from, uint8_t* dst) {
   }
 }
 
-/// Source columns [x0, x1) of rows [y0, y1) become target rows.
-void turnBlock(const uint8_t* src, const BitmapShape& from, uint8_t* dst, const BitmapShape& to,
-               bool clockwise, int64_t x0, int64_t y0) {
-  const int64_t x1 = std::min(x0 + kBlock, from.width);
-  const int64_t y1 = std::min(y0 + kBlock, from.height);
-  for (int64_t x = x0; x < x1; ++x) {
-    uint8_t* row = dst + (clockwise ? x : from.width - 1 - x) * to.stride;
-    for (int64_t y = y0; y < y1; ++y) {
-      const int64_t column = clockwise ? from.height - 1 - y : y;
-      copyPixel(row + column * kPixelBytes, src + y * from.stride + x * kPixelBytes);
+/// A quarter turn: source row `row`, counted against or along the picture, becomes
+/// target column `row`, source column `column` becomes a target row.
+struct QuarterTurn {
+  const uint8_t* src;
+  int64_t srcStep;  ///< from one row to the next
+  uint8_t* dst;
+  int64_t dstStep;  ///< from one column's row to the next one's
+  int64_t columns;
+  int64_t rows;
+};
+
+/// The pixels of some source columns and rows.
+struct Area {
+  int64_t column;
+  int64_t columnEnd;
+  int64_t row;
+  int64_t rowEnd;
+};
+
+void turnPixels(const QuarterTurn& turn, const Area& area) {
+  for (int64_t column = area.column; column < area.columnEnd; ++column) {
+    const uint8_t* from = turn.src + column * kPixelBytes;
+    uint8_t* to = turn.dst + column * turn.dstStep;
+    for (int64_t row = area.row; row < area.rowEnd; ++row) {
+      copyPixel(to + row * kPixelBytes, from + row * turn.srcStep);
     }
   }
 }
 
-void turnQuarter(const uint8_t* src, const BitmapShape& from, uint8_t* dst, const BitmapShape& to,
-                 bool clockwise) {
-  for (int64_t y = 0; y < from.height; y += kBlock) {
-    for (int64_t x = 0; x < from.width; x += kBlock) {
-      turnBlock(src, from, dst, to, clockwise, x, y);
+#ifdef VELKA_SIMD
+void turnTiles(const QuarterTurn& turn, const Area& area) {
+  // A tile reads a little past its columns, which must not be past the picture.
+  const int64_t readable = std::min(area.columnEnd, turn.columns - kTileReach);
+  const int64_t columns = std::max<int64_t>(readable - area.column, 0) / kTile * kTile;
+  const int64_t rows = (area.rowEnd - area.row) / kTile * kTile;
+  turnTilesSsse3({turn.src + area.row * turn.srcStep + area.column * kPixelBytes, turn.srcStep,
+                  turn.dst + area.column * turn.dstStep + area.row * kPixelBytes, turn.dstStep,
+                  columns, rows});
+  turnPixels(turn, {area.column + columns, area.columnEnd, area.row, area.rowEnd});
+  turnPixels(turn, {area.column, area.column + columns, area.row + rows, area.rowEnd});
+}
+#endif
+
+void turnArea(const QuarterTurn& turn, const Area& area) {
+#ifdef VELKA_SIMD
+  if (cpuLevel() >= CpuLevel::Ssse3) return turnTiles(turn, area);
+#endif
+  turnPixels(turn, area);
+}
+
+void turnInBlocks(const QuarterTurn& turn) {
+  for (int64_t row = 0; row < turn.rows; row += kBlock) {
+    for (int64_t column = 0; column < turn.columns; column += kBlock) {
+      turnArea(turn, {column, std::min(column + kBlock, turn.columns), row,
+                      std::min(row + kBlock, turn.rows)});
     }
   }
+}
+
+void turnAnticlockwise(const uint8_t* src, const BitmapShape& from, uint8_t* dst,
+                       const BitmapShape& to) {
+  uint8_t* lastRow = dst + (to.height - 1) * to.stride;
+  turnInBlocks({src, from.stride, lastRow, -to.stride, from.width, from.height});
+}
+
+void turnClockwise(const uint8_t* src, const BitmapShape& from, uint8_t* dst,
+                   const BitmapShape& to) {
+  const uint8_t* lastRow = src + (from.height - 1) * from.stride;
+  turnInBlocks({lastRow, -from.stride, dst, to.stride, from.width, from.height});
 }
 
 }  // namespace
@@ -83,11 +134,11 @@ void rotateBitmap(const uint8_t* src, const BitmapShape& from, uint8_t* dst, con
   padRows(dst, to);
   switch (rotation) {
     case 1:
-      return turnQuarter(src, from, dst, to, false);
+      return turnAnticlockwise(src, from, dst, to);
     case 2:
       return turnHalf(src, from, dst);
     case 3:
-      return turnQuarter(src, from, dst, to, true);
+      return turnClockwise(src, from, dst, to);
     default:
       return copyRows(src, from, dst);
   }
