@@ -1,7 +1,6 @@
 #include "Separation.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "CpuLevel.h"
@@ -9,13 +8,8 @@
 namespace velka {
 namespace {
 
-// What a byte says about the whole pixel when all three channels agree.
-constexpr uint8_t kAbove239 = 1;
-constexpr uint8_t kPastTintedWhite = 2;  // deliberate: the third byte needs 250, the others 200
-constexpr uint8_t kInRange = 4;
-
-constexpr int kNearGrey = 9;
 constexpr size_t kPixelBytes = 3;
+constexpr uint32_t kWhite = 0xFFFFFF;
 
 std::array<uint8_t, 3> channels(tagRGBQUAD c) noexcept {
   return {c.rgbBlue, c.rgbGreen, c.rgbRed};
@@ -25,6 +19,7 @@ bool rangeIsValid(tagRGBQUAD low, tagRGBQUAD high) noexcept {
   return low.rgbBlue <= high.rgbBlue && low.rgbGreen <= high.rgbGreen && low.rgbRed <= high.rgbRed;
 }
 
+// Indexed by in range (1) + near grey (2).
 std::array<Ink, 4> routeTable(int outputColorType, int colorRangeUseFor) noexcept {
   constexpr Ink B = Ink::Black;
   constexpr Ink R = Ink::Red;
@@ -35,11 +30,6 @@ std::array<Ink, 4> routeTable(int outputColorType, int colorRangeUseFor) noexcep
   if (outputColorType == 3 && colorRangeUseFor == 1) return {R, B, B, B};
   if (outputColorType == 3 && colorRangeUseFor == 2) return {B, R, B, B};
   return {N, N, N, N};
-}
-
-bool nearGrey(int p0, int p1, int p2) noexcept {
-  return std::abs(p0 - p1) <= kNearGrey && std::abs(p0 - p2) <= kNearGrey &&
-         std::abs(p2 - p1) <= kNearGrey;
 }
 
 // Bytes of white at the start of `bytes`, in whole steps of 24.
@@ -71,17 +61,22 @@ size_t separateFirstPixels([[maybe_unused]] const InkRules& rules,
 }  // namespace
 
 InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const InkTone& red) noexcept
-    : route_(routeTable(routing.outputColorType, routing.colorRangeUseFor)),
-      solidApplies_(routing.outputColorType == 3),
+    : solidApplies_(routing.outputColorType == 3),
       solid_(routing.solid),
       rangeLow_(routing.rangeLow),
       rangeHigh_(routing.rangeHigh),
-      black_(black),
-      red_(red) {
+      tones_{ToneTable(black), ToneTable(red)} {
+  const auto route = routeTable(routing.outputColorType, routing.colorRangeUseFor);
+  for (unsigned marks = 0; marks < route_.size(); ++marks) {
+    const bool white = (marks & (kAbove239 | kPastTintedWhite)) != 0;
+    const size_t index = (marks & kInRange) + ((marks & kNearGreyMark) != 0 ? 2U : 0U);
+    route_[marks] = white ? Ink::None : route[index];
+  }
   const auto low = channels(routing.rangeLow);
   const auto high = channels(routing.rangeHigh);
   const bool valid = rangeIsValid(routing.rangeLow, routing.rangeHigh);
   for (size_t channel = 0; channel < kPixelBytes; ++channel) {
+    // Deliberate: the third byte needs 250 for a tinted white, the others 200.
     const int tintedWhite = channel == 2 ? 249 : 199;
     for (int v = 0; v < 256; ++v) {
       uint8_t& mark = marks_[channel][static_cast<size_t>(v)];
@@ -90,23 +85,6 @@ InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const Ink
       if (valid && low[channel] <= v && v <= high[channel]) mark |= kInRange;
     }
   }
-}
-
-Ink InkRules::inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
-  const auto mark = static_cast<uint8_t>(marks_[0][p0] & marks_[1][p1] & marks_[2][p2]);
-  if ((mark & (kAbove239 | kPastTintedWhite)) != 0) return Ink::None;
-  const size_t inRange = (mark & kInRange) != 0 ? 1 : 0;
-  const size_t grey = nearGrey(p0, p1, p2) ? 2 : 0;
-  return route_[inRange + grey];
-}
-
-InkDot InkRules::dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
-  const Ink ink = inkOf(p0, p1, p2);
-  if (ink == Ink::None) return {};
-  const bool solid =
-      solidApplies_ && p0 == solid_.rgbBlue && p1 == solid_.rgbGreen && p2 == solid_.rgbRed;
-  if (solid) return {ink, 0};
-  return {ink, (ink == Ink::Black ? black_ : red_).tone(p0, p1, p2)};
 }
 
 RowRules InkRules::rowRules() const noexcept {
@@ -118,12 +96,13 @@ RowRules InkRules::rowRules() const noexcept {
     rules.solid[i] = channels(solid_)[i];
     for (const Ink ink : {Ink::None, Ink::Black, Ink::Red})
       rules.tones[static_cast<size_t>(ink)].contributions[i] =
-          (ink == Ink::Red ? red_ : black_).contributions(i);
+          tones_[ink == Ink::Red ? 1 : 0].contributions(i);
   }
   rules.solidApplies = solidApplies_;
-  std::copy(route_.begin(), route_.end(), rules.route);
-  rules.tones[static_cast<size_t>(Ink::Black)].black = black_.black();
-  rules.tones[static_cast<size_t>(Ink::Red)].black = red_.black();
+  for (const unsigned index : {0U, 1U, 2U, 3U})
+    rules.route[index] = route_[(index & 1U) | ((index & 2U) != 0 ? kNearGreyMark : 0U)];
+  rules.tones[static_cast<size_t>(Ink::Black)].black = tones_[0].black();
+  rules.tones[static_cast<size_t>(Ink::Red)].black = tones_[1].black();
   rules.cutsBelowCell = GrayScale::instance().cutsBelowCell();
   rules.cuts = GrayScale::instance().cuts();
   rules.cellShift = 32 - GrayScale::kCellBits;
@@ -141,32 +120,32 @@ InkRules compileInkRules(const tagOEMCFG& options) noexcept {
 RowInk separateRow(const InkRules& rules, std::span<const uint8_t> pixels, uint8_t* black,
                    uint8_t* red) noexcept {
   RowInk found;
-  const size_t end = pixels.size() / kPixelBytes * kPixelBytes;
-  const uint8_t* previous = nullptr;
-  InkDot dot;
-  size_t at = separateFirstPixels(rules, pixels, black, red, found) * kPixelBytes;
-  while (at < end) {
-    const uint8_t* p = pixels.data() + at;
-    if (p[0] == 0xFF && p[1] == 0xFF && p[2] == 0xFF) {
-      at += std::max(kPixelBytes, whiteRun(pixels.subspan(at, end - at)));
+  const size_t count = pixels.size() / kPixelBytes;
+  const uint8_t* const bytes = pixels.data();
+  InkDot dot = rules.dot(0xFF, 0xFF, 0xFF);
+  uint32_t previous = kWhite;
+  for (size_t x = separateFirstPixels(rules, pixels, black, red, found); x < count; ++x) {
+    const uint8_t* p = bytes + x * kPixelBytes;
+    const uint32_t colour = p[0] | uint32_t{p[1]} << 8U | uint32_t{p[2]} << 16U;
+    if (colour == kWhite) {
+      x += whiteRun({p + kPixelBytes, (count - x - 1) * kPixelBytes}) / kPixelBytes;
       continue;
     }
-    if (previous == nullptr || std::memcmp(p, previous, kPixelBytes) != 0)
-      dot = rules.dot(p[0], p[1], p[2]);
-    previous = p;
-    const size_t x = at / kPixelBytes;
+    if (colour != previous) dot = rules.dot(p[0], p[1], p[2]);
+    previous = colour;
+    if (dot.ink == Ink::None) continue;
+    const auto column = static_cast<int64_t>(x);
     if (dot.ink == Ink::Black) {
       black[x] = dot.value;
-      found.black = true;
-      found.lastBlackColumn = static_cast<int64_t>(x);
-      if (found.firstBlackColumn < 0) found.firstBlackColumn = static_cast<int64_t>(x);
-    } else if (dot.ink == Ink::Red) {
+      found.lastBlackColumn = column;
+      if (found.firstBlackColumn < 0) found.firstBlackColumn = column;
+    } else {
       red[x] = dot.value;
-      found.lastRedColumn = static_cast<int64_t>(x);
-      if (found.firstRedColumn < 0) found.firstRedColumn = static_cast<int64_t>(x);
+      found.lastRedColumn = column;
+      if (found.firstRedColumn < 0) found.firstRedColumn = column;
     }
-    at += kPixelBytes;
   }
+  found.black = found.firstBlackColumn >= 0;
   return found;
 }
 

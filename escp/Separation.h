@@ -3,6 +3,7 @@
 // once a page.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -34,23 +35,41 @@ class InkRules {
   InkRules(const ColourRouting& routing, const InkTone& black, const InkTone& red) noexcept;
 
   /// Ink and value of one pixel, its three bytes in memory order.
-  [[nodiscard]] InkDot dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
+  [[nodiscard]] InkDot dot(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
+    const Ink ink = inkOf(p0, p1, p2);
+    if (ink == Ink::None) return {};
+    if (solidApplies_ && p0 == solid_.rgbBlue && p1 == solid_.rgbGreen && p2 == solid_.rgbRed)
+      return {ink, 0};
+    return {ink, tones_[ink == Ink::Red ? 1 : 0].tone(p0, p1, p2)};
+  }
 
   /// The same rules as plain data, which refers to this object's tables.
   [[nodiscard]] RowRules rowRules() const noexcept;
 
  private:
-  [[nodiscard]] Ink inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept;
+  // What a byte says about the whole pixel when all three channels agree.
+  static constexpr uint8_t kInRange = 1;
+  static constexpr uint8_t kAbove239 = 2;
+  static constexpr uint8_t kPastTintedWhite = 4;
+  static constexpr unsigned kNearGreyMark = 8;
+  static constexpr int kNearGrey = 9;
+
+  // Without branches: on photographs they would be foreseen wrongly too often.
+  [[nodiscard]] Ink inkOf(uint8_t p0, uint8_t p1, uint8_t p2) const noexcept {
+    const auto mark = static_cast<unsigned>(marks_[0][p0] & marks_[1][p1] & marks_[2][p2]);
+    const int most = std::max(std::max<int>(p0, p1), int{p2});
+    const int least = std::min(std::min<int>(p0, p1), int{p2});
+    return route_[mark | (most - least <= kNearGrey ? kNearGreyMark : 0U)];
+  }
 
   // Per channel and byte: how it stands to the white limits and the range.
   std::array<std::array<uint8_t, 256>, 3> marks_{};
-  std::array<Ink, 4> route_{};  // indexed by in range (1) + near grey (2)
+  std::array<Ink, 16> route_{};  // indexed by all marks
   bool solidApplies_ = false;
   tagRGBQUAD solid_{};
   tagRGBQUAD rangeLow_{};
   tagRGBQUAD rangeHigh_{};
-  ToneTable black_;
-  ToneTable red_;
+  std::array<ToneTable, 2> tones_;  // of black and red
 };
 
 /// The rules that the options record asks for.
