@@ -29,11 +29,9 @@ struct RowRules {
   uint8_t high[3];
   uint8_t solid[3];
   bool solidApplies;
-  Ink route[4];      ///< indexed by in range (1) + near grey (2)
-  RowTone tones[3];  ///< indexed by ink; that of Ink::None is as good as any
-  const uint8_t* cutsBelowCell;
-  const uint32_t* cuts;
-  unsigned cellShift;
+  Ink route[4];               ///< indexed by in range (1) + near grey (2)
+  RowTone tones[3];           ///< indexed by ink; that of Ink::None is as good as any
+  const uint32_t* graySteps;  ///< as GrayScale holds them
 };
 
 /// Separates pixels from the start of a row, as many of `count` as make whole steps,

@@ -7,7 +7,7 @@ namespace {
 
 constexpr size_t kLanes = 16;
 constexpr char kNearGrey = 9;
-constexpr unsigned kCellShift = 20;
+constexpr unsigned kCellShift = 20;  // as GrayScale has it
 
 __m128i load(const void* bytes) noexcept {
   return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
@@ -153,12 +153,10 @@ class Separator {
     const uint32_t* first = tone.contributions[0];
     const uint32_t* second = tone.contributions[1];
     const uint32_t* third = tone.contributions[2];
-    const uint8_t* cells = rules_.cutsBelowCell;
-    const uint32_t* cuts = rules_.cuts;
+    const uint32_t* steps = rules_.graySteps;
     const auto gray = [&](size_t i) {
       const uint32_t luminance = first[bytes[0][i]] + second[bytes[1][i]] + third[bytes[2][i]];
-      const unsigned below = cells[luminance >> kCellShift];
-      return static_cast<uint8_t>(below + (luminance >= cuts[below] ? 1U : 0U));
+      return static_cast<uint8_t>((steps[luminance >> kCellShift] + luminance) >> kCellShift);
     };
     if (open == 0xFFFF) {
 #pragma GCC unroll 16

@@ -103,9 +103,7 @@ RowRules InkRules::rowRules() const noexcept {
     rules.route[index] = route_[(index & 1U) | ((index & 2U) != 0 ? kNearGreyMark : 0U)];
   rules.tones[static_cast<size_t>(Ink::Black)].black = tones_[0].black();
   rules.tones[static_cast<size_t>(Ink::Red)].black = tones_[1].black();
-  rules.cutsBelowCell = GrayScale::instance().cutsBelowCell();
-  rules.cuts = GrayScale::instance().cuts();
-  rules.cellShift = 32 - GrayScale::kCellBits;
+  rules.graySteps = GrayScale::instance().steps();
   return rules;
 }
 

@@ -1,7 +1,6 @@
 #include "GrayScale.h"
 
 #include <bit>
-#include <limits>
 
 #include "CheckedMath.h"
 #include "ColorManagment.h"
@@ -51,19 +50,23 @@ const std::array<Contributions, 3>& channelContributions() {
 
 GrayScale::GrayScale() {
   const auto& [red, green, blue] = channelContributions();
+  std::array<uint32_t, 255> cuts{};  // cuts[g] is the smallest Y above grey g
   CColorManagment color;
   for (int gray = 1; gray <= 254; ++gray) {
-    cuts_[static_cast<size_t>(gray - 1)] = inUnits(cutPoint(color, gray));
+    cuts[static_cast<size_t>(gray - 1)] = inUnits(cutPoint(color, gray));
   }
   // The formula gives white 254; it is 255 by decree.
-  cuts_[254] = red[255] + green[255] + blue[255];
-  cuts_[255] = std::numeric_limits<uint32_t>::max();
-  unsigned below = 0;
-  for (uint32_t cell = 0; cell < cutsBelowCell_.size(); ++cell) {
-    while (cuts_[below] <= cell << (32 - kCellBits)) {
-      ++below;
+  cuts[254] = red[255] + green[255] + blue[255];
+  constexpr uint32_t kCell = 1U << kCellShift;
+  uint32_t gray = 0;
+  for (uint32_t cell = 0; cell < steps_.size(); ++cell) {
+    const uint32_t start = cell * kCell;
+    while (gray < cuts.size() && cuts[gray] <= start) {
+      ++gray;
     }
-    cutsBelowCell_[cell] = static_cast<uint8_t>(below);
+    const bool holdsCut = gray < cuts.size() && cuts[gray] - start < kCell;
+    const uint32_t untilNext = holdsCut ? cuts[gray] - start : kCell;
+    steps_[cell] = gray * kCell + (kCell - untilNext) - start;
   }
 }
 

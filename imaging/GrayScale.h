@@ -23,28 +23,27 @@ const std::array<Contributions, 3>& channelContributions();
 
 class GrayScale {
  public:
-  // The closest cut points, those of the darkest greys, are about 1/2303 apart.
-  static constexpr unsigned kCellBits = 12;
-
   /// The only one; built on first use.
   static const GrayScale& instance();
 
   /// Grey of a luminance from 0 to that of white. White alone gives 255.
   [[nodiscard]] uint8_t gray(uint32_t luminance) const {
-    // Cells are narrower than any two cut points are apart: one step will do.
-    const unsigned below = cutsBelowCell_[luminance >> (32 - kCellBits)];
-    return static_cast<uint8_t>(below + (luminance >= cuts_[below] ? 1U : 0U));
+    return static_cast<uint8_t>((steps_[luminance >> kCellShift] + luminance) >> kCellShift);
   }
 
-  /// The two tables that `gray` looks into, for kernels that do so themselves.
-  [[nodiscard]] const uint8_t* cutsBelowCell() const { return cutsBelowCell_.data(); }
-  [[nodiscard]] const uint32_t* cuts() const { return cuts_.data(); }
+  /// The table that `gray` looks into, for kernels that do so themselves.
+  [[nodiscard]] const uint32_t* steps() const { return steps_.data(); }
+
+  /// Luminance is cut into 4096 cells. The closest cut points, those of the darkest
+  /// greys, are about 1/2303 apart, so that a cell holds one at most.
+  static constexpr unsigned kCellShift = 20;
 
  private:
   GrayScale();
 
-  std::array<uint8_t, size_t{1} << kCellBits> cutsBelowCell_{};
-  std::array<uint32_t, 256> cuts_{};  // cuts_[g] is the smallest Y above grey g
+  // What makes, added to a cell's luminance, the grey of its start the whole cells, and
+  // one more from the cell's cut point on.
+  std::array<uint32_t, size_t{1} << (32 - kCellShift)> steps_{};
 };
 
 /// What CColorManagment makes of a colour, some fifty times as fast.
