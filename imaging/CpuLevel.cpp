@@ -16,7 +16,7 @@ CpuLevel highestCpuLevel() noexcept {
 #ifdef VELKA_SIMD
   if (__builtin_cpu_supports("ssse3") != 0) return CpuLevel::Ssse3;
 #endif
-  return CpuLevel::Plain;
+  return CpuLevel::Vectors;
 }
 
 CpuLevel cpuLevel() noexcept {

@@ -1,8 +1,9 @@
 // Which of a kernel's forms runs.
 //
-// Each kernel has a plain form, which defines its result, and may have a faster
-// sibling for the x86-64 instructions in its file name. Builds for other processors,
-// and those with VELKA_SIMD off, hold the plain forms alone.
+// Each kernel has a plain form, which defines its result. Some have a form in the
+// compiler's own vectors, which suits any processor, or a sibling for the x86-64
+// instructions in its file name. Builds for other processors, and those with VELKA_SIMD
+// off, hold no such siblings.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,8 @@ namespace velka {
 
 enum class CpuLevel : uint8_t {
   Plain,
-  Ssse3,  ///< shuffles of 16 bytes
+  Vectors,  ///< vectors of the compiler's own
+  Ssse3,    ///< shuffles of 16 bytes
 };
 
 /// The highest level that this build holds and this processor has.

@@ -30,6 +30,6 @@ struct DiffusionRows {
 /// Halftones rows from the top as diffuseRow does with a dot factor of 0, as many as
 /// make whole groups. Returns their number; the errors of the last one are in the
 /// row below, which is always left over.
-size_t diffuseWaveSsse3(const DiffusionRows& plane, uint8_t threshold) noexcept;
+size_t diffuseWave(const DiffusionRows& plane, uint8_t threshold) noexcept;
 
 }  // namespace velka

@@ -62,20 +62,13 @@ void screen(const Plane& plane, const Screen<N>& pattern) {
   }
 }
 
-// The rows at the top that could be halftoned many at a time.
-size_t diffuseWave([[maybe_unused]] const Plane& plane, [[maybe_unused]] short dotFactor,
-                   [[maybe_unused]] short threshold) {
-#ifdef VELKA_SIMD
-  if (waveServes(dotFactor, threshold) && cpuLevel() >= CpuLevel::Ssse3) {
-    return diffuseWaveSsse3(plane, static_cast<uint8_t>(threshold));
-  }
-#endif
-  return 0;
-}
-
 void diffuse(const Plane& plane, short dotFactor, short threshold) {
+  size_t y = 0;
+  if (waveServes(dotFactor, threshold) && cpuLevel() >= CpuLevel::Vectors) {
+    y = diffuseWave(plane, static_cast<uint8_t>(threshold));
+  }
   const DiffusionTable table(dotFactor, threshold);
-  for (size_t y = diffuseWave(plane, dotFactor, threshold); y < plane.rows; ++y) {
+  for (; y < plane.rows; ++y) {
     uint8_t* row = plane.in + y * plane.stride;
     uint8_t* below = y + 1 < plane.rows ? row + plane.stride : nullptr;
     diffuseRow(table, row, below, plane.out + y * plane.stride, plane.columns);

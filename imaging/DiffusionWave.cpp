@@ -1,25 +1,96 @@
-#include <tmmintrin.h>
+#include "DiffusionWave.h"
 
 #include <cstring>
-
-#include "DiffusionWave.h"
 
 namespace velka {
 namespace {
 
 constexpr size_t kLanes = 16;
+
+// A byte for each row. Vectors of the compiler's own, which it maps to whatever the
+// processor has.
+using Lanes = uint8_t __attribute__((vector_size(kLanes)));
+
+Lanes loadLanes(const uint8_t* bytes) noexcept {
+  Lanes value;
+  std::memcpy(&value, bytes, sizeof value);
+  return value;
+}
+
+void storeLanes(uint8_t* bytes, Lanes value) noexcept {
+  std::memcpy(bytes, &value, sizeof value);
+}
+
+Lanes allLanes(uint8_t value) noexcept {
+  return Lanes{} + value;
+}
+
+/// 255 where the bytes are equal, else 0.
+Lanes equal(Lanes a, Lanes b) noexcept {
+  return reinterpret_cast<Lanes>(a == b);
+}
+
+Lanes least(Lanes a, Lanes b) noexcept {
+  return a < b ? a : b;
+}
+
+/// Whether all bytes are 255.
+bool isFull(Lanes mask) noexcept {
+  uint64_t halves[2];
+  std::memcpy(halves, &mask, sizeof halves);
+  return (halves[0] & halves[1]) == ~uint64_t{0};
+}
+
+/// The first eight bytes of `a` and `b` in turn.
+Lanes zipFirst(Lanes a, Lanes b) noexcept {
+  return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+
+/// The last eight bytes of `a` and `b` in turn.
+Lanes zipLast(Lanes a, Lanes b) noexcept {
+  return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15,
+                                 31);
+}
+
 constexpr size_t kSkew = 2;  // columns from a row to the one above
 constexpr size_t kLag = kSkew * (kLanes - 1);
 
+/// Every lane takes what the one above it holds, the first one 0.
+Lanes oneDown(Lanes a) noexcept {
+  return __builtin_shufflevector(Lanes{}, a, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28,
+                                 29, 30);
+}
+
+/// floor(error x weight / 16) for the weights of the four neighbours. With the halves of
+/// a byte apart, no product leaves its byte.
+struct Shares {
+  Lanes seven;
+  Lanes five;
+  Lanes three;
+  Lanes one;
+
+  explicit Shares(Lanes error) noexcept {
+    one = error >> 4;
+    const Lanes low = error & 15;
+    const Lanes high2 = one + one;
+    const Lanes low2 = low + low;
+    const Lanes high4 = high2 + high2;
+    const Lanes low4 = low2 + low2;
+    three = high2 + one + ((low2 + low) >> 4);
+    five = high4 + one + ((low4 + low) >> 4);
+    seven = high4 + high4 - one + ((low4 + low4 - low) >> 4);
+  }
+};
+
 /// Sixteen steps of the wave: a vector holds what the lanes read at one step.
 struct Block {
-  __m128i at[kLanes];
+  Lanes at[kLanes];
 };
 
 bool isPaper(const Block& block) noexcept {
-  __m128i all = block.at[0];
-  for (const __m128i& row : block.at) all = _mm_and_si128(all, row);
-  return _mm_movemask_epi8(_mm_cmpeq_epi8(all, _mm_set1_epi8(-1))) == 0xFFFF;
+  Lanes every = block.at[0];
+  for (const Lanes& row : block.at) every &= row;
+  return isFull(every);
 }
 
 /// Rows become columns and columns rows.
@@ -28,41 +99,13 @@ Block transposed(Block block) noexcept {
   for (int round = 0; round < 4; ++round) {
     Block next;
     for (size_t i = 0; i < kLanes / 2; ++i) {
-      next.at[2 * i] = _mm_unpacklo_epi8(block.at[i], block.at[i + kLanes / 2]);
-      next.at[2 * i + 1] = _mm_unpackhi_epi8(block.at[i], block.at[i + kLanes / 2]);
+      next.at[2 * i] = zipFirst(block.at[i], block.at[i + kLanes / 2]);
+      next.at[2 * i + 1] = zipLast(block.at[i], block.at[i + kLanes / 2]);
     }
     block = next;
   }
   return block;
 }
-
-__m128i load(const uint8_t* bytes) noexcept {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
-
-void store(uint8_t* bytes, __m128i value) noexcept {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), value);
-}
-
-/// floor(m x weight / 16) for the halves of a byte, by look-up.
-struct Weight {
-  __m128i high;
-  __m128i low;
-
-  explicit Weight(int weight) noexcept {
-    uint8_t highs[16];
-    uint8_t lows[16];
-    for (int i = 0; i < 16; ++i) {
-      highs[i] = static_cast<uint8_t>(i * weight);
-      lows[i] = static_cast<uint8_t>(i * weight / 16);
-    }
-    high = load(highs);
-    low = load(lows);
-  }
-  [[nodiscard]] __m128i of(__m128i highHalf, __m128i lowHalf) const noexcept {
-    return _mm_add_epi8(_mm_shuffle_epi8(high, highHalf), _mm_shuffle_epi8(low, lowHalf));
-  }
-};
 
 /// The part of a lane's sixteen columns from `x` on that lies on the page.
 struct Inside {
@@ -90,7 +133,7 @@ class Group {
         out_(plane.out + top * plane.stride),
         stride_(plane.stride),
         columns_(plane.columns),
-        threshold_(_mm_set1_epi8(static_cast<char>(threshold))),
+        threshold_(allLanes(threshold)),
         writesInput_(plane.in != plane.out) {}
 
   void diffuse() noexcept {
@@ -131,14 +174,14 @@ class Group {
       const ptrdiff_t x = columnOf(step, lane);
       const uint8_t* row = in_ + lane * stride_;
       if (!isEdge(step)) {
-        rows.at[lane] = load(row + x);
+        rows.at[lane] = loadLanes(row + x);
         continue;
       }
       uint8_t bytes[kLanes];
       std::memset(bytes, 0xFF, sizeof bytes);
       const Inside inside(x, columns_);
       if (inside.size > 0) std::memcpy(bytes + inside.first, row + inside.column, inside.size);
-      rows.at[lane] = load(bytes);
+      rows.at[lane] = loadLanes(bytes);
     }
     return transposed(rows);
   }
@@ -151,9 +194,9 @@ class Group {
   void writeRow(size_t step, uint8_t* plane, const Block& rows, size_t lane) const noexcept {
     const ptrdiff_t x = columnOf(step, lane);
     uint8_t* row = plane + lane * stride_;
-    if (!isEdge(step)) return store(row + x, rows.at[lane]);
+    if (!isEdge(step)) return storeLanes(row + x, rows.at[lane]);
     uint8_t bytes[kLanes];
-    store(bytes, rows.at[lane]);
+    storeLanes(bytes, rows.at[lane]);
     const Inside inside(x, columns_);
     if (inside.size > 0) std::memcpy(row + inside.column, bytes + inside.first, inside.size);
   }
@@ -166,59 +209,46 @@ class Group {
       std::memset(bytes, 0xFF, sizeof bytes);
       const Inside inside(columnOf(step, lane), columns_);
       if (inside.size > 0) std::memset(bytes + inside.first, 0, inside.size);
-      rows.at[lane] = load(bytes);
+      rows.at[lane] = loadLanes(bytes);
     }
     return transposed(rows);
   }
 
   /// Whether the next sixteen steps meet full ink and paper alone, and no error.
   [[nodiscard]] bool isQuiet(const Block& now) const noexcept {
-    const __m128i ink = _mm_setzero_si128();
-    const __m128i paper = _mm_set1_epi8(-1);
-    __m128i quiet = _mm_cmpeq_epi8(here_, now.at[0]);
-    quiet = _mm_and_si128(quiet, _mm_cmpeq_epi8(next_, now.at[1]));
-    quiet = _mm_and_si128(quiet, _mm_cmpeq_epi8(afterNext_, now.at[2]));
-    for (const __m128i& value : now.at) {
-      quiet = _mm_and_si128(quiet,
-                            _mm_or_si128(_mm_cmpeq_epi8(value, ink), _mm_cmpeq_epi8(value, paper)));
-    }
-    return _mm_movemask_epi8(quiet) == 0xFFFF;
+    Lanes quiet = equal(here_, now.at[0]) & equal(next_, now.at[1]) & equal(afterNext_, now.at[2]);
+    for (const Lanes& value : now.at) quiet &= equal(value, Lanes{}) | equal(value, allLanes(255));
+    return isFull(quiet);
   }
 
   template <bool kEdge>
   void run(size_t step, const Block& now, const Block& ahead) noexcept {
-    const __m128i ones = _mm_set1_epi8(-1);
-    const __m128i lowHalf = _mm_set1_epi8(15);
     // The last lane hands nothing on to its right.
-    const __m128i spreads = _mm_srli_si128(ones, 1);
-    const Weight seven(7);
-    const Weight five(5);
-    const Weight three(3);
+    Lanes spreads = allLanes(255);
+    spreads[kLanes - 1] = 0;
     Block hold;
     if (kEdge) hold = outside(step);
     Block values;
     Block dots;
     for (size_t i = 0; i < kLanes; ++i) {
-      const __m128i value = kEdge ? _mm_or_si128(here_, hold.at[i]) : here_;
-      const __m128i dot = _mm_cmpeq_epi8(_mm_min_epu8(value, threshold_), value);
+      const Lanes value = kEdge ? here_ | hold.at[i] : here_;
+      const Lanes blank = ~equal(least(value, threshold_), value);
       values.at[i] = value;
-      dots.at[i] = _mm_xor_si128(dot, ones);
-      const __m128i error = _mm_xor_si128(_mm_xor_si128(value, ones), dot);
-      const __m128i high = _mm_and_si128(_mm_srli_epi16(error, 4), lowHalf);
-      const __m128i low = _mm_and_si128(error, lowHalf);
-      const auto give = [](__m128i to, __m128i part, __m128i plus, __m128i minus) noexcept {
-        return _mm_subs_epu8(_mm_adds_epu8(to, _mm_and_si128(part, plus)),
-                             _mm_and_si128(part, minus));
+      dots.at[i] = blank;
+      const Lanes error = value ^ blank;
+      const Shares shares(error);
+      const auto give = [](Lanes to, Lanes share, Lanes minus) noexcept {
+        const Lanes more = share & ~minus;
+        const Lanes sum = to + least(more, ~to);
+        return static_cast<Lanes>(sum - least(share & minus, sum));
       };
       // One lane on is one row down.
-      const __m128i below = _mm_slli_si128(dot, 1);
-      const __m128i belowMinus = _mm_slli_si128(dots.at[i], 1);
-      const __m128i last = i + 3 < kLanes ? now.at[(i + 3) % kLanes] : ahead.at[(i + 3) % kLanes];
-      here_ = give(next_, _mm_slli_si128(three.of(high, low), 1), below, belowMinus);
-      here_ = give(here_, seven.of(high, low), _mm_and_si128(dot, spreads),
-                   _mm_andnot_si128(dot, spreads));
-      next_ = give(afterNext_, _mm_slli_si128(five.of(high, low), 1), below, belowMinus);
-      afterNext_ = give(last, _mm_slli_si128(high, 1), below, belowMinus);
+      const Lanes below = oneDown(blank);
+      const Lanes last = i + 3 < kLanes ? now.at[(i + 3) % kLanes] : ahead.at[(i + 3) % kLanes];
+      here_ = give(next_, oneDown(shares.three), below);
+      here_ = give(here_, shares.seven & spreads, blank);
+      next_ = give(afterNext_, oneDown(shares.five), below);
+      afterNext_ = give(last, oneDown(shares.one), below);
     }
     const Block final = transposed(values);
     if (writesInput_) write(step, in_, final, kLanes - 1);
@@ -230,17 +260,17 @@ class Group {
   uint8_t* out_;
   size_t stride_;
   size_t columns_;
-  __m128i threshold_;
+  Lanes threshold_;
   bool writesInput_;
   // What has been received so far for this step and the two after it.
-  __m128i here_{};
-  __m128i next_{};
-  __m128i afterNext_{};
+  Lanes here_{};
+  Lanes next_{};
+  Lanes afterNext_{};
 };
 
 }  // namespace
 
-size_t diffuseWaveSsse3(const DiffusionRows& plane, uint8_t threshold) noexcept {
+size_t diffuseWave(const DiffusionRows& plane, uint8_t threshold) noexcept {
   size_t top = 0;
   for (; plane.rows - top >= kLanes; top += kLanes - 1) Group(plane, top, threshold).diffuse();
   return top;
