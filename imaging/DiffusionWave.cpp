@@ -85,6 +85,7 @@ struct Shares {
 /// Sixteen steps of the wave: a vector holds what the lanes read at one step.
 struct Block {
   Lanes at[kLanes];
+  bool paper = false;  ///< known to be 255 throughout
 };
 
 bool isPaper(const Block& block) noexcept {
@@ -95,7 +96,6 @@ bool isPaper(const Block& block) noexcept {
 
 /// Rows become columns and columns rows.
 Block transposed(Block block) noexcept {
-  if (isPaper(block)) return block;
   for (int round = 0; round < 4; ++round) {
     Block next;
     for (size_t i = 0; i < kLanes / 2; ++i) {
@@ -132,6 +132,7 @@ class Group {
       : in_(plane.in + top * plane.stride),
         out_(plane.out + top * plane.stride),
         stride_(plane.stride),
+        rowStep_(static_cast<ptrdiff_t>(plane.stride) - static_cast<ptrdiff_t>(kSkew)),
         columns_(plane.columns),
         threshold_(allLanes(threshold)),
         writesInput_(plane.in != plane.out) {}
@@ -145,7 +146,7 @@ class Group {
     for (size_t step = 0; step < steps; step += kLanes) {
       const Block ahead = read(step + kLanes);
       if (isQuiet(now)) {
-        if (writesInput_) write(step, out_, transposed(now), kLanes - 1);
+        if (writesInput_) write(step, out_, now.paper ? now : transposed(now), kLanes - 1);
         here_ = ahead.at[0];
         next_ = ahead.at[1];
         afterNext_ = ahead.at[2];
@@ -169,21 +170,32 @@ class Group {
 
   /// What the lanes read from `step` on; paper beside the page.
   [[nodiscard]] Block read(size_t step) const noexcept {
+    Block rows = isEdge(step) ? readEdge(step) : readInside(step);
+    rows.paper = isPaper(rows);
+    return rows.paper ? rows : transposed(rows);
+  }
+
+  [[nodiscard]] Block readInside(size_t step) const noexcept {
+    Block rows;
+    const uint8_t* from = in_ + step;
+    for (Lanes& row : rows.at) {
+      row = loadLanes(from);
+      from += rowStep_;
+    }
+    return rows;
+  }
+
+  [[nodiscard]] Block readEdge(size_t step) const noexcept {
     Block rows;
     for (size_t lane = 0; lane < kLanes; ++lane) {
-      const ptrdiff_t x = columnOf(step, lane);
-      const uint8_t* row = in_ + lane * stride_;
-      if (!isEdge(step)) {
-        rows.at[lane] = loadLanes(row + x);
-        continue;
-      }
       uint8_t bytes[kLanes];
       std::memset(bytes, 0xFF, sizeof bytes);
-      const Inside inside(x, columns_);
+      const Inside inside(columnOf(step, lane), columns_);
+      const uint8_t* row = in_ + lane * stride_;
       if (inside.size > 0) std::memcpy(bytes + inside.first, row + inside.column, inside.size);
       rows.at[lane] = loadLanes(bytes);
     }
-    return transposed(rows);
+    return rows;
   }
 
   /// The first `lanes` rows of a block, as far as they lie on the page.
@@ -216,6 +228,7 @@ class Group {
 
   /// Whether the next sixteen steps meet full ink and paper alone, and no error.
   [[nodiscard]] bool isQuiet(const Block& now) const noexcept {
+    if (now.paper) return isFull(here_ & next_ & afterNext_);
     Lanes quiet = equal(here_, now.at[0]) & equal(next_, now.at[1]) & equal(afterNext_, now.at[2]);
     for (const Lanes& value : now.at) quiet &= equal(value, Lanes{}) | equal(value, allLanes(255));
     return isFull(quiet);
@@ -259,6 +272,7 @@ class Group {
   uint8_t* in_;
   uint8_t* out_;
   size_t stride_;
+  ptrdiff_t rowStep_;  ///< from what a lane reads to what the next one reads
   size_t columns_;
   Lanes threshold_;
   bool writesInput_;

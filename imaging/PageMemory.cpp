@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -11,13 +12,12 @@
 namespace velka {
 namespace {
 
-constexpr uintptr_t kLargePage = uintptr_t{2} << 20U;
-
 // A hint: where it is not taken, small pages serve as well, only slower.
 void preferLargePages(unsigned char* block, size_t bytes) noexcept {
+  const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto begin = reinterpret_cast<uintptr_t>(block);
-  const uintptr_t first = (begin + kLargePage - 1) / kLargePage * kLargePage;
-  const uintptr_t end = (begin + bytes) / kLargePage * kLargePage;
+  const uintptr_t first = (begin + page - 1) / page * page;
+  const uintptr_t end = (begin + bytes) / page * page;
   if (first < end) madvise(block + (first - begin), end - first, MADV_HUGEPAGE);
 }
 
