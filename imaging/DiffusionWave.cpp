@@ -2,55 +2,10 @@
 
 #include <cstring>
 
+#include "ByteLanes.h"
+
 namespace velka {
 namespace {
-
-constexpr size_t kLanes = 16;
-
-// A byte for each row. Vectors of the compiler's own, which it maps to whatever the
-// processor has.
-using Lanes = uint8_t __attribute__((vector_size(kLanes)));
-
-Lanes loadLanes(const uint8_t* bytes) noexcept {
-  Lanes value;
-  std::memcpy(&value, bytes, sizeof value);
-  return value;
-}
-
-void storeLanes(uint8_t* bytes, Lanes value) noexcept {
-  std::memcpy(bytes, &value, sizeof value);
-}
-
-Lanes allLanes(uint8_t value) noexcept {
-  return Lanes{} + value;
-}
-
-/// 255 where the bytes are equal, else 0.
-Lanes equal(Lanes a, Lanes b) noexcept {
-  return reinterpret_cast<Lanes>(a == b);
-}
-
-Lanes least(Lanes a, Lanes b) noexcept {
-  return a < b ? a : b;
-}
-
-/// Whether all bytes are 255.
-bool isFull(Lanes mask) noexcept {
-  uint64_t halves[2];
-  std::memcpy(halves, &mask, sizeof halves);
-  return (halves[0] & halves[1]) == ~uint64_t{0};
-}
-
-/// The first eight bytes of `a` and `b` in turn.
-Lanes zipFirst(Lanes a, Lanes b) noexcept {
-  return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-}
-
-/// The last eight bytes of `a` and `b` in turn.
-Lanes zipLast(Lanes a, Lanes b) noexcept {
-  return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15,
-                                 31);
-}
 
 constexpr size_t kSkew = 2;  // columns from a row to the one above
 constexpr size_t kLag = kSkew * (kLanes - 1);
@@ -245,21 +200,18 @@ class Group {
     Block dots;
     for (size_t i = 0; i < kLanes; ++i) {
       const Lanes value = kEdge ? here_ | hold.at[i] : here_;
-      const Lanes blank = ~equal(least(value, threshold_), value);
+      const Lanes dot = equal(least(value, threshold_), value);
       values.at[i] = value;
-      dots.at[i] = blank;
-      const Lanes error = value ^ blank;
-      const Shares shares(error);
-      const auto give = [](Lanes to, Lanes share, Lanes minus) noexcept {
-        const Lanes more = share & ~minus;
-        const Lanes sum = to + least(more, ~to);
-        return static_cast<Lanes>(sum - least(share & minus, sum));
+      dots.at[i] = ~dot;
+      const Shares shares(~value ^ dot);
+      const auto give = [](Lanes to, Lanes share, Lanes darker) noexcept {
+        return subtractDownTo0(addUpTo255(to, share & darker), share & ~darker);
       };
       // One lane on is one row down.
-      const Lanes below = oneDown(blank);
+      const Lanes below = oneDown(dot);
       const Lanes last = i + 3 < kLanes ? now.at[(i + 3) % kLanes] : ahead.at[(i + 3) % kLanes];
       here_ = give(next_, oneDown(shares.three), below);
-      here_ = give(here_, shares.seven & spreads, blank);
+      here_ = give(here_, shares.seven & spreads, dot);
       next_ = give(afterNext_, oneDown(shares.five), below);
       afterNext_ = give(last, oneDown(shares.one), below);
     }

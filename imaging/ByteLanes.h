@@ -1,0 +1,81 @@
+// Sixteen bytes worked on at once, in vectors of the compiler's own, which it maps to
+// whatever the processor has.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#if defined(VELKA_SIMD) && defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace velka {
+
+constexpr size_t kLanes = 16;
+
+using Lanes = uint8_t __attribute__((vector_size(kLanes)));
+
+inline Lanes loadLanes(const uint8_t* bytes) noexcept {
+  Lanes value;
+  std::memcpy(&value, bytes, sizeof value);
+  return value;
+}
+
+inline void storeLanes(uint8_t* bytes, Lanes value) noexcept {
+  std::memcpy(bytes, &value, sizeof value);
+}
+
+inline Lanes allLanes(uint8_t value) noexcept {
+  return Lanes{} + value;
+}
+
+/// 255 where the bytes are equal, else 0.
+inline Lanes equal(Lanes a, Lanes b) noexcept {
+  return reinterpret_cast<Lanes>(a == b);
+}
+
+inline Lanes least(Lanes a, Lanes b) noexcept {
+  return a < b ? a : b;
+}
+
+/// a + b, at most 255; a - b, at least 0. The compiler does not find the instructions
+/// that x86-64 has for them.
+#if defined(VELKA_SIMD) && defined(__SSE2__)
+inline Lanes addUpTo255(Lanes a, Lanes b) noexcept {
+  return reinterpret_cast<Lanes>(
+      _mm_adds_epu8(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+}
+
+inline Lanes subtractDownTo0(Lanes a, Lanes b) noexcept {
+  return reinterpret_cast<Lanes>(
+      _mm_subs_epu8(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+}
+#else
+inline Lanes addUpTo255(Lanes a, Lanes b) noexcept {
+  return a + least(b, ~a);
+}
+
+inline Lanes subtractDownTo0(Lanes a, Lanes b) noexcept {
+  return a - least(a, b);
+}
+#endif
+
+/// Whether all bytes are 255.
+inline bool isFull(Lanes mask) noexcept {
+  uint64_t halves[2];
+  std::memcpy(halves, &mask, sizeof halves);
+  return (halves[0] & halves[1]) == ~uint64_t{0};
+}
+
+/// The first eight bytes of `a` and `b` in turn.
+inline Lanes zipFirst(Lanes a, Lanes b) noexcept {
+  return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+
+/// The last eight bytes of `a` and `b` in turn.
+inline Lanes zipLast(Lanes a, Lanes b) noexcept {
+  return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15,
+                                 31);
+}
+
+}  // namespace velka
