@@ -234,11 +234,27 @@ class Group {
   Lanes afterNext_{};
 };
 
+/// Whether a whole group is paper, which stays as it is.
+bool isPaper(const DiffusionRows& plane, size_t top) noexcept {
+  for (size_t lane = 0; lane < kLanes; ++lane) {
+    const uint8_t* row = plane.in + (top + lane) * plane.stride;
+    if (row[0] != 255 || std::memcmp(row, row + 1, plane.columns - 1) != 0) return false;
+  }
+  return true;
+}
+
+void diffuseGroup(const DiffusionRows& plane, size_t top, uint8_t threshold) noexcept {
+  if (!isPaper(plane, top)) return Group(plane, top, threshold).diffuse();
+  for (size_t y = top; y < top + kLanes - 1; ++y) {
+    if (plane.out != plane.in) std::memset(plane.out + y * plane.stride, 255, plane.columns);
+  }
+}
+
 }  // namespace
 
 size_t diffuseWave(const DiffusionRows& plane, uint8_t threshold) noexcept {
   size_t top = 0;
-  for (; plane.rows - top >= kLanes; top += kLanes - 1) Group(plane, top, threshold).diffuse();
+  for (; plane.rows - top >= kLanes; top += kLanes - 1) diffuseGroup(plane, top, threshold);
   return top;
 }
 
