@@ -1,6 +1,7 @@
 #include "RasterLines.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "CpuLevel.h"
 #include "SwapPixels.h"
@@ -30,8 +31,8 @@ void storeLine(std::span<const uint8_t> line, std::span<uint8_t> row, uint32_t p
     row[i + 1] = line[i + 1];
     row[i + 2] = line[i];
   }
-  std::copy(line.begin() + swapped, line.begin() + bytes, row.begin() + swapped);
-  std::fill(row.begin() + bytes, row.end(), uint8_t{0xFF});
+  if (bytes > swapped) std::memcpy(row.data() + swapped, line.data() + swapped, bytes - swapped);
+  if (row.size() > bytes) std::memset(row.data() + bytes, 0xFF, row.size() - bytes);
 }
 
 }  // namespace velka

@@ -2,65 +2,17 @@
 
 #include <cstring>
 
-#include "ByteLanes.h"
+#include "WaveSteps.h"
 
 namespace velka {
 namespace {
 
 constexpr size_t kSkew = 2;  // columns from a row to the one above
 constexpr size_t kLag = kSkew * (kLanes - 1);
-
-/// Every lane takes what the one above it holds, the first one 0.
-Lanes oneDown(Lanes a) noexcept {
-  return __builtin_shufflevector(Lanes{}, a, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28,
-                                 29, 30);
-}
-
-/// floor(error x weight / 16) for the weights of the four neighbours. With the halves of
-/// a byte apart, no product leaves its byte.
-struct Shares {
-  Lanes seven;
-  Lanes five;
-  Lanes three;
-  Lanes one;
-
-  explicit Shares(Lanes error) noexcept {
-    one = error >> 4;
-    const Lanes low = error & 15;
-    const Lanes high2 = one + one;
-    const Lanes low2 = low + low;
-    const Lanes high4 = high2 + high2;
-    const Lanes low4 = low2 + low2;
-    three = high2 + one + ((low2 + low) >> 4);
-    five = high4 + one + ((low4 + low) >> 4);
-    seven = high4 + high4 - one + ((low4 + low4 - low) >> 4);
-  }
-};
-
-/// Sixteen steps of the wave: a vector holds what the lanes read at one step.
-struct Block {
-  Lanes at[kLanes];
-  bool paper = false;  ///< known to be 255 throughout
-};
-
-bool isPaper(const Block& block) noexcept {
-  Lanes every = block.at[0];
-  for (const Lanes& row : block.at) every &= row;
-  return isFull(every);
-}
-
-/// Rows become columns and columns rows.
-Block transposed(Block block) noexcept {
-  for (int round = 0; round < 4; ++round) {
-    Block next;
-    for (size_t i = 0; i < kLanes / 2; ++i) {
-      next.at[2 * i] = zipFirst(block.at[i], block.at[i + kLanes / 2]);
-      next.at[2 * i + 1] = zipLast(block.at[i], block.at[i + kLanes / 2]);
-    }
-    block = next;
-  }
-  return block;
-}
+constexpr size_t kGroupRows = kLanes - 1;  // the last row of a group is the next one's first
+// Steps from a group to the one below it: what that one reads ahead has been written.
+constexpr size_t kBehind = 4 * kLanes;
+static_assert(kBehind >= kLag + 2 * kLanes);
 
 /// The part of a lane's sixteen columns from `x` on that lies on the page.
 struct Inside {
@@ -80,7 +32,7 @@ struct Inside {
   }
 };
 
-/// One group of sixteen rows.
+/// One group of sixteen rows, which advances sixteen steps at a time.
 class Group {
  public:
   Group(const DiffusionRows& plane, size_t top, uint8_t threshold) noexcept
@@ -90,31 +42,69 @@ class Group {
         rowStep_(static_cast<ptrdiff_t>(plane.stride) - static_cast<ptrdiff_t>(kSkew)),
         columns_(plane.columns),
         threshold_(allLanes(threshold)),
-        writesInput_(plane.in != plane.out) {}
+        writesInput_(plane.in != plane.out),
+        now_(read(0)),
+        received_{now_.at[0], now_.at[1], now_.at[2]} {
+    look();
+  }
 
-  void diffuse() noexcept {
-    const size_t steps = columns_ + kLag;
-    Block now = read(0);
-    here_ = now.at[0];
-    next_ = now.at[1];
-    afterNext_ = now.at[2];
-    for (size_t step = 0; step < steps; step += kLanes) {
-      const Block ahead = read(step + kLanes);
-      if (isQuiet(now)) {
-        if (writesInput_) write(step, out_, now.paper ? now : transposed(now), kLanes - 1);
-        here_ = ahead.at[0];
-        next_ = ahead.at[1];
-        afterNext_ = ahead.at[2];
-      } else if (isEdge(step)) {
-        run<true>(step, now, ahead);
-      } else {
-        run<false>(step, now, ahead);
-      }
-      now = ahead;
+  [[nodiscard]] bool isDone() const noexcept { return step_ >= columns_ + kLag; }
+
+  /// Whether the next steps are ordinary ones, which two groups can make at a time.
+  [[nodiscard]] bool isBusy() const noexcept { return !isDone() && !quiet_ && !isEdge(step_); }
+
+  /// Makes the next sixteen steps, if there are any left.
+  void advance() noexcept {
+    if (isDone()) return;
+    if (quiet_) {
+      if (writesInput_) write(step_, out_, now_.paper ? now_ : transposed(now_), kLanes - 1);
+      received_ = {ahead_.at[0], ahead_.at[1], ahead_.at[2]};
+      return next();
     }
+    const WaveBlock hold = isEdge(step_) ? outside(step_) : WaveBlock{};
+    WaveSteps steps = beginSteps();
+    for (size_t i = 0; i < kLanes; ++i) steps.make(i, hold.at[i]);
+    finish(steps);
+  }
+
+  /// Advances two busy groups. The processor makes the steps of one while it waits for
+  /// those of the other.
+  static void advanceBoth(Group& upper, Group& lower) noexcept {
+    WaveSteps first = upper.beginSteps();
+    WaveSteps second = lower.beginSteps();
+    for (size_t i = 0; i < kLanes; ++i) {
+      first.make(i, Lanes{});
+      second.make(i, Lanes{});
+    }
+    upper.finish(first);
+    lower.finish(second);
   }
 
  private:
+  [[nodiscard]] WaveSteps beginSteps() const noexcept {
+    return {now_, ahead_, threshold_, received_};
+  }
+
+  void finish(const WaveSteps& steps) noexcept {
+    const WaveBlock values = transposed(steps.values);
+    if (writesInput_) write(step_, in_, values, kLanes - 1);
+    writeRow(step_, in_, values, kLanes - 1);
+    write(step_, out_, transposed(steps.dots), kLanes - 1);
+    received_ = steps.received;
+    next();
+  }
+
+  void next() noexcept {
+    now_ = ahead_;
+    step_ += kLanes;
+    look();
+  }
+
+  void look() noexcept {
+    ahead_ = read(step_ + kLanes);
+    quiet_ = isQuiet();
+  }
+
   [[nodiscard]] ptrdiff_t columnOf(size_t step, size_t lane) const noexcept {
     return static_cast<ptrdiff_t>(step) - static_cast<ptrdiff_t>(kSkew * lane);
   }
@@ -124,14 +114,14 @@ class Group {
   }
 
   /// What the lanes read from `step` on; paper beside the page.
-  [[nodiscard]] Block read(size_t step) const noexcept {
-    Block rows = isEdge(step) ? readEdge(step) : readInside(step);
+  [[nodiscard]] WaveBlock read(size_t step) const noexcept {
+    WaveBlock rows = isEdge(step) ? readEdge(step) : readInside(step);
     rows.paper = isPaper(rows);
     return rows.paper ? rows : transposed(rows);
   }
 
-  [[nodiscard]] Block readInside(size_t step) const noexcept {
-    Block rows;
+  [[nodiscard]] WaveBlock readInside(size_t step) const noexcept {
+    WaveBlock rows;
     const uint8_t* from = in_ + step;
     for (Lanes& row : rows.at) {
       row = loadLanes(from);
@@ -140,8 +130,8 @@ class Group {
     return rows;
   }
 
-  [[nodiscard]] Block readEdge(size_t step) const noexcept {
-    Block rows;
+  [[nodiscard]] WaveBlock readEdge(size_t step) const noexcept {
+    WaveBlock rows;
     for (size_t lane = 0; lane < kLanes; ++lane) {
       uint8_t bytes[kLanes];
       std::memset(bytes, 0xFF, sizeof bytes);
@@ -154,11 +144,11 @@ class Group {
   }
 
   /// The first `lanes` rows of a block, as far as they lie on the page.
-  void write(size_t step, uint8_t* plane, const Block& rows, size_t lanes) const noexcept {
+  void write(size_t step, uint8_t* plane, const WaveBlock& rows, size_t lanes) const noexcept {
     for (size_t lane = 0; lane < lanes; ++lane) writeRow(step, plane, rows, lane);
   }
 
-  void writeRow(size_t step, uint8_t* plane, const Block& rows, size_t lane) const noexcept {
+  void writeRow(size_t step, uint8_t* plane, const WaveBlock& rows, size_t lane) const noexcept {
     const ptrdiff_t x = columnOf(step, lane);
     uint8_t* row = plane + lane * stride_;
     if (!isEdge(step)) return storeLanes(row + x, rows.at[lane]);
@@ -169,8 +159,8 @@ class Group {
   }
 
   /// 255 in the lanes that are beside the page.
-  [[nodiscard]] Block outside(size_t step) const noexcept {
-    Block rows;
+  [[nodiscard]] WaveBlock outside(size_t step) const noexcept {
+    WaveBlock rows;
     for (size_t lane = 0; lane < kLanes; ++lane) {
       uint8_t bytes[kLanes];
       std::memset(bytes, 0xFF, sizeof bytes);
@@ -182,43 +172,12 @@ class Group {
   }
 
   /// Whether the next sixteen steps meet full ink and paper alone, and no error.
-  [[nodiscard]] bool isQuiet(const Block& now) const noexcept {
-    if (now.paper) return isFull(here_ & next_ & afterNext_);
-    Lanes quiet = equal(here_, now.at[0]) & equal(next_, now.at[1]) & equal(afterNext_, now.at[2]);
-    for (const Lanes& value : now.at) quiet &= equal(value, Lanes{}) | equal(value, allLanes(255));
+  [[nodiscard]] bool isQuiet() const noexcept {
+    if (now_.paper) return isFull(received_.here & received_.next & received_.afterNext);
+    Lanes quiet = equal(received_.here, now_.at[0]) & equal(received_.next, now_.at[1]) &
+                  equal(received_.afterNext, now_.at[2]);
+    for (const Lanes& value : now_.at) quiet &= equal(value, Lanes{}) | equal(value, allLanes(255));
     return isFull(quiet);
-  }
-
-  template <bool kEdge>
-  void run(size_t step, const Block& now, const Block& ahead) noexcept {
-    // The last lane hands nothing on to its right.
-    Lanes spreads = allLanes(255);
-    spreads[kLanes - 1] = 0;
-    Block hold;
-    if (kEdge) hold = outside(step);
-    Block values;
-    Block dots;
-    for (size_t i = 0; i < kLanes; ++i) {
-      const Lanes value = kEdge ? here_ | hold.at[i] : here_;
-      const Lanes dot = equal(least(value, threshold_), value);
-      values.at[i] = value;
-      dots.at[i] = ~dot;
-      const Shares shares(~value ^ dot);
-      const auto give = [](Lanes to, Lanes share, Lanes darker) noexcept {
-        return subtractDownTo0(addUpTo255(to, share & darker), share & ~darker);
-      };
-      // One lane on is one row down.
-      const Lanes below = oneDown(dot);
-      const Lanes last = i + 3 < kLanes ? now.at[(i + 3) % kLanes] : ahead.at[(i + 3) % kLanes];
-      here_ = give(next_, oneDown(shares.three), below);
-      here_ = give(here_, shares.seven & spreads, dot);
-      next_ = give(afterNext_, oneDown(shares.five), below);
-      afterNext_ = give(last, oneDown(shares.one), below);
-    }
-    const Block final = transposed(values);
-    if (writesInput_) write(step, in_, final, kLanes - 1);
-    writeRow(step, in_, final, kLanes - 1);
-    write(step, out_, transposed(dots), kLanes - 1);
   }
 
   uint8_t* in_;
@@ -228,10 +187,11 @@ class Group {
   size_t columns_;
   Lanes threshold_;
   bool writesInput_;
-  // What has been received so far for this step and the two after it.
-  Lanes here_{};
-  Lanes next_{};
-  Lanes afterNext_{};
+  size_t step_ = 0;
+  WaveBlock now_;    ///< what is read at the next sixteen steps
+  WaveBlock ahead_;  ///< and at the sixteen after them
+  WaveReceived received_;
+  bool quiet_ = false;
 };
 
 /// Whether a whole group is paper, which stays as it is.
@@ -243,18 +203,48 @@ bool isPaper(const DiffusionRows& plane, size_t top) noexcept {
   return true;
 }
 
-void diffuseGroup(const DiffusionRows& plane, size_t top, uint8_t threshold) noexcept {
-  if (!isPaper(plane, top)) return Group(plane, top, threshold).diffuse();
-  for (size_t y = top; y < top + kLanes - 1; ++y) {
+void passPaper(const DiffusionRows& plane, size_t top) noexcept {
+  for (size_t y = top; y < top + kGroupRows; ++y) {
     if (plane.out != plane.in) std::memset(plane.out + y * plane.stride, 255, plane.columns);
   }
+}
+
+/// The lower group starts when what it reads first has been received.
+void diffuseTwo(const DiffusionRows& plane, size_t top, uint8_t threshold) noexcept {
+  Group upper(plane, top, threshold);
+  for (size_t step = 0; step < kBehind; step += kLanes) upper.advance();
+  Group lower(plane, top + kGroupRows, threshold);
+  while (!lower.isDone()) {
+    if (upper.isBusy() && lower.isBusy()) {
+      Group::advanceBoth(upper, lower);
+    } else {
+      upper.advance();
+      lower.advance();
+    }
+  }
+}
+
+void diffuseOne(const DiffusionRows& plane, size_t top, uint8_t threshold) noexcept {
+  Group group(plane, top, threshold);
+  while (!group.isDone()) group.advance();
 }
 
 }  // namespace
 
 size_t diffuseWave(const DiffusionRows& plane, uint8_t threshold) noexcept {
   size_t top = 0;
-  for (; plane.rows - top >= kLanes; top += kLanes - 1) diffuseGroup(plane, top, threshold);
+  while (plane.rows - top >= kLanes) {
+    if (isPaper(plane, top)) {
+      passPaper(plane, top);
+      top += kGroupRows;
+    } else if (plane.rows - top >= kLanes + kGroupRows) {
+      diffuseTwo(plane, top, threshold);
+      top += 2 * kGroupRows;
+    } else {
+      diffuseOne(plane, top, threshold);
+      top += kGroupRows;
+    }
+  }
   return top;
 }
 

@@ -1,6 +1,7 @@
 #include "GrayScale.h"
 
 #include <bit>
+#include <cmath>
 
 #include "CheckedMath.h"
 #include "ColorManagment.h"
@@ -26,7 +27,7 @@ double cutPoint(CColorManagment& color, int gray) {
 }
 
 uint32_t inUnits(double luminance) {
-  return static_cast<uint32_t>(luminance * 4294967296.0 + 0.5);
+  return static_cast<uint32_t>(std::llround(luminance * 4294967296.0));
 }
 
 std::array<Contributions, 3> makeContributions() {
