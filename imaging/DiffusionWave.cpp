@@ -57,7 +57,7 @@ class Group {
   void advance() noexcept {
     if (isDone()) return;
     if (quiet_) {
-      if (writesInput_) write(step_, out_, now_.paper ? now_ : transposed(now_), kLanes - 1);
+      if (writesInput_) write(out_, now_.paper ? now_ : transposed(now_));
       received_ = {ahead_.at[0], ahead_.at[1], ahead_.at[2]};
       return next();
     }
@@ -86,10 +86,9 @@ class Group {
   }
 
   void finish(const WaveSteps& steps) noexcept {
-    const WaveBlock values = transposed(steps.values);
-    if (writesInput_) write(step_, in_, values, kLanes - 1);
-    writeRow(step_, in_, values, kLanes - 1);
-    write(step_, out_, transposed(steps.dots), kLanes - 1);
+    if (writesInput_) write(in_, transposed(steps.values));
+    writeRow(in_, lastRow(steps.values), kLanes - 1);
+    write(out_, transposed(steps.dots));
     received_ = steps.received;
     next();
   }
@@ -143,19 +142,25 @@ class Group {
     return rows;
   }
 
-  /// The first `lanes` rows of a block, as far as they lie on the page.
-  void write(size_t step, uint8_t* plane, const WaveBlock& rows, size_t lanes) const noexcept {
-    for (size_t lane = 0; lane < lanes; ++lane) writeRow(step, plane, rows, lane);
+  /// All rows of a block but the last, as far as they lie on the page.
+  void write(uint8_t* plane, const WaveBlock& rows) const noexcept {
+    if (isEdge(step_)) {
+      for (size_t lane = 0; lane < kGroupRows; ++lane) writeRow(plane, rows.at[lane], lane);
+      return;
+    }
+    uint8_t* to = plane + step_;
+    for (size_t lane = 0; lane < kGroupRows; ++lane) {
+      storeLanes(to, rows.at[lane]);
+      to += rowStep_;
+    }
   }
 
-  void writeRow(size_t step, uint8_t* plane, const WaveBlock& rows, size_t lane) const noexcept {
-    const ptrdiff_t x = columnOf(step, lane);
-    uint8_t* row = plane + lane * stride_;
-    if (!isEdge(step)) return storeLanes(row + x, rows.at[lane]);
+  void writeRow(uint8_t* plane, Lanes values, size_t lane) const noexcept {
+    const Inside inside(columnOf(step_, lane), columns_);
+    if (inside.size == 0) return;
     uint8_t bytes[kLanes];
-    storeLanes(bytes, rows.at[lane]);
-    const Inside inside(x, columns_);
-    if (inside.size > 0) std::memcpy(row + inside.column, bytes + inside.first, inside.size);
+    storeLanes(bytes, values);
+    std::memcpy(plane + lane * stride_ + inside.column, bytes + inside.first, inside.size);
   }
 
   /// 255 in the lanes that are beside the page.

@@ -58,6 +58,13 @@ inline WaveBlock transposed(WaveBlock block) noexcept {
   return block;
 }
 
+/// What the last lane holds at each step.
+inline Lanes lastRow(const WaveBlock& steps) noexcept {
+  uint8_t row[kLanes];
+  for (size_t i = 0; i < kLanes; ++i) row[i] = steps.at[i][kLanes - 1];
+  return loadLanes(row);
+}
+
 /// What has been received so far for a step and the two after it.
 struct WaveReceived {
   Lanes here;
