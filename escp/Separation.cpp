@@ -45,17 +45,11 @@ size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
 }
 
 // Pixels at the start of a row that are separated many at a time.
-size_t separateFirstPixels([[maybe_unused]] const InkRules& rules,
-                           [[maybe_unused]] std::span<const uint8_t> pixels,
-                           [[maybe_unused]] uint8_t* black, [[maybe_unused]] uint8_t* red,
-                           [[maybe_unused]] RowInk& found) noexcept {
-#ifdef VELKA_SIMD
-  if (cpuLevel() >= CpuLevel::Ssse3) {
-    return separatePixelsSsse3(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black,
-                               red, found);
-  }
-#endif
-  return 0;
+size_t separateFirstPixels(const InkRules& rules, std::span<const uint8_t> pixels, uint8_t* black,
+                           uint8_t* red, RowInk& found) noexcept {
+  if (cpuLevel() < CpuLevel::Vectors) return 0;
+  return separatePixels(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black, red,
+                        found);
 }
 
 }  // namespace

@@ -38,6 +38,15 @@ inline Lanes least(Lanes a, Lanes b) noexcept {
   return a < b ? a : b;
 }
 
+inline Lanes most(Lanes a, Lanes b) noexcept {
+  return a > b ? a : b;
+}
+
+/// `a` where `mask` is 255, `b` where it is 0.
+inline Lanes select(Lanes mask, Lanes a, Lanes b) noexcept {
+  return (a & mask) | (b & ~mask);
+}
+
 /// a + b, at most 255; a - b, at least 0. The compiler does not find the instructions
 /// that x86-64 has for them.
 #if defined(VELKA_SIMD) && defined(__SSE2__)
@@ -65,6 +74,17 @@ inline bool isFull(Lanes mask) noexcept {
   uint64_t halves[2];
   std::memcpy(halves, &mask, sizeof halves);
   return (halves[0] & halves[1]) == ~uint64_t{0};
+}
+
+/// Whether all bytes are 0.
+inline bool isEmpty(Lanes mask) noexcept {
+  return isFull(~mask);
+}
+
+/// The last eight bytes of `a`, then the first eight of `b`.
+inline Lanes middle(Lanes a, Lanes b) noexcept {
+  return __builtin_shufflevector(a, b, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
+                                 23);
 }
 
 /// The first eight bytes of `a` and `b` in turn.
