@@ -38,5 +38,7 @@ struct RowRules {
 /// as InkRules::dot would, and adds to what was found. Returns their number.
 size_t separatePixels(const RowRules& rules, const uint8_t* pixels, size_t count, uint8_t* black,
                       uint8_t* red, RowInk& found) noexcept;
+size_t separatePixelsSsse3(const RowRules& rules, const uint8_t* pixels, size_t count,
+                           uint8_t* black, uint8_t* red, RowInk& found) noexcept;
 
 }  // namespace velka

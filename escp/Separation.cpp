@@ -47,9 +47,12 @@ size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
 // Pixels at the start of a row that are separated many at a time.
 size_t separateFirstPixels(const InkRules& rules, std::span<const uint8_t> pixels, uint8_t* black,
                            uint8_t* red, RowInk& found) noexcept {
-  if (cpuLevel() < CpuLevel::Vectors) return 0;
-  return separatePixels(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black, red,
-                        found);
+  if (cpuLevel() == CpuLevel::Plain) return 0;
+  auto separate = separatePixels;
+#ifdef VELKA_SIMD
+  if (cpuLevel() >= CpuLevel::Ssse3) separate = separatePixelsSsse3;
+#endif
+  return separate(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black, red, found);
 }
 
 }  // namespace
