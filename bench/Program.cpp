@@ -55,12 +55,17 @@ void drain(int fd, double start, Cost& cost) {
 
 Cost middleOf(std::vector<Cost> costs) {
   double firstByte = costs.front().firstByteMs;
-  for (const Cost& cost : costs) firstByte = std::min(firstByte, cost.firstByteMs);
+  double wall = costs.front().wallMs;
+  for (const Cost& cost : costs) {
+    firstByte = std::min(firstByte, cost.firstByteMs);
+    wall = std::min(wall, cost.wallMs);
+  }
   const auto middle = costs.begin() + static_cast<std::ptrdiff_t>(costs.size() / 2);
   std::nth_element(costs.begin(), middle, costs.end(),
                    [](const Cost& a, const Cost& b) { return a.cpuMs < b.cpuMs; });
   Cost cost = *middle;
   cost.firstByteMs = firstByte;
+  cost.wallMs = wall;
   return cost;
 }
 

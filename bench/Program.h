@@ -25,8 +25,8 @@ struct Cost {
 /// Runs it once, what it writes read and thrown away.
 [[nodiscard]] Cost runOnce(const FilterRun& run);
 
-/// The costs with the median processor time of `runs` runs; the smallest first-byte
-/// time of them.
+/// The costs with the median processor time of `runs` runs; the smallest wall and
+/// first-byte times of them.
 [[nodiscard]] Cost median(const FilterRun& run, int runs);
 
 /// The median over `runs` of both programs run by turns, so that what else the

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # run.sh BUILD-FOLDER [jobs|stages|instructions]: measures the built filter and
-# prints tables. Whole jobs are best measured as root: then /tmp, where the job log
+# prints tables. VELKA_BENCH_ARGUMENTS goes to velka-bench-jobs (--only pages, --runs 9).
+# Whole jobs are best measured as root: then /tmp, where the job log
 # is synced line by line, is a tmpfs of their own.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
