@@ -94,12 +94,6 @@ Cost runOnce(const FilterRun& run) {
   return cost;
 }
 
-Cost median(const FilterRun& run, int runs) {
-  std::vector<Cost> costs(static_cast<size_t>(runs));
-  for (Cost& cost : costs) cost = runOnce(run);
-  return middleOf(std::move(costs));
-}
-
 Pair medianPair(const FilterRun& filter, const FilterRun& reader, int runs) {
   std::vector<Cost> filters;
   std::vector<Cost> readers;

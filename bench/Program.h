@@ -25,12 +25,9 @@ struct Cost {
 /// Runs it once, what it writes read and thrown away.
 [[nodiscard]] Cost runOnce(const FilterRun& run);
 
-/// The costs with the median processor time of `runs` runs; the smallest wall and
-/// first-byte times of them.
-[[nodiscard]] Cost median(const FilterRun& run, int runs);
-
-/// The median over `runs` of both programs run by turns, so that what else the
-/// machine does meets both alike.
+/// The costs with the median processor time, and the smallest wall and first-byte
+/// times, over `runs` of both programs run by turns, so that what else the machine does
+/// meets both alike.
 struct Pair {
   Cost filter;
   Cost reader;

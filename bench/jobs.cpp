@@ -33,7 +33,8 @@ struct Setup {
 class Raster {
  public:
   Raster(const Setup& setup, Kind kind, const Format& format, unsigned pages, bool oneBit = false)
-      : path_(setup.folder + "/velka-bench-" + std::to_string(getpid()) + ".ras") {
+      : path_(setup.folder + "/velka-bench-" + std::to_string(getpid()) + "-" +
+              std::to_string(pages) + ".ras") {
     const bool whole = oneBit ? writeOneBitRaster(path_, kind, format, pages)
                               : writeRaster(path_, kind, format, pages);
     if (whole) return;
@@ -59,6 +60,12 @@ double megapixels(const Format& format) noexcept {
   return static_cast<double>(format.width) * format.height / 1e6;
 }
 
+double middle(std::vector<double> values) {
+  const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), at, values.end());
+  return *at;
+}
+
 double processorMs() noexcept {
   timespec time = {};
   clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
@@ -77,37 +84,41 @@ double memcpyMs(const Format& format) {
     times.push_back(processorMs() - start);
     from[static_cast<size_t>(i)] = to[size - 1];
   }
-  std::ranges::nth_element(times, times.begin() + 4);
-  return times[4];
+  return middle(std::move(times));
 }
 
 struct PerPage {
   double filterMs;
   double readerMs;
   double peakMb;  ///< of the job of one page
-  double firstPageMs;
 };
 
-// What a page beyond the first costs: a job of several less a job of one.
+// What a page beyond the first costs: a job of several less a job of one, both run
+// right after each other; the median of those differences.
 PerPage perPage(const Setup& setup, const FilterRun& job, Kind kind, const Format& format,
                 bool oneBit = false) {
   constexpr unsigned kPages = 6;
-  Pair one;
-  Pair several;
-  const auto measure = [&](unsigned pages) {
-    const Raster raster(setup, kind, format, pages, oneBit);
-    FilterRun filter = job;
-    filter.raster = raster.path();
-    const FilterRun reader = {setup.reader, "", "", raster.path()};
-    return medianPair(filter, reader, setup.runs);
+  const Raster one(setup, kind, format, 1, oneBit);
+  const Raster several(setup, kind, format, kPages, oneBit);
+  const auto runOn = [](FilterRun run, const Raster& raster) {
+    run.raster = raster.path();
+    const Cost cost = runOnce(run);
+    if (cost.status != 0)
+      std::fprintf(stderr, "warning: %s exits with %d\n", run.program.c_str(), cost.status);
+    return cost;
   };
-  one = measure(1);
-  several = measure(kPages);
-  if (one.filter.status != 0 || several.filter.status != 0)
-    std::fprintf(stderr, "warning: %s exits with %d\n", job.program.c_str(), several.filter.status);
-  return {(several.filter.cpuMs - one.filter.cpuMs) / (kPages - 1),
-          (several.reader.cpuMs - one.reader.cpuMs) / (kPages - 1), one.filter.peakMb,
-          one.filter.cpuMs};
+  const FilterRun reader = {setup.reader, "", "", ""};
+  std::vector<double> filterMs;
+  std::vector<double> readerMs;
+  double peakMb = 0;
+  for (int i = 0; i < setup.runs; ++i) {
+    const Cost first = runOn(job, one);
+    filterMs.push_back((runOn(job, several).cpuMs - first.cpuMs) / (kPages - 1));
+    const double read = runOn(reader, one).cpuMs;
+    readerMs.push_back((runOn(reader, several).cpuMs - read) / (kPages - 1));
+    peakMb = std::max(peakMb, first.peakMb);
+  }
+  return {middle(std::move(filterMs)), middle(std::move(readerMs)), peakMb};
 }
 
 void pagesHeading(const char* title) {
