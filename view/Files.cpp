@@ -8,13 +8,16 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
 namespace velka::view {
 namespace {
 
-constexpr std::array<int, 3> kHeld{SIGINT, SIGTERM, SIGHUP};
+namespace fs = std::filesystem;
+
+constexpr std::array<int, 4> kHeld{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 struct Close {
   void operator()(std::FILE* file) const {
@@ -33,12 +36,47 @@ void openToReaders(int descriptor) {
   (void)fchmod(descriptor, 0666 & ~mask);
 }
 
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+// Names that stand for open files and devices, whatever they lead to.
+bool isOfTheSystem(const std::string& name) {
+  return name.starts_with("/dev/") || name.starts_with("/proc/");
+}
+
+// Where a name leads, its links followed one by one: one of the system's on the way
+// must not be followed to the file behind it. None where they turn in a circle.
+std::optional<std::string> targetOf(const std::string& name) {
+  constexpr int kMostLinks = 40;
+  fs::path path = name;
+  for (int link = 0; link < kMostLinks; ++link) {
+    std::error_code error;
+    const fs::path folder = fs::canonical(path.has_parent_path() ? path.parent_path() : ".", error);
+    if (error) return path.string();
+    const fs::path exact = folder / path.filename();
+    if (isOfTheSystem(exact)) return exact.string();
+    const fs::path next = fs::read_symlink(exact, error);
+    if (error) return link == 0 ? name : exact.string();
+    path = folder / next;
+  }
+  errno = ELOOP;
+  return std::nullopt;
+}
+
+bool replaceable(const std::string& name) {
+  struct stat there {};
+  return !isOfTheSystem(name) && (stat(name.c_str(), &there) != 0 || S_ISREG(there.st_mode));
+}
+
 }  // namespace
 
 bool SignalsHeld::pending() {
   sigset_t set;
   sigpending(&set);
-  return std::ranges::any_of(kHeld, [&](int signal) { return sigismember(&set, signal) == 1; });
+  return std::ranges::any_of(
+      kHeld, [&](int signal) { return sigismember(&set, signal) == 1 && !isIgnored(signal); });
 }
 
 SignalsHeld::SignalsHeld() {
@@ -52,16 +90,25 @@ SignalsHeld::~SignalsHeld() {
   (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-Problem readFile(const std::string& name, std::vector<uint8_t>& bytes) {
+std::string systemTrouble(const std::string& name) {
+  const char* reason = std::strerror(errno);  // NOLINT(concurrency-mt-unsafe): one thread
+  return name + ": " + reason;
+}
+
+Problem readFile(const std::string& name, std::vector<uint8_t>& bytes, size_t most) {
+  const std::string shown = shownName(name, "standard input");
   const std::unique_ptr<std::FILE, Close> file(name == "-" ? stdin
                                                            : std::fopen(name.c_str(), "rb"));
   std::array<uint8_t, 65536> chunk{};
   size_t got = 0;
   while (file && (got = std::fread(chunk.data(), 1, chunk.size(), file.get())) > 0) {
+    if (got > most - bytes.size()) {
+      return shown + ": more than " + std::to_string(most >> 20U) + " MiB, too much to read";
+    }
     bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(got));
   }
   if (file && std::ferror(file.get()) == 0) return std::nullopt;
-  return shownName(name, "standard input") + ": " + std::strerror(errno);
+  return systemTrouble(shown);
 }
 
 NewFile::NewFile(std::string name) : name_(std::move(name)) {}
@@ -72,7 +119,7 @@ NewFile::~NewFile() {
 }
 
 Problem NewFile::trouble() const {
-  return shownName(name_, "standard output") + ": " + std::strerror(errno);
+  return systemTrouble(shownName(name_, "standard output"));
 }
 
 Problem NewFile::open() {
@@ -80,13 +127,20 @@ Problem NewFile::open() {
     file_ = stdout;
     return std::nullopt;
   }
-  struct stat there {};
-  if (stat(name_.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
-    // A device or FIFO is written to as it is; renaming would replace it.
-    file_ = std::fopen(name_.c_str(), "wb");
-    return file_ != nullptr ? std::nullopt : trouble();
-  }
-  working_ = name_ + ".XXXXXX";
+  const auto target = targetOf(name_);
+  if (!target) return trouble();
+  target_ = *target;
+  return replaceable(target_) ? openBeside() : openAsItIs(target_);
+}
+
+Problem NewFile::openAsItIs(const std::string& name) {
+  file_ = std::fopen(name.c_str(), "wb");
+  return file_ != nullptr ? std::nullopt : trouble();
+}
+
+Problem NewFile::openBeside() {
+  held_.emplace();
+  working_ = target_ + ".XXXXXX";
   const int descriptor = mkstemp(working_.data());
   if (descriptor < 0) {
     working_.clear();
@@ -106,8 +160,9 @@ Problem NewFile::keep() {
     const int closed = std::fclose(std::exchange(file_, nullptr));
     if (closed != 0) return trouble();
   }
-  if (!working_.empty() && std::rename(working_.c_str(), name_.c_str()) != 0) return trouble();
+  if (!working_.empty() && std::rename(working_.c_str(), target_.c_str()) != 0) return trouble();
   working_.clear();
+  held_.reset();
   return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@
 
 namespace velka::view {
 
-/// Holds SIGINT, SIGTERM and SIGHUP back while it lives, so that what must be
+/// Holds SIGINT, SIGTERM, SIGHUP and SIGQUIT back while it lives, so that what must be
 /// removed at the end is; whatever came meanwhile takes effect then.
 class SignalsHeld {
  public:
@@ -21,18 +22,28 @@ class SignalsHeld {
   SignalsHeld& operator=(const SignalsHeld&) = delete;
 
   [[nodiscard]] const sigset_t& before() const { return before_; }
-  /// Whether one waits to take effect.
+  /// Whether one waits to take effect; one that we ignore never does.
   [[nodiscard]] static bool pending();
 
  private:
   sigset_t before_{};
 };
 
+/// The most bytes of a file that is read: an endless one must end some day.
+inline constexpr size_t kMostBytes = size_t{1} << 30;
+
 /// Reads a file, or standard input for "-", to its end.
-[[nodiscard]] Problem readFile(const std::string& name, std::vector<uint8_t>& bytes);
+[[nodiscard]] Problem readFile(const std::string& name, std::vector<uint8_t>& bytes,
+                               size_t most = kMostBytes);
+
+/// Name and reason of a failure that left `errno` behind.
+[[nodiscard]] std::string systemTrouble(const std::string& name);
 
 /// A file in the making: written under another name beside its own, which it gets
-/// by keep(); without that nothing is left of it. "-" is standard output.
+/// by keep(); without that nothing is left of it. A link is followed, and the file it
+/// leads to is the one replaced. "-" is standard output; that, devices and FIFOs are
+/// written to as they are. Signals wait from open() to keep() where there is
+/// something to remove.
 class NewFile {
  public:
   explicit NewFile(std::string name);
@@ -48,10 +59,13 @@ class NewFile {
   [[nodiscard]] Problem keep();
 
  private:
+  [[nodiscard]] Problem openAsItIs(const std::string& name);
+  [[nodiscard]] Problem openBeside();
   [[nodiscard]] Problem trouble() const;
 
-  SignalsHeld held_;
-  std::string name_;
+  std::optional<SignalsHeld> held_;
+  std::string name_;    // as the user wrote it
+  std::string target_;  // where it leads
   std::string working_;
   std::FILE* file_ = nullptr;
 };

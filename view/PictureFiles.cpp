@@ -37,13 +37,15 @@ struct PngWriter {
   png_structp png = nullptr;
   png_infop info = nullptr;
 
-  PngWriter() : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, quiet)) {
+  PngWriter() : png(png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, stop, quiet)) {
     if (png != nullptr) info = png_create_info_struct(png);
   }
   ~PngWriter() { png_destroy_write_struct(&png, &info); }
   PngWriter(const PngWriter&) = delete;
   PngWriter& operator=(const PngWriter&) = delete;
 
+  // Without a word: whoever asked for the picture tells why there is none.
+  static void stop(png_structp png, png_const_charp /*text*/) { png_longjmp(png, 1); }
   static void quiet(png_structp /*png*/, png_const_charp /*text*/) {}
 };
 
@@ -103,6 +105,16 @@ bool writeRows(const PngWriter& writer, const Picture& picture, Rows& rows, std:
   return true;
 }
 
+std::string shownOutput(const std::string& name) {
+  return name == "-" ? "standard output" : name;
+}
+
+// What the drawing library tells of a failed write names neither file nor reason.
+std::string pdfTrouble(const std::string& name, cairo_status_t status) {
+  if (status == CAIRO_STATUS_WRITE_ERROR) return systemTrouble(shownOutput(name));
+  return shownOutput(name) + ": " + cairo_status_to_string(status);
+}
+
 cairo_status_t writeTo(void* file, const unsigned char* data, unsigned int length) {
   return std::fwrite(data, 1, length, static_cast<std::FILE*>(file)) == length
              ? CAIRO_STATUS_SUCCESS
@@ -117,13 +129,14 @@ Problem writePng(const Picture& picture, const std::string& name) {
   const PngWriter writer;
   Rows rows(picture);
   if (!writeRows(writer, picture, rows, file.file())) {
-    return (name == "-" ? "standard output" : name) + ": the picture could not be written";
+    return systemTrouble(shownOutput(name));
   }
   return file.keep();
 }
 
 struct PdfWriter::Parts {
-  explicit Parts(const std::string& name) : file(name) {}
+  explicit Parts(const std::string& output) : name(output), file(output) {}
+  std::string name;
   NewFile file;
   Surface surface;
 };
@@ -132,6 +145,8 @@ PdfWriter::PdfWriter(const std::string& name) : parts_(std::make_unique<Parts>(n
 PdfWriter::~PdfWriter() = default;
 
 Problem PdfWriter::add(Picture picture) {
+  // Held back for the file's sake, but many pages take their time.
+  if (parts_->surface && SignalsHeld::pending()) return parts_->name + ": interrupted";
   const double points = 72 / picture.dpi;
   const double width = picture.width * points;
   const double height = picture.height * points;
@@ -149,14 +164,14 @@ Problem PdfWriter::add(Picture picture) {
   cairo_paint(context.get());
   cairo_show_page(context.get());
   if (cairo_status(context.get()) == CAIRO_STATUS_SUCCESS) return std::nullopt;
-  return cairo_status_to_string(cairo_status(context.get()));
+  return pdfTrouble(parts_->name, cairo_status(context.get()));
 }
 
 Problem PdfWriter::finish() {
   if (!parts_->surface) return std::nullopt;
   cairo_surface_finish(parts_->surface.get());
   const cairo_status_t status = cairo_surface_status(parts_->surface.get());
-  if (status != CAIRO_STATUS_SUCCESS) return cairo_status_to_string(status);
+  if (status != CAIRO_STATUS_SUCCESS) return pdfTrouble(parts_->name, status);
   return parts_->file.keep();
 }
 

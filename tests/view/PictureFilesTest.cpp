@@ -2,6 +2,9 @@
 #include <png.h>
 
 #include <array>
+#include <csignal>
+#include <filesystem>
+#include <random>
 
 #include "PictureFiles.h"
 #include "support/TestPdf.h"
@@ -34,6 +37,14 @@ Picture stripes(uint32_t colours) {
   return picture;
 }
 
+// Too much for any buffer on its way to a file.
+Picture noise() {
+  std::mt19937 random(1);  // NOLINT: the same noise each time
+  Picture picture{300, 300, 180, {}};
+  for (int i = 0; i < 300 * 300; ++i) picture.pixels.push_back(random() & 0xFFFFFFU);
+  return picture;
+}
+
 TEST(Png, HoldsEveryPixelWithAnyNumberOfColours) {
   const TempFolder folder;
   for (const uint32_t colours : {1U, 2U, 3U, 4U, 5U, 16U, 17U, 21U}) {
@@ -54,8 +65,10 @@ TEST(Png, TellsItsResolution) {
 }
 
 TEST(Png, TellsWhereItCannotBeWritten) {
-  EXPECT_TRUE(writePng(stripes(2), "/nowhere/x.png").has_value());
-  EXPECT_TRUE(writePng(stripes(2), "/dev/full").has_value());
+  EXPECT_EQ(writePng(stripes(2), "/nowhere/x.png"), "/nowhere/x.png: No such file or directory");
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(writePng(noise(), "/dev/full"), "/dev/full: No space left on device");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(Pdf, HasAPageAPicture) {
@@ -70,6 +83,28 @@ TEST(Pdf, HasAPageAPicture) {
   const std::string pdf = textOf(folder / "x.pdf");
   EXPECT_TRUE(pdf.starts_with("%PDF"));
   EXPECT_NE(pdf.find("/Count 2"), std::string::npos);
+}
+
+TEST(Pdf, TellsWhereItCannotBeWritten) {
+  PdfWriter writer("/dev/full");
+  (void)writer.add(noise());
+  EXPECT_EQ(writer.finish(), "/dev/full: No space left on device");
+}
+
+TEST(Pdf, ASignalEndsItAfterThePageInHand) {
+  const TempFolder folder;
+  struct sigaction before {};
+  struct sigaction nothing {};
+  nothing.sa_handler = [](int) {};
+  ASSERT_EQ(sigaction(SIGINT, &nothing, &before), 0);
+  {
+    PdfWriter writer(folder / "x.pdf");
+    EXPECT_FALSE(writer.add(stripes(2)).has_value());
+    ASSERT_EQ(raise(SIGINT), 0);
+    EXPECT_EQ(writer.add(stripes(2)), folder / "x.pdf: interrupted");
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  ASSERT_EQ(sigaction(SIGINT, &before, nullptr), 0);
 }
 
 TEST(Pdf, OfNoPictureIsNotMade) {
