@@ -2,22 +2,39 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
-#include <numbers>
-
-#include "CairoSurface.h"
+#include <utility>
+#include <vector>
 
 namespace velka::view {
 namespace {
 
+// Pixels are looked at in 4 x 4 places, a bit each, so that the ink of dots that overlap
+// adds up to what they cover together.
+constexpr int kPlaces = 4;
+constexpr int kPlacesInAll = kPlaces * kPlaces;
+using Cover = uint16_t;
+
 // Dots are stamped at eighths of a pixel, which no eye tells from exact places.
 constexpr int kPhases = 8;
 
-// A dot's ink on the pixels around it, 0 to 255.
+// What of the pixels around it a dot covers.
 struct Stamp {
   int size = 0;
-  std::vector<uint8_t> ink;
+  std::vector<Cover> cover;
 };
+
+// What a disc around `x`, `y` covers of the pixel whose corner is the origin.
+Cover coverOf(double x, double y, double radius) {
+  Cover cover = 0;
+  for (int place = 0; place < kPlacesInAll; ++place) {
+    const double dx = (place % kPlaces + 0.5) / kPlaces - x;
+    const double dy = (place / kPlaces + 0.5) / kPlaces - y;
+    if (dx * dx + dy * dy <= radius * radius) cover |= static_cast<Cover>(1U << place);
+  }
+  return cover;
+}
 
 // A disc whose middle lies `phaseX`, `phaseY` eighths of a pixel right of and below
 // the middle pixel's corner.
@@ -25,18 +42,11 @@ Stamp makeStamp(double radius, int phaseX, int phaseY) {
   const int reach = static_cast<int>(std::ceil(radius)) + 1;
   Stamp stamp;
   stamp.size = 2 * reach + 1;
-  const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, stamp.size, stamp.size));
-  const Context context(cairo_create(surface.get()));
-  cairo_arc(context.get(), reach + static_cast<double>(phaseX) / kPhases,
-            reach + static_cast<double>(phaseY) / kPhases, radius, 0, 2 * std::numbers::pi);
-  cairo_fill(context.get());
-  cairo_surface_flush(surface.get());
-  const unsigned char* data = cairo_image_surface_get_data(surface.get());
-  const int stride = cairo_image_surface_get_stride(surface.get());
-  stamp.ink.assign(static_cast<size_t>(stamp.size) * static_cast<size_t>(stamp.size), 0);
-  for (int y = 0; data != nullptr && y < stamp.size; ++y) {
-    std::copy_n(data + static_cast<std::ptrdiff_t>(y) * stride, stamp.size,
-                stamp.ink.begin() + static_cast<std::ptrdiff_t>(y) * stamp.size);
+  for (int y = 0; y < stamp.size; ++y) {
+    for (int x = 0; x < stamp.size; ++x) {
+      stamp.cover.push_back(coverOf(reach - x + static_cast<double>(phaseX) / kPhases,
+                                    reach - y + static_cast<double>(phaseY) / kPhases, radius));
+    }
   }
   return stamp;
 }
@@ -48,7 +58,7 @@ class InkLayer {
       : width_(picture.width),
         height_(picture.height),
         radius_(radius),
-        ink_(picture.pixels.size(), 0) {}
+        cover_(picture.pixels.size(), 0) {}
 
   void strike(double x, double y) {
     const auto column = static_cast<int64_t>(std::floor(x));
@@ -56,7 +66,10 @@ class InkLayer {
     put(stampAt(phase(x), phase(y)), column, row);
   }
 
-  [[nodiscard]] uint8_t at(size_t pixel) const { return ink_[pixel]; }
+  // Of kPlacesInAll.
+  [[nodiscard]] uint32_t at(size_t pixel) const {
+    return static_cast<uint32_t>(std::popcount(cover_[pixel]));
+  }
 
  private:
   static int phase(double place) {
@@ -77,9 +90,8 @@ class InkLayer {
          ++y) {
       for (int64_t x = std::max<int64_t>(0, -left);
            x < std::min<int64_t>(stamp.size, width_ - left); ++x) {
-        uint8_t& pixel = ink_[static_cast<size_t>((top + y) * width_ + left + x)];
-        pixel = std::max(pixel, stamp.ink[static_cast<size_t>(y) * static_cast<size_t>(stamp.size) +
-                                          static_cast<size_t>(x)]);
+        cover_[static_cast<size_t>((top + y) * width_ + left + x)] |=
+            stamp.cover[static_cast<size_t>(y * stamp.size + x)];
       }
     }
   }
@@ -87,24 +99,25 @@ class InkLayer {
   int64_t width_;
   int64_t height_;
   double radius_;
-  std::vector<uint8_t> ink_;
+  std::vector<Cover> cover_;
   std::array<Stamp, size_t{kPhases} * kPhases> stamps_;
 };
 
-// An ink takes from each channel what its own colour lacks.
+// An ink takes from each channel what its own colour lacks, as far as it covers it.
 uint32_t inked(uint32_t colour, uint32_t ink, uint32_t amount) {
   uint32_t result = 0;
   for (const unsigned shift : {16U, 8U, 0U}) {
     const uint32_t channel = (colour >> shift) & 0xFFU;
     const uint32_t lacking = 255 - ((ink >> shift) & 0xFFU);
-    result |= (channel * (255 * 255 - lacking * amount) / (255 * 255)) << shift;
+    result |= (channel * (255 * kPlacesInAll - lacking * amount) / (255 * kPlacesInAll)) << shift;
   }
   return result;
 }
 
-}  // namespace
+// What is drawn coarser than this is drawn at a multiple of it and made smaller.
+constexpr double kLeastDpi = 360;
 
-Drawing drawPins(const decode::Page& page, const PaperView& view, int64_t length, double dpi,
+Drawing drawFine(const decode::Page& page, const PaperView& view, int64_t length, double dpi,
                  uint64_t& outside) {
   const double perUnit = dpi / static_cast<double>(decode::kUnitsPerInch);
   Drawing drawing = blankPicture(std::ceil(static_cast<double>(view.width) * perUnit),
@@ -132,6 +145,17 @@ Drawing drawPins(const decode::Page& page, const PaperView& view, int64_t length
     pixel = inked(inked(pixel, kRed, layers[1].at(i)), kBlack, layers[0].at(i));
   }
   return drawing;
+}
+
+}  // namespace
+
+Drawing drawPins(const decode::Page& page, const PaperView& view, int64_t length, double dpi,
+                 uint64_t& outside) {
+  Drawing drawing =
+      drawFine(page, view, length, dpi * std::max(1.0, std::ceil(kLeastDpi / dpi)), outside);
+  auto* picture = std::get_if<Picture>(&drawing);
+  if (picture == nullptr || dpi == picture->dpi) return drawing;
+  return resample(std::move(*picture), dpi);
 }
 
 }  // namespace velka::view

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 
 #include "ContactSheet.h"
@@ -126,6 +127,51 @@ TEST(Pins, OfNeighbouringDotsOverlap) {
       EXPECT_EQ(picture.pixels[static_cast<size_t>(y * 8 + x)], kRed) << x << ", " << y;
     }
   }
+}
+
+TEST(Pins, SolidInkStaysSolidAtAnyResolution) {
+  // A square inch of ink at 180 x 180 dpi: eight bands of 24 rows.
+  ExpectedStream stream;
+  for (int band = 0; band < 8; ++band) {
+    const Bytes data(size_t{180} * 3, 0xFF);
+    stream.unit(10).down(band == 0 ? 0 : 48).block(0, 39, 180, data);
+  }
+  const Bytes bytes = stream.formFeed().bytes();
+  const decode::Page page = pageOf(bytes);
+  PaperView view = viewOf(page, 3600);
+  view.pins = true;
+  for (const double dpi : {20.0, 60.0, 90.0, 100.0, 150.0, 180.0, 360.0, 500.0, 720.0}) {
+    view.dpi = dpi;
+    uint64_t outside = 0;
+    const Picture picture = pictureOf(drawPage(page, view, outside));
+    ASSERT_EQ(picture.width, static_cast<int32_t>(dpi));
+    const auto edge = static_cast<int32_t>(std::ceil(dpi / 90));
+    for (int32_t y = edge; y < picture.height - edge; ++y)
+      for (int32_t x = edge; x < picture.width - edge; ++x)
+        ASSERT_LE(picture.pixels[static_cast<size_t>(y * picture.width + x)] & 0xFFU, 16U)
+            << dpi << " dpi at " << x << ", " << y;
+  }
+}
+
+TEST(Pins, ALightScreenKeepsItsShareOfInkWhenMadeSmaller) {
+  // Every fourth dot across and down leaves a disc of 0.2 mm on 0.5644 mm squared.
+  ExpectedStream stream;
+  for (int band = 0; band < 8; ++band) {
+    Bytes data(size_t{180} * 3, 0);
+    for (size_t column = 0; column < 180; column += 4) std::fill_n(&data[column * 3], 3, 0x88);
+    stream.unit(10).down(band == 0 ? 0 : 48).block(0, 39, 180, data);
+  }
+  const Bytes bytes = stream.formFeed().bytes();
+  const decode::Page page = pageOf(bytes);
+  PaperView view = viewOf(page, 3600);
+  view.pins = true;
+  view.dpi = 60;
+  uint64_t outside = 0;
+  const Picture picture = pictureOf(drawPage(page, view, outside));
+  double ink = 0;
+  for (const uint32_t pixel : picture.pixels) ink += (255 - (pixel & 0xFFU)) / 255.0;
+  const double share = std::numbers::pi * 0.1 * 0.1 / (0.564444 * 0.564444);
+  EXPECT_NEAR(ink / static_cast<double>(picture.pixels.size()), share, 0.012);
 }
 
 TEST(Pins, BlackInkCoversRed) {
