@@ -10,7 +10,6 @@ namespace {
 
 constexpr uint8_t kEsc = 0x1B;
 constexpr uint8_t kGs = 0x1D;
-constexpr int32_t kHighestColour = 2;
 
 enum class Parameter : uint8_t { None, Byte, Word, SignedWord, Block };
 
@@ -95,7 +94,7 @@ std::optional<Command> CommandReader::next() {
     Command command{
         form.kind, at_, form.length + parameters, parameterOf(form.parameter, bytes), {}, {}, 0};
     if (form.kind == CommandKind::BitImage) return block(command);
-    if (form.kind == CommandKind::Colour && command.value > kHighestColour) {
+    if (form.kind == CommandKind::Colour && command.value > highestColour_) {
       return fail("unknown colour " + std::to_string(command.value));
     }
     return taken(command);

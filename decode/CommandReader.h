@@ -50,8 +50,12 @@ struct Fault {
 /// to read. The stream must stay alive; the commands' data points into it.
 class CommandReader {
  public:
-  /// On the Orlo head every column has three bytes.
-  CommandReader(Bytes stream, bool orlo) : stream_(stream), orlo_(orlo) {}
+  /// On the Orlo head every column has three bytes, and both inks can be chosen at
+  /// once. Without a model columns are the standard head's, and any colour will do.
+  CommandReader(Bytes stream, std::optional<Model> model)
+      : stream_(stream),
+        orlo_(model && isOrlo(*model)),
+        highestColour_(model == Model::Standard ? 1 : 2) {}
 
   /// The next command; none at the end and from the first fault on.
   std::optional<Command> next();
@@ -69,6 +73,7 @@ class CommandReader {
   Bytes stream_;
   size_t at_ = 0;
   bool orlo_;
+  int32_t highestColour_;
   std::optional<Fault> fault_;
 };
 

@@ -16,6 +16,7 @@ std::optional<Page> PageReader::next() {
     page.lines = carriage_.lines;
     page.headY = carriage_.y;
     carriage_.apply(*command);
+    end_.note(command->kind);
     if (command->kind == CommandKind::FormFeed) {
       page.ended = true;
       return page;
@@ -26,11 +27,10 @@ std::optional<Page> PageReader::next() {
 
 std::optional<Page> PageReader::last(Page page) {
   done_ = true;
-  fault_ = reader_.fault();
+  fault_ = reader_.fault() ? reader_.fault() : end_.missing(size_);
   page.lines = carriage_.lines;
   page.headY = carriage_.y;
   if (page.blocks.empty()) return std::nullopt;
-  if (!fault_) fault_ = Fault{size_, "the stream ends inside a page"};
   return page;
 }
 

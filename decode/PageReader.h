@@ -8,6 +8,7 @@
 #include "Carriage.h"
 #include "CommandReader.h"
 #include "Head.h"
+#include "JobEnd.h"
 
 namespace velka::decode {
 
@@ -34,19 +35,20 @@ struct Page {
 /// stream must outlive the pages.
 class PageReader {
  public:
-  PageReader(Bytes stream, Model model) : reader_(stream, isOrlo(model)), size_(stream.size()) {}
+  PageReader(Bytes stream, Model model) : reader_(stream, model), size_(stream.size()) {}
 
   /// The next page; what a fault cut off counts as one where anything was struck.
   std::optional<Page> next();
 
   /// Why the stream is not sound, once next() has returned no page: a fault of its
-  /// commands, or a page without an end.
+  /// commands, or an end that is no job's.
   [[nodiscard]] const std::optional<Fault>& fault() const { return fault_; }
 
  private:
   std::optional<Page> last(Page page);
 
   CommandReader reader_;
+  JobEnd end_;
   Carriage carriage_;
   size_t size_;
   bool done_ = false;

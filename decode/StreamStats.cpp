@@ -5,15 +5,18 @@
 #include <cstdlib>
 
 #include "Carriage.h"
-#include "DotGrid.h"
 #include "PageReader.h"
 
 namespace velka::decode {
 namespace {
 
-// The moves inside a band (odd rows, red over black) are one dot of at most 1/60
-// inch; the head's 24 pins are at least 48/360 inch high.
+// On the standard head the moves inside a band (odd rows, red over black) are one dot
+// of at most 1/60 inch; its 24 pins are at least 48/360 inch high.
 constexpr int64_t kBandStep = kUnitsPerInch / 15;
+
+// On the Orlo head a band may start less than its height below the last one. Inside a
+// band there is only the step between the two passes at 360 dpi.
+constexpr int64_t kPassStep = kUnitsPerInch / 360;
 
 // Follows the head and adds up where it goes. A pass starts at its nearer end.
 class Tally {
@@ -50,11 +53,16 @@ class Tally {
     feed(units);
   }
 
+  [[nodiscard]] bool startsBand() const {
+    if (isOrlo(model_)) return sinceBlock_ != 0 && sinceBlock_ != kPassStep;
+    return std::abs(sinceBlock_) >= kBandStep;
+  }
+
   void feed(int64_t units) { stats_.seconds += millimetres(std::abs(units)) / speeds_.feed; }
 
   void block(const Command& command, const Carriage& at) {
     ++stats_.blocks;
-    if (!pageHasBlocks_ || std::abs(sinceBlock_) >= kBandStep) ++stats_.bands;
+    if (!pageHasBlocks_ || startsBand()) ++stats_.bands;
     pageHasBlocks_ = true;
     sinceBlock_ = 0;
     const Block struck{at.x, at.y, command.mode, at.colour, command.data, command.offset};
@@ -95,54 +103,58 @@ class Tally {
   bool pageHasBlocks_ = false;
 };
 
-// Areas; pages of one job may have cells of different sizes.
+// What lies on the paper of the pages so far; pages of one job may have cells of
+// different sizes.
 struct Covered {
   std::array<double, 2> inked{};
   double all = 0;
+  bool lengthsKnown = true;
   std::array<uint64_t, 2> places{};
+  uint64_t touched = 0;
 };
 
-bool addCovered(const Page& page, Model model, int64_t width, Covered& covered) {
-  if (page.lines == 0) return false;
+bool addCovered(const Page& page, Model model, PaperWidth width, Covered& covered) {
   Grid grid;
   grid.add(page);
-  const auto counts = countCells(page, model, grid, width, formLength(page), Extent::Whole);
-  const auto places = countCells(page, model, grid, width, formLength(page), Extent::Origin);
-  if (!counts || !places) return false;
+  const Paper paper = paperOf(page, model, grid, width);
+  const auto counts = countCells(page, model, grid, paper);
+  if (!counts) return false;
   const auto area = static_cast<double>(grid.cell() * grid.cell());
-  for (size_t ink = 0; ink < counts->size(); ++ink) {
-    covered.inked.at(ink) += static_cast<double>(counts->at(ink)) * area;
-    covered.places.at(ink) += places->at(ink);
+  for (size_t ink = 0; ink < counts->dots.size(); ++ink) {
+    covered.inked.at(ink) += static_cast<double>(counts->covered.at(ink)) * area;
+    covered.places.at(ink) += counts->dots.at(ink);
   }
-  covered.all += static_cast<double>(cellsIn(grid, width, formLength(page))) * area;
+  covered.all += static_cast<double>(cellsIn(grid, paper)) * area;
+  covered.lengthsKnown = covered.lengthsKnown && page.lines > 0;
+  covered.touched += counts->touched;
   return true;
 }
 
-void lookAtPaper(Bytes stream, Model model, int64_t width, StreamStats& stats) {
+void lookAtPaper(Bytes stream, Model model, PaperWidth width, StreamStats& stats) {
   PageReader reader(stream, model);
   Covered covered;
+  bool drawable = true;
   while (const auto page = reader.next()) {
-    if (!addCovered(*page, model, width, covered)) return;
+    drawable = drawable && addCovered(*page, model, width, covered);
   }
-  if (covered.all == 0) return;
-  stats.coverage = {covered.inked[0] / covered.all, covered.inked[1] / covered.all};
+  stats.fault = reader.fault();
+  stats.touched = covered.touched;
+  if (!drawable) return;
   stats.places = covered.places;
+  if (covered.all == 0 || !covered.lengthsKnown) return;
+  stats.coverage = {covered.inked[0] / covered.all, covered.inked[1] / covered.all};
 }
 
 }  // namespace
 
-StreamStats readStats(Bytes stream, Model model, const Speeds& speeds, int64_t paperWidth) {
+StreamStats readStats(Bytes stream, Model model, const Speeds& speeds, PaperWidth width) {
   StreamStats stats;
   stats.bytes = stream.size();
   Tally tally(stats, model, speeds);
-  CommandReader reader(stream, isOrlo(model));
+  CommandReader reader(stream, model);
   while (const auto command = reader.next()) tally.take(*command);
   tally.finish();
-  lookAtPaper(stream, model, paperWidth, stats);
-  PageReader pages(stream, model);
-  while (pages.next()) {
-  }
-  stats.fault = pages.fault();
+  lookAtPaper(stream, model, width, stats);
   return stats;
 }
 

@@ -20,7 +20,7 @@ void require(bool holds) {
 
 // Commands lie end to end and reach to the fault or the end.
 void readCommands(Bytes stream, Model model) {
-  CommandReader reader(stream, isOrlo(model));
+  CommandReader reader(stream, model);
   Carriage carriage;
   size_t end = 0;
   while (const auto command = reader.next()) {
@@ -33,7 +33,7 @@ void readCommands(Bytes stream, Model model) {
 }
 
 void drawPages(Bytes stream, Model model) {
-  constexpr int64_t kSide = 4000;
+  constexpr Paper kPaper{4000, 4000};
   PageReader reader(stream, model);
   uint64_t pages = 0;
   while (const auto page = reader.next()) {
@@ -42,12 +42,14 @@ void drawPages(Bytes stream, Model model) {
     grid.add(*page);
     const Area area = inkedArea(*page, model, grid);
     require(area.left <= area.right && area.top <= area.bottom);
-    const auto counts = countCells(*page, model, grid, kSide, kSide, Extent::Whole);
+    const auto counts = countCells(*page, model, grid, kPaper);
     require(counts.has_value());
-    const auto all = static_cast<uint64_t>(cellsIn(grid, kSide, kSide));
-    require(counts->at(0) <= all && counts->at(1) <= all);
+    const auto all = static_cast<uint64_t>(cellsIn(grid, kPaper));
+    for (size_t ink = 0; ink < 2; ++ink) {
+      require(counts->dots.at(ink) <= counts->covered.at(ink) && counts->covered.at(ink) <= all);
+    }
   }
-  require(readStats(stream, model, {}, kSide).pages == pages);
+  require(readStats(stream, model, {}, {kPaper.width, true}).pages == pages);
 }
 
 }  // namespace

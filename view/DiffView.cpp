@@ -19,8 +19,10 @@ std::string inkText(const InkChange& change) {
 }
 
 void printChange(std::FILE* to, const std::string& what, const Change& change) {
-  (void)std::fprintf(to, "%s: black dots: %s\n", what.c_str(), inkText(change[0]).c_str());
-  (void)std::fprintf(to, "%s: red dots: %s\n", what.c_str(), inkText(change[1]).c_str());
+  (void)std::fprintf(to, "%s: black dots: %s\n", what.c_str(), inkText(change.inks[0]).c_str());
+  (void)std::fprintf(to, "%s: red dots: %s\n", what.c_str(), inkText(change.inks[1]).c_str());
+  (void)std::fprintf(to, "%s: places in the other ink: %" PRIu64 "\n", what.c_str(),
+                     change.otherInk);
 }
 
 // Both streams' pages side by side, the shorter one's followed by nothing.
@@ -33,15 +35,17 @@ class Comparison {
         text_(arguments.output == "-" ? stderr : stdout) {}
 
   int run() {
-    const Survey one = survey(first_);
-    const Survey other = survey(second_);
+    const PageRange wanted = arguments_.pages.value_or(PageRange{});
+    const Survey one = survey(first_, wanted);
+    const Survey other = survey(second_, wanted);
     uint64_t chosen = 0;
     const uint64_t pages = std::max(one.pages, other.pages);
-    if (auto problem = choosePages(arguments_, pages, chosen)) return fail(*problem);
-    view_ = paperView(arguments_, first_, one);
-    view_.grid.step = std::gcd(one.grid.step, other.grid.step);
-    view_.grid.down = std::gcd(one.grid.down, other.grid.down);
-    view_.width = std::max(view_.width, paperWidth(arguments_, second_, other.right));
+    if (auto problem = choosePages(arguments_, pages, chosen)) {
+      return fail((one.pages < other.pages ? second_ : first_).name + ": " + *problem);
+    }
+    view_ = paperView(arguments_, first_, {std::gcd(one.grid.step, other.grid.step)});
+    const decode::PaperWidth width = paperWidth(arguments_, second_);
+    view_.width.units = std::max(view_.width.units, width.units);
     (void)std::fprintf(text_, "pages: %" PRIu64 " in the first, %" PRIu64 " in the second\n",
                        one.pages, other.pages);
     Gallery gallery(arguments_, first_.stem + "-" + second_.stem + "-diff", chosen == 1);
@@ -76,7 +80,7 @@ class Comparison {
     const std::string name = "page " + std::to_string(number);
     if (const auto* why = std::get_if<std::string>(&drawing)) return fail(name + ": " + *why);
     printChange(text_, name, change);
-    for (size_t ink = 0; ink < change.size(); ++ink) total_.at(ink).add(change.at(ink));
+    total_.add(change);
     const auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number);
     return problem ? fail(*problem) : kDone;
   }

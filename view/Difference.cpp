@@ -1,47 +1,46 @@
 #include "Difference.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace velka::view {
 namespace {
 
-using decode::DotGrid;
+constexpr std::array<uint8_t, 2> kDots{decode::kBlackDot, decode::kRedDot};
+constexpr unsigned kAnyInk = decode::kBlackCell | decode::kRedCell;
+constexpr unsigned kAnyDot = decode::kBlackDot | decode::kRedDot;
 
-constexpr std::array<uint8_t, 2> kInkCells{decode::kBlackCell, decode::kRedCell};
+// Whether each stream has an ink that the other has not.
+bool inksDiffer(unsigned first, unsigned second) {
+  return (first & ~second) != 0 && (second & ~first) != 0;
+}
 
-Change countChange(const DotGrid& first, const DotGrid& second) {
-  Change change;
-  for (size_t i = 0; i < first.cells.size(); ++i) {
-    for (size_t ink = 0; ink < kInkCells.size(); ++ink) {
-      const bool a = (first.cells[i] & kInkCells.at(ink)) != 0;
-      const bool b = (second.cells[i] & kInkCells.at(ink)) != 0;
-      change.at(ink).same += a && b ? 1 : 0;
-      change.at(ink).first += a && !b ? 1 : 0;
-      change.at(ink).second += b && !a ? 1 : 0;
-    }
+void countPlace(unsigned first, unsigned second, Change& change) {
+  for (size_t ink = 0; ink < kDots.size(); ++ink) {
+    const bool a = (first & kDots.at(ink)) != 0;
+    const bool b = (second & kDots.at(ink)) != 0;
+    change.inks.at(ink).same += a && b ? 1 : 0;
+    change.inks.at(ink).first += a && !b ? 1 : 0;
+    change.inks.at(ink).second += b && !a ? 1 : 0;
   }
-  return change;
+  change.otherInk += inksDiffer(first & kAnyDot, second & kAnyDot) ? 1 : 0;
 }
 
 // What is only in one of the two stands out, the rest is pale.
 uint32_t colourOf(unsigned first, unsigned second) {
+  if (inksDiffer(first, second)) return kOtherInk;
   if ((first & ~second) != 0) return kOnlyFirst;
   if ((second & ~first) != 0) return kOnlySecond;
   if ((first & decode::kBlackCell) != 0) return kPaleBlack;
   return first != 0 ? kPaleRed : kWhite;
 }
 
-struct Grids {
-  std::optional<DotGrid> first;
-  std::optional<DotGrid> second;
-};
-
-Grids drawBoth(const PagePair& pages, const PaperView& view,
-               const std::array<decode::Model, 2>& models, int64_t length, decode::Extent extent) {
-  return {decode::drawCells(pages.first, models[0], view.grid, view.width, length, extent),
-          decode::drawCells(pages.second, models[1], view.grid, view.width, length, extent)};
+// The sheet that holds both pages.
+decode::Paper paperOfBoth(const PagePair& pages, const PaperView& view,
+                          const std::array<decode::Model, 2>& models) {
+  const auto first = decode::paperOf(pages.first, models[0], view.grid, view.width);
+  const auto second = decode::paperOf(pages.second, models[1], view.grid, view.width);
+  return {std::max(first.width, second.width), std::max(first.length, second.length)};
 }
 
 }  // namespace
@@ -52,23 +51,26 @@ void InkChange::add(const InkChange& other) {
   second += other.second;
 }
 
+void Change::add(const Change& other) {
+  for (size_t ink = 0; ink < inks.size(); ++ink) inks.at(ink).add(other.inks.at(ink));
+  otherInk += other.otherInk;
+}
+
 Drawing comparePages(const PagePair& pages, const PaperView& view,
                      const std::array<decode::Model, 2>& models, Change& change) {
-  const int64_t length = std::max(paperLength(pages.first, models[0], view.grid),
-                                  paperLength(pages.second, models[1], view.grid));
-  const auto cell = static_cast<double>(view.grid.cell());
-  Drawing drawing = blankPicture(std::ceil(static_cast<double>(view.width) / cell),
-                                 std::ceil(static_cast<double>(length) / cell), streamDpi(view));
+  const decode::Paper paper = paperOfBoth(pages, view, models);
+  Drawing drawing = blankPaper(view, paper);
   auto* picture = std::get_if<Picture>(&drawing);
   if (picture == nullptr) return drawing;
-  const Grids dots = drawBoth(pages, view, models, length, decode::Extent::Origin);
-  const Grids cells = drawBoth(pages, view, models, length, decode::Extent::Whole);
-  if (!dots.first || !dots.second || !cells.first || !cells.second) {
-    return "the page is too large to compare";
-  }
-  change = countChange(*dots.first, *dots.second);
-  for (size_t i = 0; i < cells.first->cells.size(); ++i) {
-    picture->pixels[i] = colourOf(cells.first->cells[i], cells.second->cells[i]);
+  const auto first = decode::drawCells(pages.first, models[0], view.grid, paper);
+  const auto second = decode::drawCells(pages.second, models[1], view.grid, paper);
+  if (!first || !second) return "the page is too large to compare";
+  change = {};
+  for (size_t i = 0; i < first->cells.size(); ++i) {
+    const unsigned a = first->cells[i];
+    const unsigned b = second->cells[i];
+    countPlace(a, b, change);
+    picture->pixels[i] = colourOf(a & kAnyInk, b & kAnyInk);
   }
   const double dpi = view.dpi ? *view.dpi : picture->dpi * view.scale;
   return dpi == picture->dpi ? std::move(drawing) : resample(std::move(*picture), dpi);

@@ -18,12 +18,19 @@ struct InkChange {
   [[nodiscard]] bool none() const { return first == 0 && second == 0; }
   void add(const InkChange& other);
 };
-using Change = std::array<InkChange, 2>;  ///< black, red
+
+struct Change {
+  std::array<InkChange, 2> inks;  ///< black, red
+  uint64_t otherInk = 0;          ///< places that hold one ink in each stream, but not the same
+
+  void add(const Change& other);
+};
 
 inline constexpr uint32_t kPaleBlack = 0xC8C8C8;
 inline constexpr uint32_t kPaleRed = 0xFFC8C8;
 inline constexpr uint32_t kOnlyFirst = 0x0040FF;
 inline constexpr uint32_t kOnlySecond = 0x00A000;
+inline constexpr uint32_t kOtherInk = 0xD000D0;
 
 /// A page of each stream; one that is not there has no dots.
 struct PagePair {
@@ -31,8 +38,8 @@ struct PagePair {
   const decode::Page& second;
 };
 
-/// Counts what changed. `view` holds both streams' grid and width, `models` which
-/// head printed which. The picture's resolution is the streams' own.
+/// Counts what changed. `view` holds both streams' grid and the wider paper, `models`
+/// which head printed which. The picture's resolution is the streams' own.
 [[nodiscard]] Drawing comparePages(const PagePair& pages, const PaperView& view,
                                    const std::array<decode::Model, 2>& models, Change& change);
 

@@ -29,10 +29,10 @@ Problem drawVariant(const Arguments& arguments, const std::string& setting, Labe
   Stream stream;
   const std::string options = arguments.options + " " + setting;
   if (auto problem = printStream(arguments, options, stream)) return setting + ": " + *problem;
-  PaperView view = paperView(arguments, stream, survey(stream));
+  const uint64_t wanted = arguments.pages.value_or(PageRange{}).first;
+  PaperView view = paperView(arguments, stream, survey(stream, {wanted, wanted}).grid);
   if (!view.dpi && !arguments.scale) view.dpi = 90;  // several fit a screen
   decode::PageReader reader(stream.bytes, stream.model);
-  const uint64_t wanted = arguments.pages.value_or(PageRange{}).first;
   std::optional<decode::Page> page;
   for (uint64_t number = 1; number <= wanted; ++number) page = reader.next();
   result.label = page ? setting : setting + " (prints no such page)";
@@ -49,13 +49,13 @@ Problem drawVariant(const Arguments& arguments, const std::string& setting, Labe
 int drawPages(const Arguments& arguments) {
   Stream stream;
   if (auto problem = onlyStream(arguments, stream)) return fail(*problem);
-  const Survey found = survey(stream);
+  const PageRange range = arguments.pages.value_or(PageRange{});
+  const Survey found = survey(stream, range);
   uint64_t chosen = 0;
   if (auto problem = choosePages(arguments, found.pages, chosen)) {
     return fail(stream.name + ": " + *problem);
   }
-  const PageRange range = arguments.pages.value_or(PageRange{});
-  const PaperView view = paperView(arguments, stream, found);
+  const PaperView view = paperView(arguments, stream, found.grid);
   Gallery gallery(arguments, stream.stem, chosen == 1);
   decode::PageReader reader(stream.bytes, stream.model);
   int status = kDone;

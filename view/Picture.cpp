@@ -18,15 +18,12 @@ uint32_t colourOf(uint8_t cell) {
   return (cell & decode::kRedCell) != 0 ? kRed : kWhite;
 }
 
-Drawing drawCells(const decode::Page& page, const PaperView& view, int64_t length,
+Drawing drawCells(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
                   uint64_t& outside) {
-  const double cell = static_cast<double>(view.grid.cell());
-  const double width = std::ceil(static_cast<double>(view.width) / cell);
-  const double height = std::ceil(static_cast<double>(length) / cell);
-  Drawing drawing = blankPicture(width, height, streamDpi(view));
+  Drawing drawing = blankPaper(view, paper);
   auto* picture = std::get_if<Picture>(&drawing);
   if (picture == nullptr) return drawing;
-  const auto grid = decode::drawCells(page, view.model, view.grid, view.width, length);
+  const auto grid = decode::drawCells(page, view.model, view.grid, paper);
   if (!grid) return "the page is too large to draw";
   outside = grid->outside;
   // A picture has at least one pixel, a grid may have none.
@@ -66,17 +63,19 @@ double streamDpi(const PaperView& view) {
   return static_cast<double>(decode::kUnitsPerInch) / static_cast<double>(view.grid.cell());
 }
 
-int64_t paperLength(const decode::Page& page, decode::Model model, const decode::Grid& grid) {
-  return std::max(decode::formLength(page), decode::inkedArea(page, model, grid).bottom);
+Drawing blankPaper(const PaperView& view, const decode::Paper& paper) {
+  const auto cell = static_cast<double>(view.grid.cell());
+  return blankPicture(std::ceil(static_cast<double>(paper.width) / cell),
+                      std::ceil(static_cast<double>(paper.length) / cell), streamDpi(view));
 }
 
 Drawing drawPage(const decode::Page& page, const PaperView& view, uint64_t& outside) {
-  const int64_t length = paperLength(page, view.model, view.grid);
+  const decode::Paper paper = decode::paperOf(page, view.model, view.grid, view.width);
   if (view.pins) {
     constexpr double kPinsDpi = 360;  // a dot is not quite three pixels wide
-    return drawPins(page, view, length, wantedDpi(view, kPinsDpi), outside);
+    return drawPins(page, view, paper, wantedDpi(view, kPinsDpi), outside);
   }
-  Drawing drawing = drawCells(page, view, length, outside);
+  Drawing drawing = drawCells(page, view, paper, outside);
   const double dpi = wantedDpi(view, streamDpi(view));
   auto* picture = std::get_if<Picture>(&drawing);
   if (picture == nullptr || dpi == picture->dpi) return drawing;

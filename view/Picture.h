@@ -38,7 +38,7 @@ inline constexpr int64_t kMostPixels = decode::kMostCells;
 struct PaperView {
   decode::Model model = decode::Model::Standard;
   decode::Grid grid;  ///< of all pages that are drawn
-  int64_t width = 0;  ///< of the paper, units
+  decode::PaperWidth width;
   std::optional<double> dpi;
   double scale = 1;  ///< times the stream's own, without `dpi`
   bool pins = false;
@@ -48,9 +48,8 @@ struct PaperView {
 /// pixels as it needs for that.
 [[nodiscard]] double streamDpi(const PaperView& view);
 
-/// Length of the page's paper in units: its form, longer where it prints beyond.
-[[nodiscard]] int64_t paperLength(const decode::Page& page, decode::Model model,
-                                  const decode::Grid& grid);
+/// White paper, a pixel a cell.
+[[nodiscard]] Drawing blankPaper(const PaperView& view, const decode::Paper& paper);
 
 /// Draws a page; `outside` counts the dots that miss the paper.
 [[nodiscard]] Drawing drawPage(const decode::Page& page, const PaperView& view, uint64_t& outside);

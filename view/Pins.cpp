@@ -117,21 +117,22 @@ uint32_t inked(uint32_t colour, uint32_t ink, uint32_t amount) {
 // What is drawn coarser than this is drawn at a multiple of it and made smaller.
 constexpr double kLeastDpi = 360;
 
-Drawing drawFine(const decode::Page& page, const PaperView& view, int64_t length, double dpi,
-                 uint64_t& outside) {
+Drawing drawFine(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
+                 double dpi, uint64_t& outside) {
   const double perUnit = dpi / static_cast<double>(decode::kUnitsPerInch);
-  Drawing drawing = blankPicture(std::ceil(static_cast<double>(view.width) * perUnit),
-                                 std::ceil(static_cast<double>(length) * perUnit), dpi);
+  Drawing drawing = blankPicture(std::ceil(static_cast<double>(paper.width) * perUnit),
+                                 std::ceil(static_cast<double>(paper.length) * perUnit), dpi);
   auto* picture = std::get_if<Picture>(&drawing);
   if (picture == nullptr) return drawing;
   const double radius = kPinDiameter / 2 / 25.4 * dpi;
   std::array<InkLayer, 2> layers{InkLayer(*picture, radius), InkLayer(*picture, radius)};
-  const double middle = static_cast<double>(view.grid.dotHeight() * view.grid.cell()) / 2;
+  const double middle =
+      static_cast<double>(decode::dotHeight(page, view.grid) * view.grid.cell()) / 2;
   outside = 0;
   for (const decode::Block& block : page.blocks) {
     const double half = static_cast<double>(block.mode.columnPitch) / 2;
     forEachDot(block, view.model, [&](decode::Ink ink, int64_t x, int64_t y) {
-      if (x < 0 || y < 0 || x >= view.width || y >= length) {
+      if (x < 0 || y < 0 || x >= paper.width || y >= paper.length) {
         ++outside;
         return;
       }
@@ -149,10 +150,10 @@ Drawing drawFine(const decode::Page& page, const PaperView& view, int64_t length
 
 }  // namespace
 
-Drawing drawPins(const decode::Page& page, const PaperView& view, int64_t length, double dpi,
-                 uint64_t& outside) {
+Drawing drawPins(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
+                 double dpi, uint64_t& outside) {
   Drawing drawing =
-      drawFine(page, view, length, dpi * std::max(1.0, std::ceil(kLeastDpi / dpi)), outside);
+      drawFine(page, view, paper, dpi * std::max(1.0, std::ceil(kLeastDpi / dpi)), outside);
   auto* picture = std::get_if<Picture>(&drawing);
   if (picture == nullptr || dpi == picture->dpi) return drawing;
   return resample(std::move(*picture), dpi);

@@ -9,8 +9,8 @@ namespace velka::view {
 /// (0.141 mm) apart, so neighbours overlap.
 inline constexpr double kPinDiameter = 0.2;
 
-/// Draws a page of `length` units with round dots at a resolution.
-[[nodiscard]] Drawing drawPins(const decode::Page& page, const PaperView& view, int64_t length,
-                               double dpi, uint64_t& outside);
+/// Draws a page on its paper with round dots at a resolution.
+[[nodiscard]] Drawing drawPins(const decode::Page& page, const PaperView& view,
+                               const decode::Paper& paper, double dpi, uint64_t& outside);
 
 }  // namespace velka::view

@@ -22,15 +22,15 @@ int flushed(int status) {
   return fail("standard output cannot be written");
 }
 
-int64_t paperWidth(const Arguments& arguments, const Stream& stream, int64_t right) {
-  if (!arguments.width) return std::max(stream.leastWidth, right);
-  return std::llround(*arguments.width / 25.4 * static_cast<double>(decode::kUnitsPerInch));
+decode::PaperWidth paperWidth(const Arguments& arguments, const Stream& stream) {
+  if (!arguments.width) return {stream.leastWidth, false};
+  return {std::llround(*arguments.width / 25.4 * static_cast<double>(decode::kUnitsPerInch)), true};
 }
 
-PaperView paperView(const Arguments& arguments, const Stream& stream, const Survey& found) {
+PaperView paperView(const Arguments& arguments, const Stream& stream, const decode::Grid& grid) {
   return {stream.model,
-          found.grid,
-          paperWidth(arguments, stream, found.right),
+          grid,
+          paperWidth(arguments, stream),
           arguments.dpi,
           arguments.scale.value_or(1),
           arguments.pins};

@@ -20,12 +20,11 @@ int finish(const Stream& stream, const std::optional<decode::Fault>& fault, int 
 /// Output that cannot be written (a full disk, say) must not pass for done.
 int flushed(int status);
 
-/// Width of the paper in units: as stated, else as the printer's or wide enough for
-/// what is printed up to `right`.
-[[nodiscard]] int64_t paperWidth(const Arguments& arguments, const Stream& stream, int64_t right);
+/// Width of the paper: as stated, else as the printer's or wide enough for the print.
+[[nodiscard]] decode::PaperWidth paperWidth(const Arguments& arguments, const Stream& stream);
 
 /// How the command line wants pages drawn.
 [[nodiscard]] PaperView paperView(const Arguments& arguments, const Stream& stream,
-                                  const Survey& found);
+                                  const decode::Grid& grid);
 
 }  // namespace velka::view

@@ -1,7 +1,7 @@
 #include "Stream.h"
 
-#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include "Chain.h"
@@ -25,18 +25,31 @@ std::string stemOf(const std::string& name) {
   return stem.empty() ? "page" : stem;
 }
 
-// Stated, or proved by the stream.
-Problem findModel(const Arguments& arguments, const PpdFacts* ppd, Stream& stream) {
-  if (arguments.model || ppd != nullptr) {
-    stream.model = arguments.model ? *arguments.model : ppd->model;
-    return std::nullopt;
-  }
-  const decode::ModelGuess guess = decode::guessModel(stream.bytes);
+void tell(const Stream& stream, const std::string& text) {
+  (void)std::fprintf(stderr, "velkaview: %s: %s\n", stream.name.c_str(), text.c_str());
+}
+
+Problem takeGuess(const decode::ModelGuess& guess, Stream& stream) {
+  stream.modelKnown = guess.model.has_value();
+  stream.model = guess.model.value_or(decode::Model::Standard);
+  if (!guess.matters) return std::nullopt;
   if (!guess.model) {
     return stream.name + ": the stream does not tell its model: " + guess.why +
            "; state it with --model or --ppd";
   }
-  stream.model = *guess.model;
+  tell(stream, "read as " + std::string(decode::nameOf(stream.model)) + ": " + guess.why);
+  return std::nullopt;
+}
+
+// Stated, or proved by the stream.
+Problem findModel(const Arguments& arguments, const PpdFacts* ppd, Stream& stream) {
+  const decode::ModelGuess guess = decode::guessModel(stream.bytes);
+  if (!arguments.model && ppd == nullptr) return takeGuess(guess, stream);
+  stream.model = arguments.model ? *arguments.model : ppd->model;
+  if (guess.proved && guess.model != stream.model) {
+    tell(stream, "read as " + std::string(decode::nameOf(stream.model)) + ", but looks like " +
+                     std::string(decode::nameOf(*guess.model)) + ": " + guess.why);
+  }
   return std::nullopt;
 }
 
@@ -79,16 +92,11 @@ Problem onlyStream(const Arguments& arguments, Stream& stream) {
   return printStream(arguments, arguments.options, stream);
 }
 
-Survey survey(const Stream& stream) {
+Survey survey(const Stream& stream, const PageRange& wanted) {
   Survey found;
   decode::PageReader reader(stream.bytes, stream.model);
   while (const auto page = reader.next()) {
-    ++found.pages;
-    found.grid.add(*page);
-    // The width of a dot is the same on every grid that is fine enough for it.
-    decode::Grid own;
-    own.add(*page);
-    found.right = std::max(found.right, decode::inkedArea(*page, stream.model, own).right);
+    if (wanted.holds(++found.pages)) found.grid.add(*page);
   }
   return found;
 }

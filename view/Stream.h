@@ -16,14 +16,14 @@ struct Stream {
   std::string stem;  ///< of the names of its pictures
   std::vector<uint8_t> bytes;
   decode::Model model = decode::Model::Standard;
+  bool modelKnown = true;  ///< otherwise nothing depends on it
   int64_t leastWidth = 0;  ///< of the paper, units; what is printed beside it widens it
 };
 
-/// What a first reading finds out about all pages.
+/// What a first reading finds out.
 struct Survey {
-  decode::Grid grid;
+  decode::Grid grid;  ///< of the pages that are wanted
   uint64_t pages = 0;
-  int64_t right = 0;  ///< of all ink, units
 };
 
 /// Width of the paper where nobody states it: A4, units.
@@ -39,8 +39,9 @@ struct Survey {
 /// Either, whichever the command line asks for.
 [[nodiscard]] Problem onlyStream(const Arguments& arguments, Stream& stream);
 
-/// Reads a stream's pages once, up to its first fault.
-[[nodiscard]] Survey survey(const Stream& stream);
+/// Reads a stream's pages once, up to its first fault; what those beside `wanted` hold
+/// must not change how those are drawn.
+[[nodiscard]] Survey survey(const Stream& stream, const PageRange& wanted);
 
 /// "NAME: offset N: WHAT".
 [[nodiscard]] std::string faultText(const Stream& stream, const decode::Fault& fault);

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "CommandText.h"
+#include "JobEnd.h"
 #include "Report.h"
 #include "StreamStats.h"
 #include "Views.h"
@@ -37,7 +38,8 @@ void printStats(const decode::StreamStats& stats, const Stream& stream,
   }
   (void)std::printf("time         %.1f s (head %g mm/s, feed %g mm/s)\n", stats.seconds,
                     speeds.head, speeds.feed);
-  (void)std::printf("model        %s\n", std::string(decode::nameOf(stream.model)).c_str());
+  const std::string model(stream.modelKnown ? decode::nameOf(stream.model) : "unknown");
+  (void)std::printf("model        %s\n", model.c_str());
 }
 
 }  // namespace
@@ -45,20 +47,23 @@ void printStats(const decode::StreamStats& stats, const Stream& stream,
 int listCommands(const Arguments& arguments) {
   Stream stream;
   if (auto problem = onlyStream(arguments, stream)) return fail(*problem);
-  decode::CommandReader reader(stream.bytes, decode::isOrlo(stream.model));
+  decode::CommandReader reader(stream.bytes, stream.model);
   decode::Carriage carriage;
+  decode::JobEnd end;
   while (const auto command = reader.next()) {
     (void)std::printf("%s\n", decode::lineOf(*command, carriage).c_str());
     carriage.apply(*command);
+    end.note(command->kind);
   }
-  return finish(stream, reader.fault(), flushed(kDone));
+  const auto fault = reader.fault() ? reader.fault() : end.missing(stream.bytes.size());
+  return finish(stream, fault, flushed(kDone));
 }
 
 int tellStats(const Arguments& arguments) {
   Stream stream;
   if (auto problem = onlyStream(arguments, stream)) return fail(*problem);
-  const int64_t width = paperWidth(arguments, stream, 0);
-  const auto stats = decode::readStats(stream.bytes, stream.model, arguments.speeds, width);
+  const auto stats = decode::readStats(stream.bytes, stream.model, arguments.speeds,
+                                       paperWidth(arguments, stream));
   printStats(stats, stream, arguments.speeds);
   return finish(stream, stats.fault, flushed(kDone));
 }

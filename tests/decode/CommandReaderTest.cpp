@@ -17,7 +17,7 @@ struct Contents {
 };
 
 Contents readAll(Bytes stream, bool orlo = false) {
-  CommandReader reader(stream, orlo);
+  CommandReader reader(stream, orlo ? Model::OrloBack : Model::Standard);
   Contents contents;
   while (const auto command = reader.next()) contents.commands.push_back(*command);
   contents.fault = reader.fault();
@@ -153,9 +153,16 @@ TEST(CommandReader, TellsWhereTheFirstMalformedCommandBegins) {
   }
 }
 
+TEST(CommandReader, OnlyTheOrloHeadPrintsBothInksAtOnce) {
+  const Stream both = {0x1B, 'r', 2};
+  ASSERT_TRUE(readAll(both).fault.has_value());
+  EXPECT_EQ(readAll(both).fault->what, "unknown colour 2");
+  EXPECT_FALSE(readAll(both, true).fault.has_value());
+}
+
 TEST(CommandReader, StaysAtItsFault) {
   const Stream stream = {'x', 0x0C};
-  CommandReader reader(stream, false);
+  CommandReader reader(stream, Model::Standard);
   EXPECT_FALSE(reader.next().has_value());
   EXPECT_FALSE(reader.next().has_value());
   ASSERT_TRUE(reader.fault().has_value());

@@ -11,6 +11,9 @@ using decodetest::pagesOf;
 using reference::ExpectedStream;
 using Stream = std::vector<uint8_t>;
 
+constexpr uint8_t kBlackInk = kBlackCell | kBlackDot;
+constexpr uint8_t kRedInk = kRedCell | kRedDot;
+
 Grid gridOf(const Page& page) {
   Grid grid;
   grid.add(page);
@@ -43,10 +46,10 @@ TEST(DotGrid, CellsAreSquareAndDivideEveryPitch) {
     const Area area = inkedArea(page, Model::Standard, grid);
     EXPECT_EQ(area.right, row.wide * row.cell) << row.mode;
     EXPECT_EQ(area.bottom, row.high * row.cell) << row.mode;
-    const auto drawn = drawCells(page, Model::Standard, grid, 3600, 3600);
+    const auto drawn = drawCells(page, Model::Standard, grid, {3600, 3600});
     ASSERT_TRUE(drawn.has_value());
     int64_t inked = 0;
-    for (const uint8_t cell : drawn->cells) inked += cell == kBlackCell ? 1 : 0;
+    for (const uint8_t cell : drawn->cells) inked += (cell & kBlackCell) != 0 ? 1 : 0;
     EXPECT_EQ(inked, row.wide * row.high) << row.mode;
   }
 }
@@ -61,11 +64,42 @@ TEST(DotGrid, ASecondPassARowLowerMakesRowsHalfAsHigh) {
                             .formFeed()
                             .bytes();
   const Page page = pageOf(stream);
-  const auto drawn = drawCells(page, Model::Standard, gridOf(page), 20, 30);
+  const auto drawn = drawCells(page, Model::Standard, gridOf(page), {20, 30});
   ASSERT_TRUE(drawn.has_value());
   EXPECT_EQ(drawn->width, 2);
   EXPECT_EQ(drawn->height, 3);
-  EXPECT_EQ(drawn->cells, (Stream{kBlackCell, 0, kRedCell, 0, 0, 0}));
+  EXPECT_EQ(drawn->cells, (Stream{kBlackInk, 0, kRedInk, 0, 0, 0}));
+}
+
+TEST(DotGrid, DotsKeepTheirHeightBesideAPageOfFinerRows) {
+  const Stream column = {0x80, 0, 0};
+  const Stream fine = ExpectedStream()
+                          .block(0, 40, 1, column)
+                          .unit(10)
+                          .down(1)
+                          .block(0, 40, 1, column)
+                          .formFeed()
+                          .bytes();
+  const Stream coarse = ExpectedStream().block(0, 39, 1, column).formFeed().bytes();
+  Grid both = gridOf(pageOf(fine));
+  both.add(pageOf(coarse));
+  EXPECT_EQ(both.cell(), 10);
+  EXPECT_EQ(dotHeight(pageOf(fine), both), 1);
+  EXPECT_EQ(dotHeight(pageOf(coarse), both), 2);
+  const auto drawn = drawCells(pageOf(coarse), Model::Standard, both, {20, 20});
+  ASSERT_TRUE(drawn.has_value());
+  EXPECT_EQ(drawn->cells, (Stream{kBlackInk, kBlackCell, kBlackCell, kBlackCell}));
+}
+
+TEST(DotGrid, ThePaperGrowsWithThePrintUnlessItsWidthIsFixed) {
+  const Stream stream =
+      ExpectedStream().start(1).toX(60).block(0, 39, 1, {0, 0, 0xFF}).formFeed().bytes();
+  const Page page = pageOf(stream);
+  const Paper grown = paperOf(page, Model::Standard, gridOf(page), {100, false});
+  EXPECT_EQ(grown.width, 3620);
+  EXPECT_EQ(grown.length, 600);
+  EXPECT_EQ(paperOf(page, Model::Standard, gridOf(page), {4000, false}).width, 4000);
+  EXPECT_EQ(paperOf(page, Model::Standard, gridOf(page), {100, true}).width, 100);
 }
 
 TEST(DotGrid, DotsBesideTheAreaAreCountedAndNotDrawn) {
@@ -78,10 +112,10 @@ TEST(DotGrid, DotsBesideTheAreaAreCountedAndNotDrawn) {
                             .formFeed()
                             .bytes();
   const Page page = pageOf(stream);
-  const auto drawn = drawCells(page, Model::Standard, gridOf(page), 40, 40);
+  const auto drawn = drawCells(page, Model::Standard, gridOf(page), {40, 40});
   ASSERT_TRUE(drawn.has_value());
   EXPECT_EQ(drawn->outside, 2U);
-  EXPECT_EQ(drawn->cells, (Stream{kBlackCell, 0, 0, 0}));
+  EXPECT_EQ(drawn->cells, (Stream{kBlackInk, 0, 0, 0}));
 }
 
 TEST(DotGrid, UnitsFinerThanAnyPrinterAreRoundedDown) {
@@ -90,19 +124,18 @@ TEST(DotGrid, UnitsFinerThanAnyPrinterAreRoundedDown) {
   const Page page = pageOf(stream);
   const Grid grid = gridOf(page);
   EXPECT_EQ(grid.cell(), 10);
-  const auto drawn = drawCells(page, Model::Standard, grid, 10, 30);
+  const auto drawn = drawCells(page, Model::Standard, grid, {10, 30});
   ASSERT_TRUE(drawn.has_value());
-  EXPECT_EQ(drawn->cells, (Stream{0, kBlackCell, 0}));
+  EXPECT_EQ(drawn->cells, (Stream{0, kBlackInk, 0}));
 }
 
 TEST(DotGrid, AreasWithTooManyCellsAreRefused) {
   const Page page;
   const Grid grid;
-  EXPECT_TRUE(drawCells(page, Model::Standard, grid, 3600, 3600).has_value());
-  EXPECT_FALSE(drawCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40));
-  EXPECT_FALSE(
-      countCells(page, Model::Standard, grid, INT64_C(1) << 40, INT64_C(1) << 40, Extent::Whole));
-  const auto nothing = drawCells(page, Model::Standard, grid, -5, 100);
+  EXPECT_TRUE(drawCells(page, Model::Standard, grid, {3600, 3600}).has_value());
+  EXPECT_FALSE(drawCells(page, Model::Standard, grid, {INT64_C(1) << 40, INT64_C(1) << 40}));
+  EXPECT_FALSE(countCells(page, Model::Standard, grid, {INT64_C(1) << 40, INT64_C(1) << 40}));
+  const auto nothing = drawCells(page, Model::Standard, grid, {-5, 100});
   ASSERT_TRUE(nothing.has_value());
   EXPECT_TRUE(nothing->cells.empty());
 }
@@ -119,9 +152,12 @@ TEST(DotGrid, CountsCellsTheSameOnLargeAndOnSmallForms) {
                             .bytes();
   const Page page = pageOf(stream);
   const Grid grid = gridOf(page);
-  const std::array<uint64_t, 2> expected = {27, 6};
-  EXPECT_EQ(countCells(page, Model::Standard, grid, 720, 720, Extent::Whole), expected);
-  EXPECT_EQ(countCells(page, Model::Standard, grid, 36000, 36000, Extent::Whole), expected);
+  for (const int64_t side : {720, 36000}) {
+    const auto counts = countCells(page, Model::Standard, grid, {side, side});
+    ASSERT_TRUE(counts.has_value());
+    EXPECT_EQ(counts->covered, (std::array<uint64_t, 2>{27, 6})) << side;
+    EXPECT_EQ(counts->dots, (std::array<uint64_t, 2>{9, 2})) << side;
+  }
 }
 
 }  // namespace

@@ -30,7 +30,29 @@ TEST(HostileStreams, MovesAsFarAsTheyGoAreExact) {
   Grid grid;
   grid.add(*page);
   const Area area = inkedArea(*page, Model::Standard, grid);
-  EXPECT_FALSE(drawCells(*page, Model::Standard, grid, area.right, area.bottom).has_value());
+  EXPECT_FALSE(drawCells(*page, Model::Standard, grid, {area.right, area.bottom}).has_value());
+}
+
+// Long forms with a dot at their far end: the cost must go with the dots.
+TEST(HostileStreams, CountingPlacesTouchesNoMoreCellsThanTheDotsAreWorth) {
+  ExpectedStream stream;
+  for (int page = 0; page < 100; ++page) {
+    stream.start(255).unit(10).down(15000).toX(1000).block(page % 2, 40, 2, {1, 0, 0, 0, 1, 0});
+    stream.formFeed();
+  }
+  const StreamStats stats = readStats(stream.end().bytes(), Model::Standard, {}, {});
+  EXPECT_EQ(stats.places, (std::array<uint64_t, 2>{100, 100}));
+  EXPECT_FALSE(stats.fault.has_value());
+  // 200 dots of two cells each, written and looked at once; the forms have 9 million each.
+  EXPECT_EQ(stats.touched, 800U);
+  const Stream solid = ExpectedStream()
+                           .start(1)
+                           .block(0, 39, 30, Stream(size_t{30} * 3, 0xFF))
+                           .formFeed()
+                           .end()
+                           .bytes();
+  // Every cell of 30 x 30 once, and 24 x 30 dots.
+  EXPECT_EQ(readStats(solid, Model::Standard, {}, {}).touched, 900U + 720U);
 }
 
 TEST(HostileStreams, AUnitOfZeroMovesNothing) {
@@ -53,7 +75,7 @@ TEST(HostileStreams, ManyLongEmptyFormsAreCountedWithoutDrawingThem) {
   ExpectedStream stream;
   stream.add({0x1B, 'C', 255});
   for (int i = 0; i < 20000; ++i) stream.block(0, 39, 1, {0x80, 0, 0}).formFeed();
-  const StreamStats stats = readStats(stream.bytes(), Model::Standard, {}, 29764);
+  const StreamStats stats = readStats(stream.bytes(), Model::Standard, {}, {29764, true});
   EXPECT_EQ(stats.pages, 20000U);
   ASSERT_TRUE(stats.coverage.has_value());
   EXPECT_NEAR(stats.coverage->at(0), 1.0 / (7650.0 * 1489), 1e-12);
@@ -71,10 +93,10 @@ void readEveryWay(Bytes stream) {
       grid.add(*page);
       const Area area = inkedArea(*page, model, grid);
       EXPECT_LE(area.left, area.right);
-      EXPECT_TRUE(drawCells(*page, model, grid, 2000, 2000).has_value());
+      EXPECT_TRUE(drawCells(*page, model, grid, {2000, 2000}).has_value());
     }
-    EXPECT_EQ(readStats(stream, model, {}, 29764).pages, pages);
-    CommandReader commands(stream, isOrlo(model));
+    EXPECT_EQ(readStats(stream, model, {}, {29764, true}).pages, pages);
+    CommandReader commands(stream, model);
     Carriage carriage;
     while (const auto command = commands.next()) {
       EXPECT_FALSE(lineOf(*command, carriage).empty());

@@ -26,9 +26,37 @@ TEST(ModelGuess, BothInksAtOnceAreBackFeed) {
   EXPECT_EQ(guessModel(stream).model, Model::OrloBack);
 }
 
-TEST(ModelGuess, NoInkOnAPageSeenFromItsStartIsFrontFeed) {
-  const Stream stream = ExpectedStream().start(66).toX(3).add(orloBlock()).bytes();
-  EXPECT_EQ(guessModel(stream).model, Model::OrloFront);
+TEST(ModelGuess, BothInksAtOnceTellWithoutABlock) {
+  const ModelGuess guess = guessModel(ExpectedStream().start(66).add({0x1B, 'r', 2}).bytes());
+  EXPECT_EQ(guess.model, Model::OrloBack);
+  EXPECT_TRUE(guess.proved);
+  EXPECT_NE(guess.why.find("offset 7"), std::string::npos) << guess.why;
+}
+
+TEST(ModelGuess, NoInkOnAPageSeenFromItsStartProvesNothing) {
+  const Stream stream = ExpectedStream().start(66).toX(3).add(orloBlock()).formFeed().end().bytes();
+  const ModelGuess guess = guessModel(stream);
+  EXPECT_FALSE(guess.model.has_value());
+  EXPECT_NE(guess.why.find("offset 17"), std::string::npos) << guess.why;
+}
+
+TEST(ModelGuess, FrontFeedIsProvedByItsCommandOrByColumnsThatOnlyItsHeadHas) {
+  const Stream chosen =
+      ExpectedStream().start(66).add(orloBlock()).add({0x1B, 25, 'F'}).formFeed().end().bytes();
+  EXPECT_EQ(guessModel(chosen).model, Model::OrloFront);
+  // Of an eight-dot mode, whose columns have one byte on the other head.
+  const Stream columns =
+      ExpectedStream().start(66).add({0x1B, '*', 0, 1, 0, 0x80, 1, 2}).formFeed().end().bytes();
+  const ModelGuess guess = guessModel(columns);
+  EXPECT_EQ(guess.model, Model::OrloFront);
+  EXPECT_TRUE(guess.proved);
+}
+
+TEST(ModelGuess, AFaultBeforeAnyClueLeavesItOpen) {
+  const ModelGuess guess = guessModel(ExpectedStream().start(66).add({'x'}).bytes());
+  EXPECT_FALSE(guess.model.has_value());
+  EXPECT_FALSE(guess.matters);
+  EXPECT_EQ(guess.why, "nothing is struck before a fault (offset 7)");
 }
 
 TEST(ModelGuess, WithoutThePagesStartNothingIsSaid) {
@@ -62,6 +90,7 @@ TEST(ModelGuess, AStreamWithoutInkIsTheSameOnEveryModel) {
   const Stream stream = ExpectedStream().start(66).formFeed().end().bytes();
   EXPECT_EQ(guessModel(stream).model, Model::Standard);
   EXPECT_EQ(guessModel({}).model, Model::Standard);
+  EXPECT_FALSE(guessModel(stream).proved);
 }
 
 TEST(ModelGuess, KnowsTheOrloEncodersOwnPages) {
@@ -75,9 +104,15 @@ TEST(ModelGuess, KnowsTheOrloEncodersOwnPages) {
                                   .start(66)
                                   .add(orlotest::encode(page, feed, split, mode.dpi))
                                   .formFeed()
+                                  .end()
                                   .bytes();
-        EXPECT_EQ(guessModel(stream).model,
-                  feed == orlotest::Feed::Front ? Model::OrloFront : Model::OrloBack);
+        const auto guess = guessModel(stream).model;
+        const bool eightDots = mode.dpi.vertical == 60;
+        if (feed == orlotest::Feed::Back) {
+          EXPECT_EQ(guess, Model::OrloBack);
+        } else {
+          EXPECT_EQ(guess, eightDots ? std::optional(Model::OrloFront) : std::nullopt);
+        }
       }
 }
 

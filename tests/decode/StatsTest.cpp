@@ -12,7 +12,7 @@ using Stream = std::vector<uint8_t>;
 constexpr int64_t kWidth = 3600;
 
 StreamStats statsOf(const Stream& stream, Model model = Model::Standard) {
-  return readStats(stream, model, {100, 50}, kWidth);
+  return readStats(stream, model, {100, 50}, {kWidth, false});
 }
 
 ExpectedStream blackBlock() {
@@ -64,8 +64,37 @@ TEST(Stats, APlaceStruckTwiceHoldsOneDot) {
   EXPECT_EQ(statsOf(pages).places, (std::array<uint64_t, 2>{4, 4}));
 }
 
-TEST(Stats, WithoutTheLengthOfTheFormThereAreNoPlaces) {
-  EXPECT_FALSE(statsOf(ExpectedStream().add(blackBlock()).formFeed().bytes()).places.has_value());
+TEST(Stats, PlacesAreCountedBeyondTheFormAndBesideThePaper) {
+  const Stream column = {0x80, 0, 0};
+  const Stream stream = ExpectedStream()
+                            .start(1)
+                            .block(0, 39, 1, column)
+                            .toX(500)
+                            .block(0, 39, 1, column)
+                            .unit(10)
+                            .down(1000)
+                            .block(1, 39, 1, column)
+                            .formFeed()
+                            .end()
+                            .bytes();
+  EXPECT_EQ(statsOf(stream).places, (std::array<uint64_t, 2>{2, 1}));
+  const auto narrow = readStats(stream, Model::Standard, {}, {kWidth, true});
+  EXPECT_EQ(narrow.places, (std::array<uint64_t, 2>{1, 1}));
+}
+
+TEST(Stats, WithoutTheLengthOfTheFormThereArePlacesButNoCoverage) {
+  const StreamStats stats = statsOf(ExpectedStream().add(blackBlock()).formFeed().bytes());
+  EXPECT_EQ(stats.places, (std::array<uint64_t, 2>{10, 0}));
+  EXPECT_FALSE(stats.coverage.has_value());
+}
+
+TEST(Stats, OnTheOrloHeadEveryMoveButThePassStepStartsABand) {
+  const Stream strike = {0x1B, '*', 40, 1, 0, 0xFF, 0, 0};
+  ExpectedStream stream;
+  stream.start(6).add({0x1B, 'r', 2}).add(strike).unit(10).down(1).add(strike);
+  // Six rows of 1/180 inch, less the step made already; then back for the next sweep.
+  stream.down(11).add(strike).down(1).add(strike).down(-13).add(strike).formFeed().end();
+  EXPECT_EQ(statsOf(stream.bytes(), Model::OrloBack).bands, 3U);
 }
 
 TEST(Stats, AMoveThatOverwroteAnotherStartsABand) {

@@ -9,7 +9,7 @@ namespace {
 using reference::ExpectedStream;
 
 std::vector<std::string> linesOf(const std::vector<uint8_t>& stream) {
-  CommandReader reader(stream, false);
+  CommandReader reader(stream, std::nullopt);
   Carriage carriage;
   std::vector<std::string> lines;
   while (const auto command = reader.next()) {

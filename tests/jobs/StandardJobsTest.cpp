@@ -32,7 +32,7 @@ RasterPage solidPage(const cups_page_header2_t& header, uint8_t r, uint8_t g, ui
 }
 
 size_t dotsOf(const Bytes& stream, size_t colour) {
-  return decode::readStats(stream, decode::Model::Standard, {}, 0).dots.at(colour);
+  return decode::readStats(stream, decode::Model::Standard, {}, {}).dots.at(colour);
 }
 
 TEST(StandardJobs, OneMixedPageOnStandardInput) {

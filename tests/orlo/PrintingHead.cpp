@@ -14,7 +14,7 @@ using decode::Model;
 Paper printStream(std::span<const uint8_t> stream, Feed feed) {
   static_assert(orlotest::kUnitsPerInch == decode::kUnitsPerInch);
   const Model model = feed == Feed::Front ? Model::OrloFront : Model::OrloBack;
-  CommandReader reader(stream, true);
+  CommandReader reader(stream, model);
   Carriage carriage;
   Paper paper;
   while (const auto command = reader.next()) {

@@ -274,7 +274,7 @@ TEST(ReferenceJob, TheStreamReadsBackWithTheDotsOfThePage) {
   EXPECT_EQ(decoded->blocks[1].y, 800);
   EXPECT_FALSE(reader.next().has_value());
   EXPECT_FALSE(reader.fault().has_value());
-  EXPECT_EQ(decode::readStats(stream, decode::Model::Standard, {}, 0).dots,
+  EXPECT_EQ(decode::readStats(stream, decode::Model::Standard, {}, {}).dots,
             (std::array<uint64_t, 2>{11, 11}));
 }
 

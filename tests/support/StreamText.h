@@ -9,7 +9,7 @@ namespace velka::testing {
 
 /// One command of a standard-model stream a line, and what ends it early.
 inline std::string describe(decode::Bytes stream) {
-  decode::CommandReader reader(stream, false);
+  decode::CommandReader reader(stream, std::nullopt);
   decode::Carriage carriage;
   std::string text;
   while (const auto command = reader.next()) {

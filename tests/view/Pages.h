@@ -18,11 +18,11 @@ inline decode::Page pageOf(const Bytes& stream) {
   return decode::PageReader(stream, decode::Model::Standard).next().value_or(decode::Page{});
 }
 
-/// Paper as wide as stated in units, drawn at the stream's own resolution.
+/// Paper as wide as stated in units and no wider, drawn at the stream's own resolution.
 inline view::PaperView viewOf(const decode::Page& page, int64_t width) {
   view::PaperView paper;
   paper.grid.add(page);
-  paper.width = width;
+  paper.width = {width, true};
   return paper;
 }
 

@@ -51,7 +51,7 @@ TEST(Picture, GrowsBeyondTheFormWithWhatIsPrintedThere) {
   const Bytes stream =
       ExpectedStream().start(1).unit(10).down(100).block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes();
   const decode::Page page = pageOf(stream);
-  EXPECT_EQ(paperLength(page, Model::Standard, viewOf(page, 60).grid), 1020);
+  EXPECT_EQ(decode::paperOf(page, Model::Standard, viewOf(page, 60).grid, {}).length, 1020);
 }
 
 TEST(Picture, OfAPageWithoutAnythingIsOneWhitePixel) {

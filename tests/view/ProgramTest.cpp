@@ -55,20 +55,22 @@ TEST_F(Program, WritesAPictureAPage) {
   put("job.prn", page().add(page()).end().bytes());
   const FilterResult result = run({"job.prn"});
   EXPECT_EQ(result.status, 0) << result.errors;
-  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(result.errors,
+            "velkaview: job.prn: read as standard: a block names its own ink (offset 10)\n");
+  EXPECT_EQ(run({"job.prn", "--model", "standard"}).errors, "");
   EXPECT_TRUE(isThere("job-1.png"));
   EXPECT_TRUE(isThere("job-2.png"));
   EXPECT_FALSE(isThere("job-3.png"));
 }
 
 TEST_F(Program, ReadsStandardInputAndWritesStandardOutput) {
-  const FilterResult result = run({"-", "-o", "-"}, page().bytes());
+  const FilterResult result = run({"-", "-o", "-"}, page().end().bytes());
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_EQ(outputOf(result).substr(1, 3), "PNG");
 }
 
 TEST_F(Program, NamesPicturesAfterTheOutput) {
-  put("job.prn", page().add(page()).bytes());
+  put("job.prn", page().add(page()).end().bytes());
   EXPECT_EQ(run({"job.prn", "-o", "one.png", "--page", "2"}).status, 0);
   EXPECT_TRUE(isThere("one.png"));
   EXPECT_EQ(run({"job.prn", "-o", "all.png"}).status, 0);
@@ -79,10 +81,10 @@ TEST_F(Program, NamesPicturesAfterTheOutput) {
 }
 
 TEST_F(Program, AStreamCutOffGivesItsOffsetStatusOneAndThePagesSoFar) {
-  auto bytes = page().add(page()).bytes();
-  bytes.erase(bytes.end() - 3, bytes.end());
+  auto bytes = page().add(page()).end().bytes();
+  bytes.erase(bytes.end() - 5, bytes.end());
   put("job.prn", bytes);
-  const FilterResult result = run({"job.prn"});
+  const FilterResult result = run({"job.prn", "--model", "standard"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "velkaview: job.prn: offset 29: the stream ends inside a block\n");
   EXPECT_TRUE(isThere("job-1.png"));
@@ -91,18 +93,52 @@ TEST_F(Program, AStreamCutOffGivesItsOffsetStatusOneAndThePagesSoFar) {
 
 TEST_F(Program, AnUnknownCommandGivesItsOffsetAndThePageItStandsOn) {
   put("job.prn", ExpectedStream().start(6).block(0, 39, 1, {1, 2, 3}).add({'x'}).bytes());
-  const FilterResult result = run({"job.prn"});
+  const FilterResult result = run({"job.prn", "--model", "standard"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "velkaview: job.prn: offset 18: unknown command 78\n");
   EXPECT_TRUE(isThere("job-1.png"));
 }
 
 TEST_F(Program, AsksForTheModelThatAStreamDoesNotTell) {
-  put("job.prn", {0x1B, '*', 39, 1, 0, 0x80, 0, 0, 0x0C});
+  put("job.prn", {0x1B, '*', 39, 1, 0, 0x80, 0, 0, 0x0C, 0x1B, '@'});
   const FilterResult result = run({"job.prn"});
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.errors.find("--model"), std::string::npos) << result.errors;
   EXPECT_EQ(run({"job.prn", "--model", "orlo-front"}).status, 0);
+}
+
+TEST_F(Program, WarnsWhereTheStatedModelIsNotTheStreams) {
+  put("job.prn", page().end().bytes());
+  const FilterResult result = run({"job.prn", "--model", "orlo-back"});
+  EXPECT_EQ(result.errors,
+            "velkaview: job.prn: read as orlo-back, but looks like standard: "
+            "a block names its own ink (offset 10)\n");
+}
+
+TEST_F(Program, WithoutInkTheModelIsUnknownAndMattersNot) {
+  const FilterResult result = run({"--stats", "-"}, {'x'});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "velkaview: standard input: offset 0: unknown command 78\n");
+  EXPECT_NE(outputOf(result).find("model        unknown\n"), std::string::npos);
+}
+
+TEST_F(Program, OneBadPageSpoilsNoOther) {
+  // Far to the right, in an odd unit: 255/3600 inch.
+  const auto bad = ExpectedStream().start(6).unit(255).add({0x1B, '$', 0xFF, 0xFF});
+  const auto job = page().add(bad).block(0, 39, 1, {0x80, 0, 0}).formFeed().add(page()).end();
+  put("job.prn", job.bytes());
+  const FilterResult result = run({"job.prn", "--width", "25.4", "--page", "1"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  const std::string alone = textOf("job-1.png");
+  const FilterResult all = run({"job.prn"});
+  EXPECT_EQ(all.status, 1);
+  EXPECT_NE(all.errors.find("page 2 (offset"), std::string::npos) << all.errors;
+  EXPECT_TRUE(isThere("job-1.png"));
+  EXPECT_FALSE(isThere("job-2.png"));
+  EXPECT_TRUE(isThere("job-3.png"));
+  put("good.prn", page().end().bytes());
+  EXPECT_EQ(run({"good.prn", "--width", "25.4"}).status, 0);
+  EXPECT_EQ(textOf("good-1.png"), alone);
 }
 
 TEST_F(Program, RefusesAPictureThatIsTooLargeAndNamesThePage) {
@@ -110,7 +146,7 @@ TEST_F(Program, RefusesAPictureThatIsTooLargeAndNamesThePage) {
   ExpectedStream stream;
   stream.start(6).unit(10);
   for (int i = 0; i < 100; ++i) stream.down(32767);
-  put("job.prn", stream.block(0, 39, 1, {0x80, 0, 0}).formFeed().bytes());
+  put("job.prn", stream.block(0, 39, 1, {0x80, 0, 0}).formFeed().end().bytes());
   const FilterResult result = run({"job.prn"});
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.errors.find("job.prn: page 1 (offset 0): a picture of"), std::string::npos)
@@ -145,23 +181,26 @@ TEST_F(Program, ListsCommandsUpToTheFault) {
 }
 
 TEST_F(Program, TellsTheDifferenceOfTwoStreams) {
-  put("a.prn", page().bytes());
-  put("b.prn", page().add(page()).bytes());
+  put("a.prn", page().end().bytes());
+  put("b.prn", page().add(page()).end().bytes());
   const FilterResult result = run({"--diff", "a.prn", "b.prn"});
   EXPECT_EQ(result.status, 0) << result.errors;
   EXPECT_EQ(outputOf(result),
             "pages: 1 in the first, 2 in the second\n"
             "page 1: black dots: 1 the same, 0 only in the first, 0 only in the second\n"
             "page 1: red dots: 0 the same, 0 only in the first, 0 only in the second\n"
+            "page 1: places in the other ink: 0\n"
             "page 2: black dots: 0 the same, 0 only in the first, 1 only in the second\n"
             "page 2: red dots: 0 the same, 0 only in the first, 0 only in the second\n"
+            "page 2: places in the other ink: 0\n"
             "all: black dots: 1 the same, 0 only in the first, 1 only in the second\n"
-            "all: red dots: 0 the same, 0 only in the first, 0 only in the second\n");
+            "all: red dots: 0 the same, 0 only in the first, 0 only in the second\n"
+            "all: places in the other ink: 0\n");
   EXPECT_TRUE(isThere("a-b-diff-2.png"));
 }
 
 TEST_F(Program, StandardOutputTakesOnePngOnly) {
-  put("job.prn", page().add(page()).bytes());
+  put("job.prn", page().add(page()).end().bytes());
   const FilterResult result = run({"job.prn", "-o", "-"});
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(result.output.empty());
@@ -170,7 +209,7 @@ TEST_F(Program, StandardOutputTakesOnePngOnly) {
 }
 
 TEST_F(Program, AFloodOfPagesIsNotDrawnUnlessSomeAreChosen) {
-  put("job.prn", std::vector<uint8_t>(1001, 0x0C));
+  put("job.prn", ExpectedStream().add(std::vector<uint8_t>(1001, 0x0C)).end().bytes());
   EXPECT_EQ(run({"job.prn"}).status, 1);
   EXPECT_FALSE(isThere("job-1.png"));
   EXPECT_EQ(run({"job.prn", "--page", "1001"}).status, 0);
@@ -178,10 +217,12 @@ TEST_F(Program, AFloodOfPagesIsNotDrawnUnlessSomeAreChosen) {
 }
 
 TEST_F(Program, APageThatIsNotThereIsTold) {
-  put("job.prn", page().bytes());
+  put("job.prn", page().end().bytes());
   const FilterResult result = run({"job.prn", "--page", "3"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.errors, "velkaview: job.prn: there is no page 3; the stream has 1\n");
+  EXPECT_NE(result.errors.find("velkaview: job.prn: there is no page 3; the stream has 1\n"),
+            std::string::npos)
+      << result.errors;
 }
 
 }  // namespace

@@ -17,10 +17,10 @@ end='\0033@'
 
 value() { sed -n "s/^$1 *//p" <<<"$2"; }
 
-# counts NAME STREAM PAGES BANDS BLACK RED BLOCKS
+# counts NAME STREAM PAGES BANDS BLACK RED BLOCKS [OPTION...]
 counts() {
   local said got='' key expected
-  said=$(printf '%b' "$2" | "$velkaview" --stats -) || true
+  said=$(printf '%b' "$2" | "$velkaview" --stats "${@:8}" - 2>/dev/null) || true
   for key in pages bands 'black dots' 'red dots' blocks bytes; do
     got+="$(value "$key" "$said") "
   done
@@ -50,7 +50,7 @@ counts 'horizontal moves' "$start\0033(U\0001\0000\0074\0033\$\0246\0000\0033\01
 counts 'a move of two cut commands' \
   "$black\0015\0033(v\0033(v\0002\0000\0277\0343\0000\0000\0000\0000$red\0014" 1 2 10 6 2
 counts 'both inks at once, back feed' "$start\0033r\0002$orlo\0014$end" 1 1 18 6 1
-counts 'both inks at once, front feed' "$start$orlo\0014$end" 1 1 18 6 1
+counts 'both inks at once, front feed' "$start$orlo\0014$end" 1 1 18 6 1 --model orlo-front
 
 malformed 'text' 'hello' 0
 malformed 'an unknown escape' "$start\0033Z" 7
@@ -63,5 +63,7 @@ malformed 'a fourth colour' "$start\0033r\0003\0033*\0047\0000\0000" 7
 malformed 'an unknown mode' "$start\0033r\0000\0033*\0007\0000\0000" 10
 malformed 'a cut block' "$start\0033r\0000\0033*\0047\0377\0377\0001" 10
 malformed 'a page without an end' "$black" 14
+malformed 'a job without an end' "$start$black\0014" 22
+malformed 'a page cut before its first block' "$start$black\0014$start$unit10" 35
 
 ((failures == 0))
