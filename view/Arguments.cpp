@@ -2,6 +2,7 @@
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -55,6 +56,48 @@ constexpr std::array<option, 20> kLong{{
 
 using Fault = std::optional<std::string>;
 
+constexpr unsigned bit(Action action) {
+  return 1U << static_cast<unsigned>(action);
+}
+
+constexpr unsigned kPictures = bit(Action::Draw) | bit(Action::Diff) | bit(Action::Sheet);
+
+// Options that do nothing with some actions.
+struct Use {
+  int code;
+  const char* name;
+  unsigned actions;
+};
+
+constexpr std::array<Use, 9> kUses{{
+    {kWidth, "--width", kPictures | bit(Action::Stats)},
+    {kHeadSpeed, "--head-speed", bit(Action::Stats)},
+    {kFeedSpeed, "--feed-speed", bit(Action::Stats)},
+    {kPage, "--page", kPictures},
+    {kDpi, "--dpi", kPictures},
+    {kScale, "--scale", kPictures},
+    {kPins, "--pins", bit(Action::Draw) | bit(Action::Sheet)},
+    {kFormat, "--format", kPictures},
+    {'o', "--output", kPictures},
+}};
+
+std::string nameOf(Action action) {
+  constexpr std::array<const char*, 5> kNames{"a picture", "--list", "--stats", "--diff",
+                                              "--sheet"};
+  return kNames.at(static_cast<size_t>(action));
+}
+
+// What is given and would be passed over in silence.
+Fault findIdle(const std::vector<int>& given, Action action) {
+  for (const Use& use : kUses) {
+    if ((use.actions & bit(action)) != 0 || std::ranges::find(given, use.code) == given.end()) {
+      continue;
+    }
+    return std::string(use.name) + " does nothing with " + nameOf(action);
+  }
+  return std::nullopt;
+}
+
 struct Range {
   double low;
   double high;
@@ -86,16 +129,17 @@ Fault readWithin(const char* name, Range range, const char* text, Target& target
   return std::nullopt;
 }
 
+// N, N-M, N- or -M.
 Fault readPages(const char* text, std::optional<PageRange>& pages) {
   const std::string all = text;
   const size_t dash = all.find('-');
+  const std::string first = all.substr(0, dash);
+  const std::string last = dash == std::string::npos ? first : all.substr(dash + 1);
   PageRange range;
-  if (!readNumber(all.substr(0, dash).c_str(), range.first)) return invalid("page", text);
-  range.last = range.first;
-  if (dash != std::string::npos && !readNumber(all.substr(dash + 1).c_str(), range.last)) {
-    return invalid("page", text);
-  }
-  if (range.first < 1 || range.last < range.first) return invalid("page", text);
+  const bool sound = (first.empty() || readNumber(first.c_str(), range.first)) &&
+                     (last.empty() || readNumber(last.c_str(), range.last)) &&
+                     !(first.empty() && last.empty());
+  if (!sound || range.first < 1 || range.last < range.first) return invalid("page", text);
   pages = range;
   return std::nullopt;
 }
@@ -211,18 +255,32 @@ Fault checkFiles(const Arguments& arguments) {
   return std::nullopt;
 }
 
+Fault checkOutput(const Arguments& arguments) {
+  const std::string& output = arguments.output;
+  const bool otherPng = output.ends_with(".png") && arguments.format == Format::Pdf;
+  const bool otherPdf = output.ends_with(".pdf") && arguments.format == Format::Png;
+  if (otherPng || otherPdf) return "the name " + output + " contradicts --format";
+  return std::nullopt;
+}
+
 Fault check(const Arguments& arguments) {
   if (auto fault = checkFiles(arguments)) return fault;
   if (arguments.dpi && arguments.scale) return "--dpi and --scale exclude each other";
-  const bool texts = arguments.action == Action::List || arguments.action == Action::Stats;
-  if (texts && !arguments.output.empty()) return "--list and --stats print to standard output";
-  return std::nullopt;
+  if (!arguments.options.empty() && arguments.ppd.empty()) return "--options needs --ppd";
+  if (arguments.action == Action::Sheet && arguments.pages &&
+      arguments.pages->first != arguments.pages->last) {
+    return "--sheet shows one page, so --page takes one number";
+  }
+  return checkOutput(arguments);
 }
 
 // What getopt_long() could not use.
 UsageError unusable(int code, char** argv) {
   const std::string argument = argv[optind - 1];
   if (code == ':') return {"option '" + argument + "' needs a value"};
+  if (optopt != 0 && argument.starts_with("--") && argument.find('=') != std::string::npos) {
+    return {"option '" + argument.substr(0, argument.find('=')) + "' takes no value"};
+  }
   if (optopt != 0 && optopt < kList && argument.compare(0, 2, "--") != 0) {
     return {std::string("unknown option '-") + static_cast<char>(optopt) + "'"};
   }
@@ -236,15 +294,18 @@ std::variant<Arguments, Answer, UsageError> readArguments(int argc, char** argv)
   optind = 0;
   opterr = 0;
   int code = 0;
+  std::vector<int> given;
   // NOLINTNEXTLINE(concurrency-mt-unsafe): before any thread
   while ((code = getopt_long(argc, argv, ":o:hV", kLong.data(), nullptr)) != -1) {
     if (code == 'h') return Answer{helpText()};
     if (code == 'V') return Answer{versionText()};
     if (code == '?' || code == ':') return unusable(code, argv);
     if (auto fault = takeOption(code, arguments)) return UsageError{*fault};
+    given.push_back(code);
   }
   arguments.files.assign(argv + optind, argv + argc);
   if (auto fault = check(arguments)) return UsageError{*fault};
+  if (auto fault = findIdle(given, arguments.action)) return UsageError{*fault};
   return arguments;
 }
 

@@ -50,6 +50,26 @@ class WorkFolder {
   std::string trouble_;
 };
 
+Problem writeAll(int file, const std::string& name, std::span<const uint8_t> bytes) {
+  size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t count = write(file, bytes.data() + done, bytes.size() - done);
+    if (count < 0) return systemTrouble(name);
+    done += static_cast<size_t>(count);
+  }
+  return std::nullopt;
+}
+
+// A file that was not there before; `made` tells whether it is there now.
+Problem writeNew(const std::string& name, std::span<const uint8_t> bytes, bool& made) {
+  const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+  if (file < 0) return systemTrouble(name);
+  made = true;
+  const Problem problem = writeAll(file, name, bytes);
+  if (close(file) != 0 && !problem) return systemTrouble(name);
+  return problem;
+}
+
 // The copy that the filter takes pages from: where it looks, ours alone, gone at the
 // end whatever the filter did.
 class PdfCopy {
@@ -64,20 +84,7 @@ class PdfCopy {
   [[nodiscard]] Problem make(const std::string& from) {
     std::vector<uint8_t> bytes;
     if (auto problem = readFile(from, bytes)) return problem;
-    const int file =
-        open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (file < 0) return path_ + ": " + std::strerror(errno);
-    made_ = true;
-    size_t done = 0;
-    while (done < bytes.size()) {
-      const ssize_t count = write(file, bytes.data() + done, bytes.size() - done);
-      if (count < 0) break;
-      done += static_cast<size_t>(count);
-    }
-    const bool whole = done == bytes.size();
-    const int error = errno;
-    if (close(file) != 0 || !whole) return path_ + ": " + std::strerror(error);
-    return std::nullopt;
+    return writeNew(path_, bytes, made_);
   }
 
  private:
@@ -95,9 +102,10 @@ class Chain {
 
   Problem run(std::vector<uint8_t>& stream) {
     if (!folder_.trouble().empty()) return "no temporary folder: " + folder_.trouble();
-    if (access(job_.pdf.c_str(), R_OK) != 0) return job_.pdf + ": " + std::strerror(errno);
     if (auto problem = findPrograms()) return problem;
-    if (auto problem = step(toPages_, job_.pdf, "pages.pdf")) return problem;
+    bool made = false;
+    if (auto problem = writeNew(folder_ / "job.pdf", job_.pdf, made)) return problem;
+    if (auto problem = step(toPages_, folder_ / "job.pdf", "pages.pdf")) return problem;
     if (auto problem = step(toRaster_, folder_ / "pages.pdf", "pages.raster")) return problem;
     PdfCopy copy(folder_.id());
     if (job_.pdfPreprocess) {
@@ -111,7 +119,7 @@ class Chain {
   Problem step(const std::string& program, const std::string& input, const std::string& output) {
     Step step;
     step.program = program;
-    step.arguments = {folder_.id(), "velkaview", fs::path(job_.pdf).filename(), "1", job_.options};
+    step.arguments = {folder_.id(), "velkaview", job_.title, "1", job_.options};
     step.environment = {{"PPD", fs::absolute(job_.ppd)},
                         {"CONTENT_TYPE", "application/pdf"},
                         {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"},
@@ -141,7 +149,10 @@ class Chain {
     toPages_ = system + "pdftopdf";
     toRaster_ = system + (isProgram(system + "gstoraster") ? "gstoraster" : "pdftoraster");
     toCommands_ = system + "rastovelka";
-    for (const fs::path& place : {own / "rastovelka", own / "../filter/rastovelka"}) {
+    // Beside us, in the build tree, and where an installation with a prefix of its own
+    // has put it.
+    for (const fs::path& place : {own / "rastovelka", own / "../filter/rastovelka",
+                                  own / VELKA_FILTERS_FROM_BIN / "rastovelka"}) {
       if (isProgram(place)) {
         toCommands_ = place;
         break;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,8 @@
 namespace velka::view {
 
 struct ChainJob {
-  std::string pdf;
+  std::span<const uint8_t> pdf;
+  std::string title;
   std::string ppd;
   std::string options;         ///< as the print system hands them to filters
   bool pdfPreprocess = false;  ///< whether `options` ask for it
@@ -19,7 +21,8 @@ struct ChainJob {
 /// Prints a PDF into `stream`: pdftopdf, gstoraster (pdftoraster where that is
 /// missing) and rastovelka. What lies between them is kept in a folder of its own
 /// that goes at the end, also where a signal ends the run. Our filter is looked for
-/// beside this program, in the build tree and among the system's.
+/// beside this program, in the build tree, where it was installed together with this
+/// program, and among the system's.
 [[nodiscard]] Problem runChain(const ChainJob& job, std::vector<uint8_t>& stream);
 
 }  // namespace velka::view

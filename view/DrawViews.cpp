@@ -1,10 +1,10 @@
 // The views in pictures: the pages of a stream, variants of one on a sheet.
 #include <cstdio>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
 #include "ContactSheet.h"
+#include "Files.h"
 #include "Gallery.h"
 #include "Report.h"
 #include "Views.h"
@@ -23,24 +23,34 @@ void warnOutside(const Stream& stream, uint64_t number, const decode::Page& page
   (void)fail(pageText(stream, number, page) + std::to_string(outside) + " dots miss the paper");
 }
 
+struct Sheet {
+  std::vector<uint8_t> pdf;
+  std::vector<Labelled> variants;
+  bool anyPage = false;  // whether one of them prints the page
+  int status = kDone;
+};
+
 // One variant's page; white paper where it prints none.
-Problem drawVariant(const Arguments& arguments, const std::string& setting, Labelled& result,
-                    int& status) {
+Problem addVariant(const Arguments& arguments, const std::string& setting, Sheet& sheet) {
   Stream stream;
   const std::string options = arguments.options + " " + setting;
-  if (auto problem = printStream(arguments, options, stream)) return setting + ": " + *problem;
+  if (auto problem = printStream(arguments, sheet.pdf, options, stream)) {
+    return setting + ": " + *problem;
+  }
   const uint64_t wanted = arguments.pages.value_or(PageRange{}).first;
   PaperView view = paperView(arguments, stream, survey(stream, {wanted, wanted}).grid);
   if (!view.dpi && !arguments.scale) view.dpi = 90;  // several fit a screen
   decode::PageReader reader(stream.bytes, stream.model);
   std::optional<decode::Page> page;
   for (uint64_t number = 1; number <= wanted; ++number) page = reader.next();
-  result.label = page ? setting : setting + " (prints no such page)";
+  sheet.anyPage = sheet.anyPage || page;
+  Labelled result{page ? setting : setting + " (prints no such page)", {}};
   uint64_t outside = 0;
   Drawing drawing = drawPage(page.value_or(decode::Page{}), view, outside);
   if (const auto* why = std::get_if<std::string>(&drawing)) return setting + ": " + *why;
   result.picture = std::get<Picture>(std::move(drawing));
-  status = finish(stream, reader.fault(), status);
+  sheet.variants.push_back(std::move(result));
+  sheet.status = finish(stream, reader.fault(), sheet.status);
   return std::nullopt;
 }
 
@@ -74,29 +84,28 @@ int drawPages(const Arguments& arguments) {
     }
   }
   if (auto problem = gallery.finish()) return fail(*problem);
-  if (number == 0) (void)fail(stream.name + ": no page, so nothing to draw");
+  if (number == 0) status = fail(stream.name + ": no page, so nothing to draw");
   return finish(stream, reader.fault(), status);
 }
 
 int drawSheet(const Arguments& arguments) {
-  std::vector<Labelled> variants;
-  int status = kDone;
+  Sheet sheet;
+  if (auto problem = readFile(arguments.from, sheet.pdf)) return fail(*problem);
   for (const std::string& value : arguments.sheetValues) {
-    Labelled variant;
     const std::string setting = arguments.sheetOption + "=" + value;
-    if (auto problem = drawVariant(arguments, setting, variant, status)) return fail(*problem);
-    variants.push_back(std::move(variant));
+    if (auto problem = addVariant(arguments, setting, sheet)) return fail(*problem);
   }
-  Drawing drawing = contactSheet(std::move(variants));
+  if (!sheet.anyPage) return fail("no variant prints that page (one without ink may not be sent)");
+  Drawing drawing = contactSheet(std::move(sheet.variants));
   if (const auto* why = std::get_if<std::string>(&drawing)) return fail(*why);
   Arguments named = arguments;
-  const std::string stem = std::filesystem::path(arguments.from).stem();
+  const std::string stem = stemOf(arguments.from);
   const bool pdf = formatOf(arguments) == Format::Pdf;
   if (named.output.empty()) named.output = stem + "-sheet" + (pdf ? ".pdf" : ".png");
   Gallery gallery(named, stem, true);
   if (auto problem = gallery.add(std::get<Picture>(std::move(drawing)), 1)) return fail(*problem);
   if (auto problem = gallery.finish()) return fail(*problem);
-  return status;
+  return sheet.status;
 }
 
 }  // namespace velka::view

@@ -42,7 +42,7 @@ Problem choosePages(const Arguments& arguments, uint64_t pages, uint64_t& chosen
   chosen = range.first > pages ? 0 : std::min(range.last, pages) - range.first + 1;
   if (chosen == 0 && arguments.pages) {
     return "there is no page " + std::to_string(range.first) + "; the stream has " +
-           std::to_string(pages);
+           std::to_string(pages) + " (pages without ink may not be sent)";
   }
   if (chosen > kMostPictures) {
     return std::to_string(chosen) + " pages are more than one run draws (" +

@@ -13,20 +13,23 @@ What to do
       --list             list the commands: offset, bytes, name, meaning
       --stats            tell what the stream holds, and how long it may print
       --diff             compare two streams on paper; white and pale: the same,
-                         blue: only the first prints there, green: only the second
+                         blue: only the first prints there, green: only the second,
+                         magenta: both, but not with the same ink
       --from PDF         print PDF through the system's filters and ours, show that
       --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet
 
 The printer
       --ppd FILE         the printer's PPD: its model and paper
       --options TEXT     the job's options, as in 'RedMinValue=90 PageSize=A5'
-      --model MODEL      standard, orlo-front or orlo-back; guessed where not stated
+      --model MODEL      standard, orlo-front or orlo-back; where it is not stated the
+                         stream must prove it
       --width MM         width of the paper
       --head-speed MM    millimetres a second across, for the time (300)
       --feed-speed MM    millimetres a second along the paper, for the time (100)
 
 The picture
-      --page N[-M]       these pages only
+      --page N[-M]       these pages only, also N- and -M; pages of the stream, which
+                         may leave out those of the PDF that have no ink
       --dpi N            dots per inch; the stream's own where not stated
       --scale F          times the stream's own dots per inch
       --pins             draw the round dots of the pins
@@ -37,7 +40,7 @@ The picture
   -V, --version          show the version
 
 Pictures are written to FILE-1.png, FILE-2.png ... in the working folder, over what
-is there. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
+is there. What was guessed is told. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
 )";
 }
 

@@ -1,20 +1,13 @@
 #include "Ppd.h"
 
 #include <cups/cups.h>
-#include <cups/ppd.h>
 
 #include <cmath>
-#include <memory>
 
 namespace velka::view {
 namespace {
 
 constexpr int kOrloModelNumber = 2;
-
-struct ClosePpd {
-  void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
-};
-using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
 
 void mark(ppd_file_t* ppd, const std::string& text) {
   ppdMarkDefaults(ppd);
@@ -35,14 +28,20 @@ double widthInPoints(ppd_file_t* ppd) {
 
 }  // namespace
 
+PpdFile openPpd(const std::string& name, Problem& problem) {
+  PpdFile ppd(ppdOpenFile(name.c_str()));
+  if (ppd) return ppd;
+  int line = 0;
+  const ppd_status_t status = ppdLastError(&line);
+  problem = name + ": " + ppdErrorString(status);
+  if (line > 0) *problem += " on line " + std::to_string(line);
+  return ppd;
+}
+
 Problem readPpd(const std::string& name, const std::string& options, PpdFacts& facts) {
-  const PpdFile ppd(ppdOpenFile(name.c_str()));
-  if (!ppd) {
-    int line = 0;
-    const ppd_status_t status = ppdLastError(&line);
-    return name + ": " + ppdErrorString(status) +
-           (line > 0 ? " on line " + std::to_string(line) : std::string());
-  }
+  Problem problem;
+  const PpdFile ppd = openPpd(name, problem);
+  if (!ppd) return problem;
   mark(ppd.get(), options);
   // The filter sends the Orlo model back-feed commands; nothing chooses front feed.
   facts.model =

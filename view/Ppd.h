@@ -1,13 +1,24 @@
 // What a PPD and a job's options say about the printer and the paper.
 #pragma once
 
+#include <cups/ppd.h>
+
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "Head.h"
 #include "Outcome.h"
 
 namespace velka::view {
+
+struct ClosePpd {
+  void operator()(ppd_file_t* ppd) const { ppdClose(ppd); }
+};
+using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
+
+/// Opens a PPD; null where it cannot be read, and why in `problem`.
+[[nodiscard]] PpdFile openPpd(const std::string& name, Problem& problem);
 
 struct PpdFacts {
   decode::Model model = decode::Model::Standard;

@@ -19,10 +19,8 @@ int64_t unitsOf(double millimetres) {
   return std::llround(millimetres / 25.4 * static_cast<double>(decode::kUnitsPerInch));
 }
 
-std::string stemOf(const std::string& name) {
-  if (name == "-") return "stdin";
-  const std::string stem = std::filesystem::path(name).stem();
-  return stem.empty() ? "page" : stem;
+std::string shownInput(const std::string& name) {
+  return name == "-" ? "standard input" : name;
 }
 
 void tell(const Stream& stream, const std::string& text) {
@@ -65,31 +63,41 @@ Problem describe(const Arguments& arguments, const std::string& options, Stream&
 
 }  // namespace
 
+std::string stemOf(const std::string& name) {
+  if (name == "-") return "stdin";
+  const std::string stem = std::filesystem::path(name).stem();
+  return stem.empty() ? "page" : stem;
+}
+
 int64_t usualWidth() {
   return unitsOf(kA4Width);
 }
 
 Problem loadStream(const Arguments& arguments, size_t index, Stream& stream) {
   const std::string& name = arguments.files.at(index);
-  stream.name = name == "-" ? "standard input" : name;
+  stream.name = shownInput(name);
   stream.stem = stemOf(name);
   if (auto problem = readFile(name, stream.bytes)) return problem;
   return describe(arguments, arguments.options, stream);
 }
 
-Problem printStream(const Arguments& arguments, const std::string& options, Stream& stream) {
+Problem printStream(const Arguments& arguments, std::span<const uint8_t> pdf,
+                    const std::string& options, Stream& stream) {
   PpdFacts facts;
   if (auto problem = readPpd(arguments.ppd, options, facts)) return problem;
-  stream.name = arguments.from;
+  stream.name = shownInput(arguments.from);
   stream.stem = stemOf(arguments.from);
-  const ChainJob job{arguments.from, arguments.ppd, options, facts.pdfPreprocess};
-  if (auto problem = runChain(job, stream.bytes)) return arguments.from + ": " + *problem;
+  const std::string title = std::filesystem::path(stream.name).filename();
+  const ChainJob job{pdf, title, arguments.ppd, options, facts.pdfPreprocess};
+  if (auto problem = runChain(job, stream.bytes)) return stream.name + ": " + *problem;
   return describe(arguments, options, stream);
 }
 
 Problem onlyStream(const Arguments& arguments, Stream& stream) {
   if (arguments.from.empty()) return loadStream(arguments, 0, stream);
-  return printStream(arguments, arguments.options, stream);
+  std::vector<uint8_t> pdf;
+  if (auto problem = readFile(arguments.from, pdf)) return problem;
+  return printStream(arguments, pdf, arguments.options, stream);
 }
 
 Survey survey(const Stream& stream, const PageRange& wanted) {

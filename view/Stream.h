@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,17 +27,20 @@ struct Survey {
   uint64_t pages = 0;
 };
 
+/// What the pictures of that input are called: "-" is standard input.
+[[nodiscard]] std::string stemOf(const std::string& name);
+
 /// Width of the paper where nobody states it: A4, units.
 [[nodiscard]] int64_t usualWidth();
 
 /// Reads the file at `index` of the command line.
 [[nodiscard]] Problem loadStream(const Arguments& arguments, size_t index, Stream& stream);
 
-/// Prints the PDF of the command line with these options.
-[[nodiscard]] Problem printStream(const Arguments& arguments, const std::string& options,
-                                  Stream& stream);
+/// Prints `pdf`, the bytes of the command line's PDF, with these options.
+[[nodiscard]] Problem printStream(const Arguments& arguments, std::span<const uint8_t> pdf,
+                                  const std::string& options, Stream& stream);
 
-/// Either, whichever the command line asks for.
+/// Loads a stream or prints the PDF, whichever the command line asks for.
 [[nodiscard]] Problem onlyStream(const Arguments& arguments, Stream& stream);
 
 /// Reads a stream's pages once, up to its first fault; what those beside `wanted` hold

@@ -40,9 +40,8 @@ TEST(Arguments, ALoneFileIsDrawn) {
 }
 
 TEST(Arguments, TakeOptionsBeforeAndBehindTheFile) {
-  const Arguments arguments =
-      accepted({"--page=2-4", "job.prn", "--model", "orlo-back", "--dpi", "90.5", "--pins",
-                "--width=57", "-o", "x.pdf", "--head-speed", "250", "--feed-speed", "80"});
+  const Arguments arguments = accepted({"--page=2-4", "job.prn", "--model", "orlo-back", "--dpi",
+                                        "90.5", "--pins", "--width=57", "-o", "x.pdf"});
   ASSERT_TRUE(arguments.pages.has_value());
   EXPECT_EQ(arguments.pages->first, 2U);
   EXPECT_EQ(arguments.pages->last, 4U);
@@ -51,13 +50,25 @@ TEST(Arguments, TakeOptionsBeforeAndBehindTheFile) {
   EXPECT_EQ(arguments.dpi, 90.5);
   EXPECT_TRUE(arguments.pins);
   EXPECT_EQ(arguments.width, 57);
-  EXPECT_EQ(arguments.speeds.head, 250);
-  EXPECT_EQ(arguments.speeds.feed, 80);
   EXPECT_EQ(formatOf(arguments), Format::Pdf);
 }
 
-TEST(Arguments, TheStatedFormatCountsMoreThanTheOutputsName) {
-  EXPECT_EQ(formatOf(accepted({"--format=png", "-o", "x.pdf", "-"})), Format::Png);
+TEST(Arguments, TheStatedFormatCountsWhereTheOutputsNameSaysNothing) {
+  EXPECT_EQ(formatOf(accepted({"--format=pdf", "-o", "x", "-"})), Format::Pdf);
+}
+
+TEST(Arguments, NumbersTakeTheSpeedsOfHeadAndPaper) {
+  const Arguments arguments =
+      accepted({"--stats", "--head-speed", "250", "--feed-speed", "80", "--width", "57", "a"});
+  EXPECT_EQ(arguments.speeds.head, 250);
+  EXPECT_EQ(arguments.speeds.feed, 80);
+}
+
+TEST(Arguments, PagesMayBeOpenAtEitherEnd) {
+  const auto from = accepted({"--page", "3-", "a"}).pages;
+  EXPECT_TRUE(from && !from->holds(2) && from->holds(3) && from->holds(1000000));
+  const auto to = accepted({"--page", "-3", "a"}).pages;
+  EXPECT_TRUE(to && to->holds(1) && to->holds(3) && !to->holds(4));
 }
 
 TEST(Arguments, ASheetNamesAnOptionAndItsValues) {
@@ -91,16 +102,32 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--format", "gif", "a"}, "invalid value 'gif' for --format"},
       {{"--page", "0", "a"}, "invalid value '0' for --page"},
       {{"--page", "3-2", "a"}, "invalid value '3-2' for --page"},
-      {{"--page", "-2", "a"}, "invalid value '-2' for --page"},
+      {{"--page", "-", "a"}, "invalid value '-' for --page"},
+      {{"--page", "", "a"}, "invalid value '' for --page"},
+      {{"--page", "1--2", "a"}, "invalid value '1--2' for --page"},
+      {{"--page", "-0", "a"}, "invalid value '-0' for --page"},
       {{"--page", "1x", "a"}, "invalid value '1x' for --page"},
       {{"--dpi", "nan", "a"}, "invalid value 'nan' for --dpi"},
       {{"--dpi", "-5", "a"}, "invalid value '-5' for --dpi"},
       {{"--scale", "1e9", "a"}, "invalid value '1e9' for --scale"},
       {{"--width", "", "a"}, "invalid value '' for --width"},
+      {{"--pins=3", "a"}, "option '--pins' takes no value"},
+      {{"--help=3"}, "option '--help' takes no value"},
       {{"--head-speed", "0", "a"}, "invalid value '0' for --head-speed"},
       {{"--dpi", "90", "--scale", "1", "a"}, "--dpi and --scale exclude each other"},
       {{"--list", "--stats", "a"}, "only one of --list, --stats, --diff and --sheet can be given"},
-      {{"--list", "-o", "x", "a"}, "--list and --stats print to standard output"},
+      {{"--list", "-o", "x", "a"}, "--output does nothing with --list"},
+      {{"--list", "--pins", "a"}, "--pins does nothing with --list"},
+      {{"--list", "--width", "57", "a"}, "--width does nothing with --list"},
+      {{"--stats", "--page", "5", "a"}, "--page does nothing with --stats"},
+      {{"--stats", "--format", "pdf", "a"}, "--format does nothing with --stats"},
+      {{"--diff", "--pins", "a", "b"}, "--pins does nothing with --diff"},
+      {{"--head-speed", "100", "a"}, "--head-speed does nothing with a picture"},
+      {{"--options", "A=1", "a"}, "--options needs --ppd"},
+      {{"--format", "pdf", "-o", "x.png", "a"}, "the name x.png contradicts --format"},
+      {{"--format=png", "-o", "x.pdf", "a"}, "the name x.pdf contradicts --format"},
+      {{"--from", "a.pdf", "--ppd", "p", "--sheet", "A=1", "--page", "1-5"},
+       "--sheet shows one page, so --page takes one number"},
       {{"--from", "a.pdf"}, "--from needs --ppd"},
       {{"--from", "a.pdf", "--ppd", "p", "x"}, "unexpected argument 'x'"},
       {{"--from", "a.pdf", "--ppd", "p", "--diff"},

@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
-# check-from.sh VELKAVIEW PPDS PAGE.ps: a PDF through the whole chain to pictures.
+# check-from.sh VELKAVIEW PPDS PAGE.ps RASTOVELKA FILTERS: a PDF through the whole chain
+# to pictures. FILTERS is the way from an installation's commands to its filters.
 set -euo pipefail
 
 velkaview=$1
 ppds=$2
 page=$3
+rastovelka=$4
+filters=$5
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export TMPDIR=$work/tmp
@@ -47,11 +50,56 @@ check_options() {
   check_clean 'a run with options'
 }
 
+# Pixels of a picture that are red, in its left and in its right half.
+red_halves() {
+  local width
+  width=$(head -c 20 "$1" | sed -n '2s/ .*//p')
+  tail -n +4 "$1" | od -An -v -tu1 -w3 | awk -v width="$width" '
+    $1 - $2 > 60 && $1 - $3 > 60 { if ((NR - 1) % width < width / 2) left++; else right++ }
+    END { print left + 0, right + 0 }'
+}
+
+# Black alone on the left, red alone on the right.
 check_sheet() {
-  (cd "$work" && "$velkaview" --from page.pdf --ppd "$ppds/velka-standard.ppd" --dpi 30 \
-    --sheet OutputColorType=1,2,3)
-  [[ $(head -c 4 "$work/page-sheet.png" | tail -c 3) == PNG ]] || fail "no contact sheet"
+  local left right
+  "$velkaview" --from - --ppd "$ppds/velka-standard.ppd" --sheet OutputColorType=1,2 \
+    -o "$work/sheet.pdf" <"$work/page.pdf"
+  pdftoppm -r 90 -singlefile "$work/sheet.pdf" "$work/sheet"
+  read -r left right < <(red_halves "$work/sheet.ppm")
+  ((left == 0 && right > 1000)) || fail "red on the sheet: $left pixels left, $right right"
   check_clean 'a sheet'
+}
+
+# refused WANTED-TEXT OPTION...
+refused() {
+  local status=0 said
+  said=$("$velkaview" --from "$work/page.pdf" --ppd "$ppds/velka-standard.ppd" \
+    -o "$work/refused.png" "${@:2}" 2>&1) || status=$?
+  [[ $status == 2 && $said == *"$1"* && ! -e $work/refused.png ]] ||
+    fail "${*:2}: status $status, '$said'"
+}
+
+check_misspelt() {
+  local said
+  refused "RedMinValue has no choice '91'; it has 0, 5, 10" --options RedMinValue=91
+  refused "RedMinValue has no choice '77777'" --sheet RedMinValue=90,77777
+  refused "no option Nope; it has " --sheet Nope=1,2
+  said=$(stats velka-standard 'RedMinValeu=90 number-up=2 PageSize=Custom.100x200mm' 2>&1 >"$work/numbers")
+  [[ $said == *"knows the option RedMinValeu" && $said != *number-up* ]] || fail "warned: '$said'"
+  [[ $(value pages "$(<"$work/numbers")") == 1 ]] || fail "a warning stopped the run"
+}
+
+# Installed under any prefix, the filter beside the command is the one that runs.
+check_installed() {
+  mkdir -p "$work/tree/bin"
+  cp "$velkaview" "$work/tree/bin/velkaview"
+  [[ $filters != /* ]] || return 0
+  mkdir -p "$work/tree/bin/$filters"
+  printf '#!/bin/sh\necho used >%q\nexec %q "$@"\n' "$work/used" "$rastovelka" \
+    >"$work/tree/bin/$filters/rastovelka"
+  chmod +x "$work/tree/bin/$filters/rastovelka"
+  velkaview=$work/tree/bin/velkaview stats velka-standard '' >/dev/null
+  [[ -e $work/used ]] || fail 'an installed velkaview passed its own filter over'
 }
 
 # The failing step is named, and no picture is left.
@@ -72,5 +120,7 @@ check_model velka-standard standard
 check_model velka-orlo orlo-back
 check_options
 check_sheet
+check_misspelt
+check_installed
 check_failure
 ((failures == 0))

@@ -1,0 +1,27 @@
+// Options that a job would take without a word and that would change nothing.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Outcome.h"
+
+namespace velka::view {
+
+struct OptionCheck {
+  Problem trouble;                    ///< the PPD cannot be read
+  Problem wrong;                      ///< an option or choice that is refused
+  std::vector<std::string> warnings;  ///< options that nobody may know
+};
+
+/// Looks each option of `options` up in a PPD. A choice that its option does not have
+/// is wrong; a name that neither the PPD nor the print system knows is worth a warning,
+/// as some filter of the chain may take it.
+[[nodiscard]] OptionCheck checkOptions(const std::string& ppd, const std::string& options);
+
+/// Looks the option of a sheet and the values to compare up; here an unknown name is
+/// wrong, too.
+[[nodiscard]] OptionCheck checkSheet(const std::string& ppd, const std::string& option,
+                                     const std::vector<std::string>& values);
+
+}  // namespace velka::view
