@@ -6,15 +6,10 @@
 #include <set>
 #include <span>
 #include <string>
-#include <utility>
 
-#include "orlo/PageMaker.h"
+#include "orlo/PaperRules.h"
 
 namespace velka::orlotest {
-
-/// Where a dot lies: down and across, in 1/3600 inch.
-using Dot = std::pair<int64_t, int64_t>;
-inline constexpr int64_t kUnitsPerInch = 3600;
 
 struct Paper {
   std::set<Dot> black;
