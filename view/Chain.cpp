@@ -65,7 +65,7 @@ Problem writeNew(const std::string& name, std::span<const uint8_t> bytes, bool& 
   const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
   if (file < 0) return systemTrouble(name);
   made = true;
-  const Problem problem = writeAll(file, name, bytes);
+  Problem problem = writeAll(file, name, bytes);
   if (close(file) != 0 && !problem) return systemTrouble(name);
   return problem;
 }

@@ -29,8 +29,9 @@ struct Stamp {
 Cover coverOf(double x, double y, double radius) {
   Cover cover = 0;
   for (int place = 0; place < kPlacesInAll; ++place) {
+    const int row = place / kPlaces;
     const double dx = (place % kPlaces + 0.5) / kPlaces - x;
-    const double dy = (place / kPlaces + 0.5) / kPlaces - y;
+    const double dy = (row + 0.5) / kPlaces - y;
     if (dx * dx + dy * dy <= radius * radius) cover |= static_cast<Cover>(1U << place);
   }
   return cover;
