@@ -1,0 +1,15 @@
+// What the parts of a command line must not be together.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Arguments.h"
+
+namespace velka::view {
+
+/// What is missing, too much or contradictory in arguments that are sound one by one;
+/// none where all is fine.
+[[nodiscard]] std::optional<std::string> whatContradicts(const Arguments& arguments);
+
+}  // namespace velka::view
