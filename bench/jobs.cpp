@@ -167,30 +167,37 @@ void resolutions(const Setup& setup) {
       }
 }
 
-void growthRow(const Setup& setup, const char* label, Kind kind, const Format& format,
+void growthRow(const Setup& setup, const std::string& label, Kind kind, const Format& format,
                unsigned count, bool orlo) {
   const Raster raster(setup, kind, format, count);
   const FilterRun job = {setup.filter, orlo ? setup.orloPpd : setup.standardPpd, "", raster.path()};
   const FilterRun reader = {setup.reader, "", "", raster.path()};
   const Pair cost = medianPair(job, reader, std::max(1, setup.runs / (count >= 100 ? 2 : 1)));
   const double dots = megapixels(format) * count;
-  std::printf("| %s | %s | %.0f | %.2f | %.2f | %.1f | %.0f | %.2f |\n", label,
+  std::printf("| %s | %s | %.0f | %.2f | %.2f | %.1f | %.1f | %.0f | %.2f |\n", label.c_str(),
               orlo ? "Orlo" : "standard", cost.filter.cpuMs, cost.filter.cpuMs / dots,
-              cost.reader.cpuMs / dots, cost.filter.cpuMs / cost.reader.cpuMs, cost.filter.peakMb,
+              cost.reader.cpuMs / dots, cost.filter.cpuMs / cost.reader.cpuMs,
+              cost.filter.cpuMs / (memcpyMs(format) * count), cost.filter.peakMb,
               cost.filter.peakMb / bitmapMb(format));
   std::fflush(stdout);
 }
 
 void growth(const Setup& setup) {
   std::printf(
-      "\n### Many pages and long pages\n\n| job | model | CPU ms | ms a megapixel | reading, "
-      "ms a megapixel | ratio | peak MB | peak / bitmap |\n|---|---|---|---|---|---|---|---|\n");
+      "\n### Many pages and long pages, whole jobs\n\n| job | model | CPU ms | ms a megapixel "
+      "| reading, ms a megapixel | ratio | memcpy of the pages, ratio | peak MB | peak / "
+      "bitmap |\n|---|---|---|---|---|---|---|---|---|\n");
   for (const bool orlo : {false, true}) {
-    growthRow(setup, "text, A4 180 x 180 dpi, 1 page", Kind::Text, a4(180, 180), 1, orlo);
-    growthRow(setup, "the same, 10 pages", Kind::Text, a4(180, 180), 10, orlo);
-    growthRow(setup, "the same, 100 pages", Kind::Text, a4(180, 180), 100, orlo);
+    for (const unsigned count : {1U, 10U, 100U})
+      growthRow(setup, "text, A4 180 x 180 dpi, pages: " + std::to_string(count), Kind::Text,
+                a4(180, 180), count, orlo);
+    for (const unsigned count : {1U, 10U})
+      growthRow(setup, "text, A4 360 x 360 dpi, pages: " + std::to_string(count), Kind::Text,
+                a4(360, 360), count, orlo);
     growthRow(setup, "receipt, 80 mm roll 360 x 360 dpi, 0.3 m", Kind::Receipt, roll(300), 1, orlo);
-    growthRow(setup, "the same, 5 m", Kind::Receipt, roll(5000), 1, orlo);
+    for (const Kind kind : kKinds)
+      growthRow(setup, std::string(nameOf(kind)) + ", 80 mm roll 360 x 360 dpi, 5 m", kind,
+                roll(5000), 1, orlo);
   }
 }
 

@@ -118,5 +118,16 @@ runs() {
   return 1
 }
 
+# listens PROGRAM QUEUE: it is far enough to catch SIGTERM.
+listens() {
+  local file mask
+  for file in $(processes_of "$2"); do
+    grep -qx "$1" "${file%environ}comm" 2>/dev/null || continue
+    mask=$(sed -n 's/^SigCgt:[[:space:]]*//p' "${file%environ}status" 2>/dev/null) || continue
+    if ((0x${mask:-0} & (1 << 14))); then return; fi
+  done
+  return 1
+}
+
 # The server saw the filter of a job end without an error.
 ended_well() { grep -qE "\[Job $1\] PID [0-9]+ \(.*/rastovelka\) exited with no errors" "$log"; }

@@ -61,7 +61,7 @@ while :; do sleep 0.1; done"
     cancelled+=("$job")
     wait_until "job $job is rasterised" test -e "$prints/rasterising"
     has_copy "$job" || fail "$queue: no copy while job $job is rasterised"
-    wait_until "the filter of job $job runs" runs rastovelka "$queue"
+    wait_until "the filter of job $job listens" listens rastovelka "$queue"
     cancel "$job"
     wait_for_job "$queue" "$job"
     expect_nothing_left "$queue" "$job"
