@@ -50,25 +50,29 @@ put_rasteriser_back() {
 
 has_copy() { [[ -e /tmp/VK_TEMP_CUPS_$1.pdf ]]; }
 
-# Before the first byte of raster, when the copier has ended.
+# Before the first byte of raster, when the copier has ended. The rasteriser outlives the
+# filter: where it goes first, the filter has a failed start, which cleans nothing up.
 check_early_cancel() {
-  local queue job cancelled=()
-  put_rasteriser "trap 'exit 0' TERM; cat >/dev/null; : >$prints/rasterising
-while :; do sleep 0.1; done"
+  local queue job cancelled=() flag=$prints/rasterising
+  put_rasteriser "trap : TERM; cat >/dev/null; : >$flag
+while [ -e $flag ]; do sleep 0.1; done"
   for queue in "${queues[@]}"; do
-    rm -f "$prints/rasterising"
     job=$(submit "$queue" "$work/three.pdf" -o PdfPreprocess=yes)
     cancelled+=("$job")
-    wait_until "job $job is rasterised" test -e "$prints/rasterising"
+    wait_until "job $job is rasterised" test -e "$flag"
     has_copy "$job" || fail "$queue: no copy while job $job is rasterised"
     wait_until "the filter of job $job listens" listens rastovelka "$queue"
     cancel "$job"
+    wait_until "the filter of job $job is gone" is_gone rastovelka "$queue"
+    rm "$flag"
     wait_for_job "$queue" "$job"
     expect_nothing_left "$queue" "$job"
   done
   put_rasteriser_back
   expect_no_complaints "${cancelled[@]}"
 }
+
+is_gone() { ! runs "$@"; }
 
 # keeps_marks: whether the file system of /tmp lets a copy be told from other files;
 # else a job whose copy was left is not printed again.
