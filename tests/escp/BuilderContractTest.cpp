@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
 
@@ -65,9 +66,10 @@ TEST(Builders, ThreeHundredRowsAt360AreOneCommand) {
 }
 
 TEST(Builders, ALongMoveOverlapsItsCommands) {
-  Bytes expected = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v',  0x1B, '(',
-                    'v',  0x1B, '(', 'v', 2,    0,   0xA3, 0x06};
-  expected.resize(29);
+  const Bytes commands = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v',  0x1B, '(',
+                          'v',  0x1B, '(', 'v', 2,    0,   0xA3, 0x06};
+  Bytes expected(29, 0);
+  std::ranges::copy(commands, expected.begin());
   EXPECT_EQ(relativeMove(360, 100000), expected);
 }
 

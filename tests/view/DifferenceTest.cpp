@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 #include "Difference.h"
 #include "StreamStats.h"
 #include "view/Pages.h"

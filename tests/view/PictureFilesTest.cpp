@@ -3,8 +3,10 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
+#include <sstream>
 
 #include "PictureFiles.h"
 #include "support/TestPdf.h"
@@ -71,6 +73,16 @@ TEST(Png, TellsWhereItCannotBeWritten) {
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
+// What a reader of PDF counts; the file's own words may be compressed.
+std::string pagesOf(const std::string& pdf) {
+  const std::string command = "LC_ALL=C pdfinfo " + pdf + " >" + pdf + ".info";
+  if (std::system(command.c_str()) != 0) return "no PDF";
+  std::istringstream report(textOf(pdf + ".info"));
+  for (std::string word; report >> word;)
+    if (word == "Pages:" && report >> word) return word;
+  return "no count";
+}
+
 TEST(Pdf, HasAPageAPicture) {
   const TempFolder folder;
   {
@@ -80,9 +92,8 @@ TEST(Pdf, HasAPageAPicture) {
     EXPECT_FALSE(std::filesystem::exists(folder / "x.pdf"));
     EXPECT_FALSE(writer.finish().has_value());
   }
-  const std::string pdf = textOf(folder / "x.pdf");
-  EXPECT_TRUE(pdf.starts_with("%PDF"));
-  EXPECT_NE(pdf.find("/Count 2"), std::string::npos);
+  EXPECT_TRUE(textOf(folder / "x.pdf").starts_with("%PDF"));
+  EXPECT_EQ(pagesOf(folder / "x.pdf"), "2");
 }
 
 TEST(Pdf, TellsWhereItCannotBeWritten) {
