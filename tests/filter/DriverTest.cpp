@@ -1,4 +1,5 @@
 // The driver's pieces, one by one.
+#include <cups/ppd.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -109,8 +110,9 @@ TEST(Settings, AMissingPpdIsReportedWithItsReason) {
   const Capture errors(STDERR_FILENO);
   InitializeSetting("", &ppd);
   EXPECT_EQ(ppd, nullptr);
-  EXPECT_EQ(text(errors.bytes()),
-            "The PPD file could not be opened.Unable to open PPD file on line 0.");
+  // CUPS gives its reasons in the user's language.
+  EXPECT_EQ(text(errors.bytes()), std::string("The PPD file could not be opened.") +
+                                      ppdErrorString(PPD_FILE_OPEN_ERROR) + " on line 0.");
   unsetenv("PPD");
   InitializeSetting("", nullptr);
 }

@@ -13,10 +13,23 @@ using Spoil = std::function<void(cups_page_header2_t&)>;
 
 // A page of ink whose header was spoilt after its lines were made, and a sound
 // page behind it.
-FilterResult runSpoilt(const Spoil& spoil) {
+Bytes spoiltStream(const Spoil& spoil) {
   RasterPage page = inkedPage(rgbHeader(40, 60), 1);
   spoil(page.header);
-  return runJob({}, rawStream({page, inkedPage(rgbHeader(40, 60), 2)}));
+  return rawStream({page, inkedPage(rgbHeader(40, 60), 2)});
+}
+
+FilterResult runSpoilt(const Spoil& spoil) {
+  return runJob({}, spoiltStream(spoil));
+}
+
+// The job's output, unless libcups itself refuses the first header: then the input holds
+// no page.
+void expectOutput(const Bytes& stream, const Bytes& expected) {
+  const FilterResult result = runJob({}, stream);
+  const bool taken = cupsTakes(stream);
+  EXPECT_EQ(result.status, taken ? 0 : 1);
+  expectSameStream(result.output, taken ? expected : Bytes{});
 }
 
 // The job ends by itself, with a status of its own and nothing but the known
@@ -62,23 +75,23 @@ TEST(HostileHeaders, ResolutionsThatLieAreSafe) {
 
 TEST(HostileHeaders, ProductsBeyondThirtyTwoBitsPrintNothingOfThatPage) {
   // 65536 x 24 bits x 65536 rows wrap to a small number of bytes.
-  const FilterResult result = runSpoilt([](cups_page_header2_t& h) {
+  const Spoil spoil = [](cups_page_header2_t& h) {
     h.cupsWidth = 65536;
     h.cupsHeight = 65536;
-  });
-  expectSafe(result, "wrapping size");
-  EXPECT_EQ(result.output, (Bytes{0x1B, '@'}));
+  };
+  expectSafe(runSpoilt(spoil), "wrapping size");
+  expectOutput(spoiltStream(spoil), Bytes{0x1B, '@'});
 }
 
 TEST(HostileHeaders, AWidthWhoseBitsWrapIsNotASmallPage) {
-  const FilterResult result = runSpoilt([](cups_page_header2_t& h) {
+  const Spoil spoil = [](cups_page_header2_t& h) {
     h.cupsWidth = 178956971;  // x 24 = 2^32 + 8 bits
     h.cupsHeight = 60;
-  });
-  expectSafe(result, "wrapping width");
+  };
+  expectSafe(runSpoilt(spoil), "wrapping width");
   // Its rows need 32 GiB, and so do those of the sound page behind it, which keeps
   // the first page's width: that one ends after its start.
-  EXPECT_EQ(result.output, (Bytes{0x1B, '@', 0x1B, '2', 0x1B, 'C', 2, 0x1B, '@'}));
+  expectOutput(spoiltStream(spoil), Bytes{0x1B, '@', 0x1B, '2', 0x1B, 'C', 2, 0x1B, '@'});
 }
 
 // Pages whose depth is not 24 are read as far as their bytes go, like the
@@ -87,22 +100,20 @@ TEST(HostileHeaders, OtherDepthsEqualTheReference) {
   for (const unsigned bits : {1U, 8U, 16U, 23U, 25U, 32U, 48U}) {
     RasterPage page = inkedPage(rgbHeader(40, 60), 1);
     page.header.cupsBitsPerPixel = bits;
-    const FilterResult result = runJob({}, rawStream({page}));
-    EXPECT_EQ(result.status, 0);
-    expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+    expectOutput(rawStream({page}), expectedStream(reference::defaultOptions(), {page}));
   }
 }
 
 TEST(HostileHeaders, LinesThatDisagreeWithTheWidthEqualTheReference) {
-  // libcups takes lines of whole pixels and refuses the others as no header.
+  // libcups takes lines of whole pixels at most and refuses the others as no header.
   for (const unsigned bytes : {1U, 2U, 3U, 60U, 117U, 119U, 120U, 121U, 123U, 240U, 999U}) {
     cups_page_header2_t header = rgbHeader(40, 60);
     header.cupsBytesPerLine = bytes;
     RasterPage page = inkedPage(header, 5);
-    const FilterResult result = runJob({}, rawStream({page}));
-    EXPECT_EQ(result.status, bytes % 3 == 0 ? 0 : 1) << bytes;
-    if (result.status == 1) continue;
-    expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+    const Bytes stream = rawStream({page});
+    EXPECT_FALSE(bytes % 3 != 0 && cupsTakes(stream)) << bytes;
+    EXPECT_TRUE(bytes != 120 || cupsTakes(stream));
+    expectOutput(stream, expectedStream(reference::defaultOptions(), {page}));
   }
 }
 

@@ -1,4 +1,5 @@
 // Jobs of the standard model, byte for byte against the literal reference.
+#include <cups/ppd.h>
 #include <gtest/gtest.h>
 
 #include "StreamStats.h"
@@ -229,8 +230,9 @@ TEST(StandardJobs, WithoutAPpdTheAllZeroOptionsPrintNothing) {
   const FilterResult result = runFilter(kFilter, job);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, (Bytes{0x1B, '@', 0x1B, '2', 0x1B, 'C', 1, 0x1B, '@'}));
-  EXPECT_EQ(result.errors,
-            "The PPD file could not be opened.Unable to open PPD file on line 0." + finished(1));
+  // CUPS gives its reasons in the user's language.
+  EXPECT_EQ(result.errors, std::string("The PPD file could not be opened.") +
+                               ppdErrorString(PPD_FILE_OPEN_ERROR) + " on line 0." + finished(1));
 }
 
 TEST(StandardJobs, ALongRollPrintsWhole) {

@@ -91,7 +91,7 @@ TempDir $work/spool/tmp
 ErrorLog $log
 AccessLog $work/access_log
 PageLog $work/page_log
-Printcap
+Printcap $work/state/printcap
 SystemGroup $(id -gn)
 PassEnv ASAN_OPTIONS UBSAN_OPTIONS TSAN_OPTIONS
 TEXT

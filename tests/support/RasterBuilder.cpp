@@ -111,4 +111,16 @@ Bytes rawStream(const std::vector<RasterPage>& pages) {
   return bytes;
 }
 
+bool cupsTakes(const Bytes& stream) {
+  const int fd = memfd_create("raster", MFD_CLOEXEC);
+  const bool whole = write(fd, stream.data(), stream.size()) == static_cast<ssize_t>(stream.size());
+  lseek(fd, 0, SEEK_SET);
+  cups_raster_t* raster = cupsRasterOpen(fd, CUPS_RASTER_READ);
+  cups_page_header2_t header = {};
+  const bool taken = whole && cupsRasterReadHeader2(raster, &header) != 0;
+  cupsRasterClose(raster);
+  close(fd);
+  return taken;
+}
+
 }  // namespace velka::testing

@@ -34,4 +34,8 @@ Bytes rasterStream(const std::vector<RasterPage>& pages, cups_mode_t mode = CUPS
 /// A version 3 stream written byte by byte, so that the headers may say anything.
 Bytes rawStream(const std::vector<RasterPage>& pages);
 
+/// Whether libcups takes the first header of a stream. Which of those that lie it refuses
+/// differs from release to release.
+bool cupsTakes(const Bytes& stream);
+
 }  // namespace velka::testing
