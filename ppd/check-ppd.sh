@@ -16,6 +16,9 @@ has_line() {
   grep -qxF -- "$1" "$ppd" || fail "no line $1"
 }
 
+# equal WHAT GOT EXPECTED
+equal() { [[ $2 == "$3" ]] || fail "$1: $2, not $3"; }
+
 # option KEYWORD DEFAULT-CODE: what the filter reads when the user chose nothing.
 option() {
   local keyword=$1 expected=$2 choice code
@@ -40,6 +43,20 @@ has_line '*cupsFilter: "application/vnd.cups-raster 0 rastovelka"'
 has_line '*cupsPreFilter: "application/vnd.cups-pdf 0 velkapdfcopy"'
 has_line '*cupsPreFilter: "image/png 0 velkapdfcopy"'
 has_line '*HWMargins: 0 0 0 0'
+has_line '*MaxMediaWidth: "1080"'
+has_line '*MaxMediaHeight: "3060"'
+has_line '*ParamCustomPageSize Width: 1 points 72 1080'
+has_line '*ParamCustomPageSize Height: 2 points 36 3060'
+
+# Each size has its four lines, and all the paper prints.
+for keyword in PageSize PageRegion ImageableArea PaperDimension; do
+  equal "entries of $keyword" "$(grep -c "^\*$keyword [^ ]*/" "$ppd")" 34
+done
+sizes_of() { sed -n "s|^\*$1 \([^/]*\)/[^:]*: \"$2\(.*\)\"|\1 \3|p" "$ppd"; }
+equal "printable areas" "$(sizes_of ImageableArea '\(0 0 \)')" "$(sizes_of PaperDimension '\(\)')"
+has_line '*PaperDimension 240x140mm/Fanfold 240 x 140 mm (5 1/2 in): "680.315002441406 396"'
+equal options "$(grep -c '^\*OpenUI ' "$ppd")" 25
+equal resolutions "$(grep -c '^\*Resolution ' "$ppd")" 10
 
 option PdfPreprocess 0
 grep -q '^\*PdfPreprocess yes/.*: "1"$' "$ppd" || fail "PdfPreprocess has no choice yes"
