@@ -17,141 +17,43 @@ if (($# > 1)); then
   usage >&2
   exit 2
 fi
-# Named from where the caller stands, so before the change of folder.
-document=${1:+$(realpath -- "$1")}
+# Opened from where the caller stands.
+if (($# == 1)); then
+  exec {given}<"$1" || exit 1
+fi
 
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=tools/common.sh
 source tools/common.sh
 
 output=demo-output
-stream=$output/commands.escp
-filter=build/release/filter/rastovelka
-velkaview=build/release/view/velkaview
-log=/tmp/velka.log
-# The one option whose default leaves no line in the log. 17 (0.51) is the choice
-# next to the filter's own 0.50, so the print hardly changes.
-option=LevelsRed=17
-# CUPS counts its jobs from 1, so this one meets no real job's files.
-job=(0 demo demo 1 "$option")
-# The log's first words, the first page's report and every option as it was read.
-log_lines=(
-  "log4z thread started!" "Start Page 1 "
-  "Init sHrzDir:" "Init sHrzOffset:" "Init sVtcDir:" "Init sVtcOffset:"
-  "Init OutputColorType:" "Init ColorRangeUseFor:"
-  "Init minColorOffset red:" "Init maxColorOffset red:"
-  "Init SplitBlackRed:" "Init sRotation:"
-  "Init nBrightness red:" "Init nBrightness black:"
-  "Init Contrast red:" "Init Contrast black:"
-  "Init sLevels red: 51" "Init sLevels black:"
-)
+document=$output/document.pdf
 
-find_filters() {
-  local folder
-  folder=$(cups-config --serverbin)/filter
-  [[ -x $folder/pdftopdf ]] || die "no pdftopdf in $folder: is cups-filters-core-drivers whole?"
-  [[ -x $folder/gstoraster ]] || die "no gstoraster in $folder: is cups-filters whole?"
-  echo "$folder"
+# The document goes where the jobs find it: they have a /tmp of their own.
+take_document() {
+  cat <&"$given" >"$document.part" || die "cannot read $1"
+  mv "$document.part" "$document"
 }
 
 make_document() {
-  document=$output/demo-page.pdf
   ps2pdf -sPAPERSIZE=a4 tools/demo-page.ps "$document" || die "Ghostscript could not make $document"
 }
 
-# What each filter says stays in a log of its own.
-print_document() {
-  local filters=$1 status
-  export PPD=$PWD/build/release/ppd/velka-standard.ppd
-  export CONTENT_TYPE=application/pdf FINAL_CONTENT_TYPE=application/vnd.cups-raster
-  "$filters/pdftopdf" "${job[@]}" <"$document" 2>"$output/pdftopdf.log" |
-    "$filters/gstoraster" "${job[@]}" 2>"$output/gstoraster.log" |
-    "$filter" "${job[@]}" >"$stream" 2>"$output/rastovelka.log" && return
-  status=("${PIPESTATUS[@]}")
-  tail -n 5 "$output"/{pdftopdf,gstoraster,rastovelka}.log >&2
-  die "the chain failed: pdftopdf ${status[0]}, gstoraster ${status[1]}, rastovelka ${status[2]};" \
-    "their last words are above"
-}
-
-hex() { od -An -v -tx1 | tr -d ' \n'; }
-
-value() { sed -n "s/^$1 *//p" "$output/stats.txt"; }
-
-check_stream() {
-  [[ $(head -c 6 "$stream" | hex) == 1b401b321b43 ]] ||
-    die "$stream does not begin with the start-of-document commands"
-  "$velkaview" --stats "$stream" >"$output/stats.txt" || die "$stream is no sound command stream"
-  (($(value pages) > 0)) || die "no page of $document has any ink, so nothing was printed"
-  [[ $(tail -c 3 "$stream" | hex) == 0c1b40 ]] ||
-    die "$stream does not end with a form feed and the end-of-document command"
-}
-
-# Only blocks of an ink hold dots of it.
-check_both_inks() {
-  local ink
-  for ink in black red; do
-    (($(value "$ink dots") > 0)) || die "the demo page came out without any $ink"
-  done
-}
-
-# An older job's log would pass for this one's. In /tmp only its owner (often the
-# print service) and root can remove it.
-remove_old_log() {
-  rm -f "$log" || die "$log is in the way and not $(id -un)'s: remove it, or run this as root"
-}
-
-# view_page PICTURE ARGUMENT...
-view_page() {
-  local picture=$1
-  shift
-  "$velkaview" "$@" -o "$output/$picture" || die "velkaview could not draw $output/$picture"
-}
-
-# The Orlo model's job through velkaview's own chain, which ends in the same filter.
-view_orlo() {
-  local orlo=(--ppd build/release/ppd/velka-orlo.ppd)
-  view_page orlo.png "${orlo[@]}" --from "$document"
-  # The one in the README, small enough for it.
-  view_page demo-page.png "${orlo[@]}" --from "$document" --page 1 --dpi 60
-}
-
-check_log() {
-  local line
-  [[ -r $log ]] || die "the filter left no readable $log"
-  for line in "${log_lines[@]}"; do
-    grep -qF -- "$line" "$log" || die "$log lacks the line '$line'"
-  done
-}
-
-if [[ -n $document && ! -r $document ]]; then
-  die "cannot read $document"
-fi
 need_writable "$output"
+mkdir -p "$output"
+rm -f "$output"/*.png "$output"/*.log
+inks=any
+if (($# == 1)); then take_document "$1"; fi
 tools/install-packages.sh
 build release rastovelka velkaview velka_ppds
-[[ -x $filter ]] || die "the build left no $filter"
-
-mkdir -p "$output"
-if [[ -n $document ]]; then
-  check_ink=true
-else
+if (($# == 0)); then
   make_document
-  check_ink=check_both_inks
+  inks=both
 fi
-say "Printing $document (standard model, 180 x 180 dpi)"
-echo "The job sets the option $option, so that the log names every option."
-# Before the job whose log is looked at: every job empties the log.
-rm -f "$output"/*.png
-view_orlo
-remove_old_log
-print_document "$(find_filters)"
-check_stream
-"$check_ink"
-check_log
-view_page standard.png --ppd build/release/ppd/velka-standard.ppd "$stream"
+in_own_tmp tools/demo-job.sh "$document" "$inks"
 
-say "The command stream is in $PWD/$stream"
+say "The command stream is in $PWD/$output/commands.escp"
 cat "$output/stats.txt"
-echo "The filter's log is $log, the other filters' are in $PWD/$output."
+echo "The logs of the filter (velka.log) and of the other filters are in $PWD/$output."
 say "What comes out of the printer, drawn by velkaview for both models"
 ls -1 "$PWD/$output"/standard*.png "$PWD/$output"/orlo*.png

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # run.sh BUILD-FOLDER [jobs|stages|instructions]: measures the built filter and
 # prints tables. VELKA_BENCH_ARGUMENTS goes to velka-bench-jobs (--only pages, --runs 9).
-# Whole jobs are best measured as root: then /tmp, where the job log
-# is synced line by line, is a tmpfs of their own.
+# Whole jobs have a /tmp of their own where that can be had: a tmpfs, which the job log
+# is synced to line by line without a disk.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
@@ -63,16 +63,10 @@ stages() {
   "$build/bench/velka-bench-stages" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 }
 
-if [[ -z ${VELKA_BENCH_OWN_TMP:-} ]] && ((EUID == 0)) && unshare -m true 2>/dev/null; then
-  # Its own /tmp must not hide the sources or the build.
-  case $PWD/ in
-    /tmp/*) ;;
-    *)
-      export VELKA_BENCH_OWN_TMP=yes
-      # shellcheck disable=SC2016
-      exec unshare -m bash -c 'mount -t tmpfs tmpfs /tmp && exec "$@"' bash "$0" "$@"
-      ;;
-  esac
+if [[ -z ${VELKA_BENCH_OWN_TMP:-} ]]; then
+  export VELKA_BENCH_OWN_TMP=yes
+  has_own_tmp || true
+  exec tools/own-tmp.sh "$PWD" "$build" -- "$PWD/bench/run.sh" "$@"
 fi
 
 read -ra VELKA_BENCH_JOBS <<<"${VELKA_BENCH_ARGUMENTS:-}"

@@ -3,9 +3,11 @@
 
 add_library(velka_options INTERFACE)
 # Tone and position arithmetic must give the same bits everywhere, so the
-# compiler may not fuse a multiply and an add.
+# compiler may not fuse a multiply and an add. Warnings are errors where
+# CMAKE_COMPILE_WARNING_AS_ERROR is on, as ./dev has it: who only builds this may have a
+# compiler that warns of more.
 target_compile_options(velka_options INTERFACE
-  -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -Werror -ffp-contract=off)
+  -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -ffp-contract=off)
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g -DNDEBUG")
 
 if(VELKA_SANITIZE)

@@ -20,13 +20,14 @@ need_writable() {
   [[ -w . ]] || die "this folder cannot be written by $(id -un): $PWD"
 }
 
-# build PRESET [TARGET...]
+# build PRESET [TARGET...]. VELKA_WERROR=ON makes warnings errors, in this build folder
+# from then on; OFF ends that.
 build() {
   local preset=$1
   shift
   need_writable build "build/$preset"
   say "Building ($preset)"
-  cmake --preset "$preset"
+  cmake --preset "$preset" ${VELKA_WERROR:+"-DCMAKE_COMPILE_WARNING_AS_ERROR=$VELKA_WERROR"}
   if (($# > 0)); then
     cmake --build --preset "$preset" --target "$@"
   else
@@ -34,13 +35,23 @@ build() {
   fi
 }
 
-# run_tests PRESET [CTEST-ARGUMENT...]. One test at a time unless VELKA_TEST_JOBS
-# says otherwise: whole jobs share the one log file in /tmp.
+# has_own_tmp: says why not.
+has_own_tmp() { tools/own-tmp.sh --check; }
+
+# in_own_tmp COMMAND...: away from the /tmp that others use, as far as the system lets us.
+in_own_tmp() {
+  has_own_tmp || true
+  tools/own-tmp.sh "$PWD" -- "$@"
+}
+
+# run_tests PRESET [CTEST-ARGUMENT...]. As many at a time as there are processors unless
+# VELKA_TEST_JOBS says otherwise, since each has a /tmp of its own; one where they have not.
 run_tests() {
-  local preset=$1
+  local preset=$1 jobs
   shift
   say "Testing ($preset)"
-  ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-1}" "$@"
+  if has_own_tmp; then jobs=$(nproc); else jobs=1; fi
+  ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-$jobs}" "$@"
 }
 
 # Fixed addresses for the thread sanitizer, whose shadow memory collides with the
@@ -48,7 +59,7 @@ run_tests() {
 # Without the right to ask for them (some containers) things run as they are.
 at_fixed_addresses() {
   if setarch "$(uname -m)" -R true 2>/dev/null; then
-    export -f build run_tests say die need_writable
+    export -f build run_tests has_own_tmp say die need_writable
     setarch "$(uname -m)" -R bash -c 'set -euo pipefail; "$@"' bash "$@"
   else
     "$@"

@@ -1,0 +1,22 @@
+# Every test runs with a /tmp of its own, so that they can run side by side and leave
+# nothing behind.
+
+set(own_tmp ${PROJECT_SOURCE_DIR}/tools/own-tmp.sh ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} --)
+
+# velka_script_test(NAME SECONDS COMMAND...): 77 is the status of a test that says why it
+# was skipped.
+function(velka_script_test name seconds)
+  add_test(NAME ${name} COMMAND ${own_tmp} ${ARGN})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${seconds} SKIP_RETURN_CODE 77)
+endfunction()
+
+# velka_program_test(TARGET): the cases of a GoogleTest program, one by one.
+function(velka_program_test target)
+  if(CMAKE_VERSION VERSION_LESS 3.29)
+    set(launcher CROSSCOMPILING_EMULATOR)
+  else()
+    set(launcher TEST_LAUNCHER)
+  endif()
+  set_target_properties(${target} PROPERTIES ${launcher} "${own_tmp}")
+  gtest_discover_tests(${target} PROPERTIES TIMEOUT 1200 DISCOVERY_TIMEOUT 120)
+endfunction()
