@@ -11,7 +11,7 @@ packages=(
   cups-filters-core-drivers             # pdftopdf, pdftoraster
   poppler-utils                         # pdftoppm, pdfinfo
   libcairo2-dev libpng-dev              # pictures of pages
-  libgtest-dev libgmock-dev             # tests
+  libgtest-dev libgmock-dev locales     # tests, some of them in German
 )
 
 case "${1:-}" in

@@ -2,7 +2,7 @@
 # check-queue.sh BUILD-FOLDER CASE: installs the filters below a temporary folder,
 # starts a print server of its own there with a queue for each model, prints, and
 # reads back what would have gone to the printers. VELKA_KEEP=1 keeps the folder of a
-# run that failed.
+# run that failed, in BUILD-FOLDER.
 set -euo pipefail
 
 build=$1
@@ -17,6 +17,8 @@ source "$here/jobs.sh"
 source "$here/page-cases.sh"
 # shellcheck source=tests/queue/option-cases.sh
 source "$here/option-cases.sh"
+# shellcheck source=tests/queue/locale-cases.sh
+source "$here/locale-cases.sh"
 # shellcheck source=tests/queue/trouble-cases.sh
 source "$here/trouble-cases.sh"
 

@@ -2,12 +2,13 @@
 # The parts of the test use each other's names.
 # shellcheck shell=bash disable=SC2154
 
-# submit QUEUE FILE [LP-ARGUMENT...]: the job's number.
+# submit QUEUE FILE [LP-ARGUMENT...]: the job's number, which stands behind the queue's name
+# in every language.
 submit() {
   local queue=$1 file=$2 said
   shift 2
   said=$(lp -d "$queue" "$@" "$file" 2>&1) || die "lp: $said"
-  said=${said#request id is "$queue"-}
+  said=${said#*"$queue"-}
   echo "${said%% *}"
 }
 

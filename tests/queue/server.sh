@@ -93,7 +93,7 @@ AccessLog $work/access_log
 PageLog $work/page_log
 Printcap $work/state/printcap
 SystemGroup $(id -gn)
-PassEnv ASAN_OPTIONS UBSAN_OPTIONS TSAN_OPTIONS
+PassEnv ASAN_OPTIONS UBSAN_OPTIONS TSAN_OPTIONS LC_ALL LOCPATH
 TEXT
   cat >"$work/etc/cupsd.conf" <<TEXT
 LogLevel debug
@@ -136,9 +136,10 @@ start_server() {
   run_server
 }
 
-# Ends with this script, however that ends.
+# Ends with this script, however that ends. VELKA_SERVER_LOCALE is its locale and that of
+# what it starts, where the service manager sets one for the whole system.
 run_server() {
-  setpriv --pdeathsig TERM "$work/cupsd" -f "${server_files[@]}" >"$work/cupsd.out" 2>&1 &
+  LC_ALL=${VELKA_SERVER_LOCALE:-C} setpriv --pdeathsig TERM "$work/cupsd" -f "${server_files[@]}" >"$work/cupsd.out" 2>&1 &
   server=$!
   wait_until "the server answers" server_is_up
 }
@@ -177,9 +178,8 @@ clean_up() {
   stop_server
   if [[ -z $had_filter_log ]]; then rm -f "$filter_log"; fi
   if ((status != 0)) && [[ -n ${VELKA_KEEP:-} ]]; then
-    echo "kept: $work" >&2
-  else
-    rm -rf "$work"
+    cp -a "$work" "$build/" && echo "kept: $build/${work##*/}" >&2
   fi
+  rm -rf "$work"
 }
 trap clean_up EXIT
