@@ -7,6 +7,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
 source tools/common.sh
+# Numbers go from tool to tool and into tables.
+export LC_ALL=C
 
 build=$1
 part=${2:-all}

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# install-packages.sh [--lint | --bench]: installs what this system is built, tested and
-# shown with on Debian 12, and does nothing when all of it is there already.
+# install-packages.sh [--lint | --bench | --other-release]: installs what this system is
+# built, tested and shown with on Debian 12 and 13, and does nothing when all of it is there
+# already.
 set -euo pipefail
 
 packages=(
@@ -18,8 +19,9 @@ case "${1:-}" in
   '') ;;
   --lint) packages+=(clang-format clang-tidy libbenchmark-dev) ;;
   --bench) packages+=(libbenchmark-dev valgrind printer-driver-gutenprint) ;;
+  --other-release) packages=(debootstrap) ;;
   *)
-    echo "usage: $0 [--lint | --bench]" >&2
+    echo "usage: $0 [--lint | --bench | --other-release]" >&2
     exit 2
     ;;
 esac
