@@ -44,14 +44,26 @@ in_own_tmp() {
   tools/own-tmp.sh "$PWD" -- "$@"
 }
 
+# tell_skipped PRESET: what was not looked at in the last run, and why.
+tell_skipped() {
+  awk '/^[0-9]+\/[0-9]+ Test: / { test = $3 }
+    skipped { print "skipped: " test ": " $0 }
+    { skipped = /: Skipped$/ }
+    sub(/^skipped: /, "") { print "skipped: " test ": " $0 }
+    sub(/^note: /, "") { print "note: " test ": " $0 }
+    ' "build/$1/Testing/Temporary/LastTest.log"
+}
+
 # run_tests PRESET [CTEST-ARGUMENT...]. As many at a time as there are processors unless
 # VELKA_TEST_JOBS says otherwise, since each has a /tmp of its own; one where they have not.
 run_tests() {
-  local preset=$1 jobs
+  local preset=$1 jobs status=0
   shift
   say "Testing ($preset)"
   if has_own_tmp; then jobs=$(nproc); else jobs=1; fi
-  ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-$jobs}" "$@"
+  ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-$jobs}" "$@" || status=$?
+  tell_skipped "$preset"
+  return "$status"
 }
 
 # Fixed addresses for the thread sanitizer, whose shadow memory collides with the
@@ -59,7 +71,7 @@ run_tests() {
 # Without the right to ask for them (some containers) things run as they are.
 at_fixed_addresses() {
   if setarch "$(uname -m)" -R true 2>/dev/null; then
-    export -f build run_tests has_own_tmp say die need_writable
+    export -f build run_tests has_own_tmp tell_skipped say die need_writable
     setarch "$(uname -m)" -R bash -c 'set -euo pipefail; "$@"' bash "$@"
   else
     "$@"
