@@ -110,6 +110,8 @@ tools/install-packages.sh --other-release || skip "debootstrap could not be inst
 unshare --mount --pid --fork true 2>/dev/null || skip "no mount namespaces here"
 need_writable build
 mkdir -p build "$cache"
+# It holds programs that run with the rights of root.
+chmod 700 "$cache"
 : >"$notes"
 exec {lock}>"$cache/lock"
 flock "$lock"
