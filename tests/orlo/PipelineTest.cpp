@@ -1,6 +1,7 @@
 // From the bitmap to the planes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <random>
@@ -23,9 +24,16 @@ int separate(COrloProcesser& processor, const Bitmap& page, const _COLORCFG_ORLO
   return result;
 }
 
+// What a plane stands for: behind its filled bytes nothing prints.
+Bytes bytesOf(const OrloPlane& plane) {
+  Bytes bytes(plane.data, plane.data + plane.filled);
+  bytes.resize(plane.size, 255);
+  return bytes;
+}
+
 void expectPlane(const OrloPlane& plane, const LiteralPlane& expected) {
   ASSERT_EQ(plane.size, expected.bytes.size());
-  EXPECT_EQ(Bytes(plane.data, plane.data + plane.size), expected.bytes);
+  EXPECT_EQ(bytesOf(plane), expected.bytes);
   EXPECT_EQ(plane.hasData, expected.hasData);
   EXPECT_EQ(plane.left, expected.left);
   EXPECT_EQ(plane.top, expected.top);
@@ -102,6 +110,42 @@ TEST(Pipeline, EqualsTheLiteralOneOnRandomPages) {
     const _COLORCFG_ORLO config = randomConfig(random);
     expectAsLiterally(page, config, round % 2 == 0 ? 180 : 360, 1 + round % 3);
     if (HasFailure()) return;
+  }
+}
+
+// The commands of a page whose last `white` rows hold what `page` has there and are said
+// to be white.
+Bytes commandsOf(const Bitmap& page, uint32_t white, const _COLORCFG_ORLO& config, int dpi,
+                 int feedMode) {
+  COrloProcesser processor;
+  processor.SetColorCFG(config);
+  processor.SetWhiteRows(white);
+  unsigned char* output = nullptr;
+  unsigned int length = 0;
+  processor.GetOrloPrintCmd(page.bytes.data(), page.size(), page.width, page.height, &output, 0,
+                            &length, nullptr, dpi, dpi, feedMode);
+  const Bytes commands =
+      output == nullptr ? Bytes{} : Bytes(output, output + static_cast<size_t>(length));
+  std::free(output);
+  return commands;
+}
+
+TEST(Pipeline, RowsThatNoLineCameForCountAsWhiteWhateverTheyHold) {
+  std::mt19937 random(32);
+  for (int round = 0; round < 400; ++round) {
+    SCOPED_TRACE(round);
+    Bitmap page = randomBitmap(random);
+    _COLORCFG_ORLO config = randomConfig(random);
+    config.SplitBlackRed = static_cast<uint16_t>(round % 2);
+    const auto white =
+        std::uniform_int_distribution<uint32_t>(0, static_cast<uint32_t>(page.height) + 3)(random);
+    const int dpi = round % 3 == 0 ? 180 : 360;
+    const int feedMode = 1 + round / 2 % 2;
+    const Bytes got = commandsOf(page, white, config, dpi, feedMode);
+    const size_t rows = std::min(white, static_cast<uint32_t>(page.height));
+    std::fill(page.bytes.end() - static_cast<ptrdiff_t>(rows * page.stride), page.bytes.end(),
+              uint8_t{255});
+    ASSERT_EQ(got, commandsOf(page, 0, config, dpi, feedMode));
   }
 }
 
@@ -216,7 +260,7 @@ TEST(HeadDistance, DroppedInkGivesThePlaneNoData) {
   COrloProcesser front;
   EXPECT_EQ(separate(front, page, plainConfig(), 180, 1), 0);
   EXPECT_FALSE(front.m_RedBuf.hasData);
-  EXPECT_EQ(Bytes(front.m_RedBuf.data, front.m_RedBuf.data + 80), Bytes(80, 255));
+  EXPECT_EQ(bytesOf(front.m_RedBuf), Bytes(80, 255));
 }
 
 TEST(LastRow, CountsOnlyWhereBothInksAreThereAlready) {
@@ -258,7 +302,7 @@ TEST(Boxes, HoldPixelsTooLightToPrint) {
   EXPECT_EQ(processor.m_BlackBuf.top, 40);
   EXPECT_EQ(processor.m_BlackBuf.right, 7);
   EXPECT_EQ(processor.m_BlackBuf.bottom, 45);
-  EXPECT_EQ(Bytes(processor.m_BlackBuf.data, processor.m_BlackBuf.data + 540), Bytes(540, 255));
+  EXPECT_EQ(bytesOf(processor.m_BlackBuf), Bytes(540, 255));
   EXPECT_EQ(processor.m_RowWidth, 9U);
 }
 
