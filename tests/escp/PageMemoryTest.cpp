@@ -160,6 +160,35 @@ TEST_F(PageMemory, WithoutAGeneratorTheLogSaysSoForEachPage) {
   EXPECT_EQ(saidOfThePage(), "page 4 is not printed: no memory for the command generator");
 }
 
+// The rectangle tree of a page among them, and what is in it.
+TEST_F(PageMemory, NoObjectOutlivesItsPage) {
+  const Capture capture(STDOUT_FILENO);
+  const FailingMemory memory;
+  Job job(30, 200, 360, 360);
+  ASSERT_EQ(memory.objects(), 1) << "the generator";
+  for (uint32_t number = 1; number <= 3; ++number) {
+    job.setPage(twoBands(), number);
+    EXPECT_EQ(StartPageOemPDEV(&job.devobj), 1);
+    EXPECT_EQ(memory.objects(), 1);
+  }
+  // A page that is still pending at the end of the document.
+  job.setPage(twoBands(), 4);
+  EndDocOemPDEV(&job.devobj);
+  EXPECT_EQ(memory.objects(), 0);
+}
+
+TEST_F(PageMemory, ATreeThatAPageFindsGoesAsWell) {
+  const Capture capture(STDOUT_FILENO);
+  const FailingMemory memory;
+  Job job(30, 200, 360, 360);
+  job.setPage(twoBands(), 1);
+  ASSERT_TRUE(RenderEscpData(&job.devobj));
+  ASSERT_GT(memory.objects(), 1);
+  job.setPage(twoBands(), 2);
+  EXPECT_EQ(StartPageOemPDEV(&job.devobj), 1);
+  EXPECT_EQ(memory.objects(), 1);
+}
+
 // What prints nothing for other reasons is as silent as ever.
 TEST_F(PageMemory, WhatPrintsNothingForOtherReasonsIsNotTold) {
   for (const auto& [xdpi, white] : {std::pair{75U, false}, std::pair{360U, true}}) {

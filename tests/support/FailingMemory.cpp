@@ -11,6 +11,7 @@ struct Plan {
   size_t asked = 0;
   size_t first = 0;  // of those that fail, counted from 0
   size_t count = 0;
+  long objects = 0;
 };
 
 thread_local Plan plan;
@@ -41,28 +42,31 @@ void* __wrap_realloc(void* block, size_t bytes) {
 }
 }
 
-void* operator new(size_t bytes) {
+void* operator new(size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
   void* const block = std::malloc(bytes == 0 ? 1 : bytes);
+  if (block != nullptr) ++plan.objects;
+  return block;
+}
+void* operator new(size_t bytes) {
+  void* const block = operator new(bytes, std::nothrow);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
-void* operator new(size_t bytes, const std::nothrow_t& /*tag*/) noexcept {
-  return std::malloc(bytes == 0 ? 1 : bytes);
-}
 void operator delete(void* block) noexcept {
+  if (block != nullptr) --plan.objects;
   std::free(block);
 }
 void operator delete(void* block, size_t /*bytes*/) noexcept {
-  std::free(block);
+  operator delete(block);
 }
 void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
-  std::free(block);
+  operator delete(block);
 }
 
 namespace velka::testing {
 
 FailingMemory::FailingMemory(size_t passed, size_t count) {
-  plan = {true, 0, passed, passed == kNone ? 0 : count};
+  plan = {true, 0, passed, passed == kNone ? 0 : count, 0};
 }
 
 FailingMemory::~FailingMemory() {
@@ -71,6 +75,10 @@ FailingMemory::~FailingMemory() {
 
 size_t FailingMemory::asked() const {
   return plan.asked;
+}
+
+long FailingMemory::objects() const {
+  return plan.objects;
 }
 
 }  // namespace velka::testing

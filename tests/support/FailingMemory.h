@@ -23,6 +23,8 @@ class FailingMemory {
 
   /// Allocations asked for so far.
   [[nodiscard]] size_t asked() const;
+  /// Objects made with new so far, less those deleted.
+  [[nodiscard]] long objects() const;
 };
 
 }  // namespace velka::testing
