@@ -50,13 +50,13 @@ unsigned int pageAddress() noexcept {
 // Says that a page is lost, and for what.
 void tellRoom(int page, velka::PageRoom room, const velka::PageSize& size) {
   if (room == velka::PageRoom::Refused)
-    VELKA_LOG_DEBUG("page %d is not printed: no memory for its bitmap of %d x %d pixels", page,
-                    asInt(size.width), asInt(size.height));
+    VELKA_LOG_DEBUG("page %d is not printed: no memory for its bitmap of %u x %u pixels", page,
+                    size.width, size.height);
   if (room == velka::PageRoom::TooLarge)
     VELKA_LOG_DEBUG(
-        "page %d is not printed: its bitmap of %d x %d pixels is larger than %u bytes, the most "
+        "page %d is not printed: its bitmap of %u x %u pixels is larger than %u bytes, the most "
         "that a page may take",
-        page, asInt(size.width), asInt(size.height), static_cast<unsigned int>(size.mostBytes));
+        page, size.width, size.height, static_cast<unsigned int>(size.mostBytes));
 }
 
 // What stays the same from page to page.

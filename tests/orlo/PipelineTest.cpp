@@ -1,12 +1,12 @@
 // From the bitmap to the planes.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <random>
 
 #include "orlo/LiteralPipeline.h"
+#include "orlo/RandomBitmaps.h"
 
 namespace velka::orlotest {
 namespace {
@@ -50,58 +50,6 @@ void expectAsLiterally(const Bitmap& page, const _COLORCFG_ORLO& config, int ver
   expectPlane(processor.m_RedBuf, expected.red);
 }
 
-Bitmap randomBitmap(std::mt19937& random) {
-  constexpr std::array<uint8_t, 12> kEdges = {0,   1,   100, 105, 109, 128,
-                                              130, 199, 200, 239, 240, 250};
-  const auto below = [&](size_t n) {
-    return std::uniform_int_distribution<size_t>(0, n - 1)(random);
-  };
-  const auto channel = [&] {
-    return below(3) == 0 ? static_cast<uint8_t>(below(256)) : kEdges.at(below(kEdges.size()));
-  };
-  Bitmap page(1 + static_cast<int>(below(40)), 1 + static_cast<int>(below(90)), below(4));
-  for (int y = 0; y < page.height; ++y) {
-    if (below(3) == 0) continue;
-    for (int x = 0; x < page.width; ++x) {
-      const uint8_t grey = channel();
-      switch (below(4)) {
-        case 0:
-          page.set(x, y, channel(), channel(), channel());
-          break;
-        case 1:
-          page.set(x, y, grey, grey, static_cast<uint8_t>(grey ^ below(16)));
-          break;
-        case 2:
-          page.set(x, y, 0, 0, 255);
-          break;
-        default:
-          break;
-      }
-    }
-  }
-  return page;
-}
-
-_COLORCFG_ORLO randomConfig(std::mt19937& random) {
-  const auto in = [&](int low, int high) {
-    return std::uniform_int_distribution<int>(low, high)(random);
-  };
-  const auto tone = [&](int16_t& brightness, int16_t& contrast, int16_t& levels, int16_t& dither) {
-    brightness = static_cast<int16_t>(in(0, 1) == 0 ? 0 : in(-200, 200));
-    contrast = static_cast<int16_t>(in(0, 1) == 0 ? 0 : in(-200, 200));
-    levels = static_cast<int16_t>(in(0, 300));
-    dither = static_cast<int16_t>(in(0, 7));
-  };
-  _COLORCFG_ORLO config = plainConfig();
-  config.OutputColorType = static_cast<uint16_t>(in(0, 2) != 0 ? 3 : in(0, 4));
-  config.ColorRangeUseFor = static_cast<uint16_t>(in(0, 3));
-  config.minColorOffset.rgbRed = static_cast<uint8_t>(in(0, 255));
-  config.maxColorOffset.rgbGreen = static_cast<uint8_t>(in(100, 255));
-  tone(config.BrightnessRed, config.ContrastRed, config.LevelsRed, config.sDitherRed);
-  tone(config.BrightnessBlack, config.ContrastBlack, config.LevelsBlack, config.sDitherBlack);
-  return config;
-}
-
 TEST(Pipeline, EqualsTheLiteralOneOnRandomPages) {
   std::mt19937 random(31);
   for (int round = 0; round < 400; ++round) {
@@ -110,42 +58,6 @@ TEST(Pipeline, EqualsTheLiteralOneOnRandomPages) {
     const _COLORCFG_ORLO config = randomConfig(random);
     expectAsLiterally(page, config, round % 2 == 0 ? 180 : 360, 1 + round % 3);
     if (HasFailure()) return;
-  }
-}
-
-// The commands of a page whose last `white` rows hold what `page` has there and are said
-// to be white.
-Bytes commandsOf(const Bitmap& page, uint32_t white, const _COLORCFG_ORLO& config, int dpi,
-                 int feedMode) {
-  COrloProcesser processor;
-  processor.SetColorCFG(config);
-  processor.SetWhiteRows(white);
-  unsigned char* output = nullptr;
-  unsigned int length = 0;
-  processor.GetOrloPrintCmd(page.bytes.data(), page.size(), page.width, page.height, &output, 0,
-                            &length, nullptr, dpi, dpi, feedMode);
-  const Bytes commands =
-      output == nullptr ? Bytes{} : Bytes(output, output + static_cast<size_t>(length));
-  std::free(output);
-  return commands;
-}
-
-TEST(Pipeline, RowsThatNoLineCameForCountAsWhiteWhateverTheyHold) {
-  std::mt19937 random(32);
-  for (int round = 0; round < 400; ++round) {
-    SCOPED_TRACE(round);
-    Bitmap page = randomBitmap(random);
-    _COLORCFG_ORLO config = randomConfig(random);
-    config.SplitBlackRed = static_cast<uint16_t>(round % 2);
-    const auto white =
-        std::uniform_int_distribution<uint32_t>(0, static_cast<uint32_t>(page.height) + 3)(random);
-    const int dpi = round % 3 == 0 ? 180 : 360;
-    const int feedMode = 1 + round / 2 % 2;
-    const Bytes got = commandsOf(page, white, config, dpi, feedMode);
-    const size_t rows = std::min(white, static_cast<uint32_t>(page.height));
-    std::fill(page.bytes.end() - static_cast<ptrdiff_t>(rows * page.stride), page.bytes.end(),
-              uint8_t{255});
-    ASSERT_EQ(got, commandsOf(page, 0, config, dpi, feedMode));
   }
 }
 
