@@ -21,7 +21,7 @@ Bytes commandsOf(const Bitmap& page, uint32_t white, const _COLORCFG_ORLO& confi
   unsigned int length = 0;
   processor.GetOrloPrintCmd(page.bytes.data(), page.size(), page.width, page.height, &output, 0,
                             &length, nullptr, dpi, dpi, feedMode);
-  const Bytes commands =
+  Bytes commands =
       output == nullptr ? Bytes{} : Bytes(output, output + static_cast<size_t>(length));
   std::free(output);
   return commands;
