@@ -34,7 +34,7 @@ std::span<const uint8_t> storedRow(const _OEMPDEV& pdev, int row) noexcept {
 
 // Rows from which on the page is white.
 int storedRows(const _OEMPDEV& pdev, int height) noexcept {
-  const auto white = static_cast<int>(std::min<uint32_t>(pdev.dwWhiteRowsOut, INT32_MAX));
+  const auto white = static_cast<int>(std::min<uint32_t>(+pdev.dwWhiteRowsOut, INT32_MAX));
   return std::max(height - white, 0);
 }
 

@@ -33,6 +33,16 @@ size_t countStarting(const std::string& start) {
                                            [&](const auto& m) { return m.starts_with(start); }));
 }
 
+// Whether a job took little more than one of a small page does. That is asked of the
+// system, which also counts what this process had when it made the other. Sanitizers
+// keep an eighth of what is asked for.
+void expectLittleMemory(const FilterResult& result) {
+  constexpr long kLittleKiB = 300 << 10U;
+  const TempFile ppd(ppdText({}));
+  const FilterResult small = runWith(ppd.path(), rawStream({whitePage(rgbHeader(40, 60))}));
+  EXPECT_LT(result.peakKiB, small.peakKiB + kLittleKiB);
+}
+
 constexpr const char* kTooLarge =
     "page 1 is not printed: its bitmap of 20000 x 20000 pixels is larger than 1073741824 bytes, "
     "the most that a page may take";
@@ -46,7 +56,7 @@ TEST(PageMemory, APageBeyondTheLimitIsReadAndNotPrinted) {
     EXPECT_EQ(result.errors, finished(1));
     EXPECT_EQ(countOf(kTooLarge), 1U);
     EXPECT_EQ(countOf("curPage is 1, bufStart is 0x0"), 1U);
-    EXPECT_LT(result.peakKiB, 200 << 10U);
+    expectLittleMemory(result);
   }
 }
 
@@ -87,7 +97,7 @@ TEST(PageMemory, ALaterPageOfTheFirstOnesWidthIsBoundedToo) {
   const FilterResult result = runWith(ppd.path(), rawStream({first, second}));
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(countOf("page 2 is not printed: no memory for its output bitmap"), 1U);
-  EXPECT_LT(result.peakKiB, 200 << 10U);
+  expectLittleMemory(result);
 }
 
 TEST(PageMemory, ALineBeyondTheLimitIsNotRead) {
@@ -98,13 +108,12 @@ TEST(PageMemory, ALineBeyondTheLimitIsNotRead) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, finished(2));
   EXPECT_EQ(countOf("page 2 is not printed: no memory for its lines of 1200000000 bytes"), 1U);
-  EXPECT_LT(result.peakKiB, 200 << 10U);
+  expectLittleMemory(result);
 }
 
-// Below the limit a page takes what came of it.
+// Below the limit a page takes what came of it: its bitmap would be 972 million bytes.
 TEST(PageMemory, GoesWithTheLinesThatCome) {
   const cups_page_header2_t header = rgbHeader(18000, 18000);
-  constexpr long kBitmapKiB = 18000L * 54000 / 1024;
   for (const int model : {1, 2})
     for (const size_t lines : {size_t{0}, size_t{60}}) {
       SCOPED_TRACE(std::to_string(model) + " " + std::to_string(lines));
@@ -115,7 +124,7 @@ TEST(PageMemory, GoesWithTheLinesThatCome) {
       EXPECT_EQ(result.status, 0);
       EXPECT_EQ(countStarting("page 1 is not printed"), 0U);
       EXPECT_EQ(result.output.size() > 100, lines > 0);
-      EXPECT_LT(result.peakKiB, kBitmapKiB / 3);
+      expectLittleMemory(result);
     }
 }
 
