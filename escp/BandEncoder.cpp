@@ -16,9 +16,11 @@ namespace {
 constexpr int kBlack = 1;
 constexpr int kRed = 2;
 
-// Columns of 1/60 inch at a divisor; at least one below 60 dpi.
+// Columns of 1/60 inch at a divisor; at least one below 60 dpi. No band has as many as
+// the limit, so a step beyond it is as good.
 uint64_t horizontalStep(float xDivisor) noexcept {
-  return static_cast<uint64_t>(std::max(1, velka::truncateToInt32(xDivisor)));
+  constexpr float kMost = 0x1p30F;
+  return static_cast<uint64_t>(std::max(1, velka::truncateToInt32(std::min(xDivisor, kMost))));
 }
 
 int passesPerBand(short ydpi) noexcept {
@@ -164,35 +166,49 @@ int CESCPSML::EncodeBlockData(unsigned short mode, unsigned short bytesPerColumn
 
 int CESCPSML::EncodeAndSend(_DEVOBJ* devobj, short second) noexcept {
   if (!velka::isComplete(devobj) || devobj->pOemPDEV->pRectTree == nullptr) return 0;
-  _OEMPDEV& pdev = *devobj->pOemPDEV;
+  const _OEMPDEV& pdev = *devobj->pOemPDEV;
   const auto mode = velka::standardBitImageMode(
       devobj->pOemDev->sHeadPins, pdev.devModeOut.dmYResolution, pdev.devModeOut.dmPrintQuality);
   if (!mode) return 0;
   const BandList bands(*pdev.pRectTree);
+  if (bands.rects == nullptr) {
+    m_Loss = second != 0 ? velka::PageLoss::Rest : velka::PageLoss::Bands;
+    return 0;
+  }
   const bool anyInk = m_nBlackFlag != 0 || m_nRedFlag != 0;
   if (bands.count == 0 || !anyInk) return 0;
+  return sendPage(*devobj, *mode, bands.all(), second != 0) ? 1 : 0;
+}
 
+// From here on only memory can fail.
+bool CESCPSML::sendPage(_DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,
+                        bool redHalf) noexcept {
+  using velka::PageLoss;
+  const _OEMPDEV& pdev = *devobj.pOemPDEV;
   PageStream stream;
-  const bool redHalf = second != 0;
+  m_Loss = redHalf ? PageLoss::Rest : PageLoss::Commands;
   // Deliberate: the red half of a split page starts with it again.
   if (pdev.lInitialYOffset != 0) {
-    if (!stream.sink().moveY(pdev.devModeOut.dmYResolution, pdev.lInitialYOffset)) return 0;
+    if (!stream.sink().moveY(pdev.devModeOut.dmYResolution, pdev.lInitialYOffset)) return false;
     stream.redY = static_cast<unsigned int>(pdev.lInitialYOffset);
   }
-  if (!encodeBands(*devobj, *mode, bands.all(), redHalf, stream)) return 0;
+  if (!encodeBands(devobj, mode, bands, redHalf, stream)) return false;
   if (redHalf) {
     velka::writeToPrinter(stream.commands());
-    return keepForCopies(*devobj, stream) ? 1 : 0;
+    return keepForCopies(devobj, stream);
   }
-  const auto eject = velka::ejectMode(*devobj->pOemDev, pdev.dwCurPageNum);
-  if (eject && !stream.sink().append(*eject)) return 0;
+  const auto eject = velka::ejectMode(*devobj.pOemDev, pdev.dwCurPageNum);
+  if (eject && !stream.sink().append(*eject)) return false;
   const unsigned int copiesBefore = m_dwCopyLen;
-  const bool complete = isSplit(*devobj) ? finishBlackHalf(*devobj, bands.all(), stream)
-                                         : keepForCopies(*devobj, stream);
-  if (complete && endPage(*devobj, stream)) return 1;
+  const bool complete =
+      isSplit(devobj) ? finishBlackHalf(devobj, bands, stream) : keepForCopies(devobj, stream);
+  if (complete && endPage(devobj, stream)) {
+    m_Loss = PageLoss::None;
+    return true;
+  }
   // Half a page must not come back among the copies of the next one.
   m_dwCopyLen = std::min(m_dwCopyLen, copiesBefore);
-  return 0;
+  return false;
 }
 
 bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,
@@ -244,6 +260,7 @@ bool CESCPSML::finishBlackHalf(_DEVOBJ& devobj, std::span<const _RECTL> bands,
   const int64_t reverse = int64_t{stream.blackY} - redTop;
   if (!stream.sink().moveY(pdev.devModeOut.dmYResolution, -reverse)) return false;
   velka::writeToPrinter(stream.commands());
+  m_Loss = velka::PageLoss::Rest;
   if (!keepForCopies(devobj, stream)) return false;
   stream.length = 0;
   stream.writePosition = 0;
@@ -259,6 +276,7 @@ bool CESCPSML::keepForCopies(const _DEVOBJ& devobj, const PageStream& stream) no
 bool CESCPSML::endPage(const _DEVOBJ& devobj, PageStream& stream) noexcept {
   if (!stream.sink().append({&velka::kFormFeed, 1})) return false;
   velka::writeToPrinter(stream.commands());
+  m_Loss = velka::PageLoss::Copies;
   return repeatPage(devobj);
 }
 
@@ -268,8 +286,11 @@ bool CESCPSML::repeatPage(const _DEVOBJ& devobj) noexcept {
   unsigned int end = m_dwCopyLen;
   if (!velka::appendAt(&m_pCopyBuf, &m_dwCopyLen, &end, {&velka::kFormFeed, 1})) return false;
   // Collated copies follow at the end of the document.
-  if (devobj.pOemPDEV->devModeOut.dmCollate == 1) return true;
-  for (int copy = 1; copy < copies; ++copy) velka::writeToPrinter({m_pCopyBuf, m_dwCopyLen});
+  if (devobj.pOemPDEV->devModeOut.dmCollate == 1) {
+    m_CopyPages.endAt(m_dwCopyLen);
+    return true;
+  }
+  repeatKept(copies - 1);
   std::free(m_pCopyBuf);
   m_pCopyBuf = nullptr;
   m_dwCopyLen = 0;

@@ -42,9 +42,12 @@ unsigned int CESCPSML::SendCommand(_DEVOBJ* /*devobj*/, const unsigned char* dat
 
 bool CESCPSML::SendCollatedCopies(_DEVOBJ* devobj) noexcept {
   if (!velka::isComplete(devobj) || m_pCopyBuf == nullptr) return true;
-  for (int copy = 1; copy < devobj->pOemDev->sCopies; ++copy)
-    velka::writeToPrinter({m_pCopyBuf, m_dwCopyLen});
+  repeatKept(devobj->pOemDev->sCopies - 1);
   return true;
+}
+
+void CESCPSML::repeatKept(int times) const noexcept {
+  m_CopyPages.repeat({m_pCopyBuf, m_dwCopyLen}, times, m_pCanceled);
 }
 
 bool CESCPSML::GetSetUnitCmd(int unit, unsigned char** buffer, unsigned int* capacity,

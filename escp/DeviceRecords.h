@@ -159,6 +159,9 @@ struct _OEMPDEV {
   int32_t lInitialYOffset;  ///< pixels moved down before the first band
   int32_t lYCorrection;     ///< top of the first band of a split page's red half
   wchar_t* pszJobText;      ///< handed to the Orlo encoder; nothing fills it
+  uint32_t dwWhiteRows;     ///< rows at the page bitmap's end that hold nothing: they are white
+  uint32_t dwWhiteRowsOut;  ///< the same of the output bitmap
+  uint32_t dwMostBytes;     ///< most that an output bitmap may have before its offset; 0: any
 };
 #pragma pack(pop)
 static_assert(offsetof(_OEMPDEV, pBufStart) == 1);

@@ -9,8 +9,10 @@
 #include "CommandBytes.h"
 #include "DeviceHandle.h"
 #include "GrowingBuffer.h"
+#include "PageMemory.h"
 #include "PagePlacement.h"
 #include "StandardOutput.h"
+#include "WhiteRows.h"
 #include "log4z.h"
 
 namespace velka {
@@ -57,16 +59,39 @@ bool isOutputAlready(const _OEMPDEV& pdev, const PageOffset& offset, uint32_t ou
          pdev.dwBufSize == outputSize;
 }
 
-bool whiteOutput(_OEMPDEV& pdev, uint32_t size, const PageServices& services) {
-  if (services.growOutputBuffer(&pdev, size) == 0) return false;
-  std::memset(pdev.pBufStartOut, 0xFF, size);
-  return true;
+// Whether the page is more than it may be. It keeps the width of the job's first page, so
+// that its own bitmap does not tell; what an offset adds is the queue's own wish.
+bool isAboveLimit(const _OEMPDEV& pdev, const PageOffset& offset) noexcept {
+  constexpr uint32_t kBitsPerPixel = 24;
+  const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
+  const auto without = [](int32_t size, int32_t grown) {
+    return static_cast<uint32_t>(std::max<int64_t>(int64_t{size} - std::max(grown, 0), 0));
+  };
+  const uint64_t stride = paddedRowBytes(without(header.biWidth, offset.x),
+                                         std::max<uint32_t>(header.biBitCount, kBitsPerPixel));
+  const auto bytes = checkedMul(stride, without(header.biHeight, offset.y));
+  return pdev.dwMostBytes != 0 && (!bytes || *bytes > pdev.dwMostBytes);
 }
 
+// The contents are left to copyToOutput.
+bool makeOutput(_OEMPDEV& pdev, uint32_t size) {
+  pdev.pBufStartOut = pageBytes(size);
+  pdev.dwBufSizeOut = pdev.pBufStartOut == nullptr ? 0 : size;
+  pdev.dwWhiteRowsOut = 0;
+  return pdev.pBufStartOut != nullptr;
+}
+
+// White where the page does not come to lie. The rows below it are left as they are if
+// the page, too, has rows that hold nothing.
 void copyToOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
   const BitmapView source = {{pdev.pBufStart, pdev.pBufStart == nullptr ? 0 : pdev.dwBufSize},
-                             pdev.dwBytesPerLine};
+                             pdev.dwBytesPerLine,
+                             storedPage(pdev).size()};
   const BitmapView output = {{pdev.pBufStartOut, pdev.dwBufSizeOut}, pdev.dwBytesPerLineOut};
+  const size_t size = output.bytes.size();
+  const size_t written = pdev.dwWhiteRows == 0 ? size : placedBytes(source, output, offset);
+  std::memset(output.bytes.data(), 0xFF, written);
+  if (size > written) pdev.dwWhiteRowsOut = static_cast<uint32_t>((size - written) / output.stride);
   if (!source.bytes.empty() && !output.bytes.empty())
     placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
   services.freePageBuffer(&pdev);
@@ -80,9 +105,9 @@ bool fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& se
   const uint64_t stride = paddedRowBytes(width, header.biBitCount);
   const auto size = checkedMul32(stride, height);
   services.freeOutputBuffer(&pdev);
-  if (!size) return false;
+  if (!size || isAboveLimit(pdev, offset)) return false;
   const bool asItIs = isOutputAlready(pdev, offset, *size);
-  if (!asItIs && !whiteOutput(pdev, *size, services)) return false;
+  if (!asItIs && !makeOutput(pdev, *size)) return false;
   VELKA_LOG_DEBUG("RenderEscpData memset pBufStartOut dwBufSizeOut: %d", low32(*size));
   pdev.dwLines = static_cast<uint32_t>(header.biHeight);
   pdev.dwBytesPerLineOut = bytesPerRow(*size, header.biHeight);
@@ -98,6 +123,7 @@ bool fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& se
 void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
                   const PageServices& services) {
   if (turns == 0 || pdev.dwBufSizeOut == 0) return;
+  whitenOutput(pdev);
   unsigned char* image = nullptr;
   int64_t size = 0;
   int64_t width = 0;
@@ -123,30 +149,47 @@ void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
   pdev.devGdiInfo = geometry;
 }
 
+// Says what memory that ran out took from a page. False, as the page's result then is.
+bool tellLoss(const _OEMPDEV& pdev, PageLoss loss) {
+  if (loss != PageLoss::None)
+    VELKA_LOG_DEBUG("page %d %s", static_cast<int>(pdev.dwCurPageNum), textOf(loss));
+  return false;
+}
+
 bool sendOrloPage(_DEVOBJ& devobj, const PageServices& services) {
-  const bool sent = services.sendOrloPage != nullptr && services.sendOrloPage(devobj);
+  PageLoss loss = PageLoss::None;
+  const bool sent = services.sendOrloPage != nullptr && services.sendOrloPage(devobj, loss);
+  tellLoss(*devobj.pOemPDEV, loss);
   writeToPrinter({&kFormFeed, 1});
+  return sent;
+}
+
+bool sendStandardPage(_DEVOBJ& devobj) {
+  CESCPSML& generator = *devobj.pOemPDEV->pEscpSml;
+  const bool sent = generator.SendCurPage3(&devobj, false) != 0;
+  tellLoss(*devobj.pOemPDEV, generator.LostForMemory());
   return sent;
 }
 
 }  // namespace
 
 bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
-  if (!isComplete(devobj) || devobj->pOemPDEV->pEscpSml == nullptr) return false;
+  if (!isComplete(devobj)) return false;
   _OEMPDEV& pdev = *devobj->pOemPDEV;
+  if (pdev.pEscpSml == nullptr) return tellLoss(pdev, PageLoss::Generator);
   logRecords(*devobj);
   startOutput(*devobj);
   const PageOffset offset = printOffset(*devobj->pOemDev, pdev.devModeOut);
   growGeometry(pdev, pdev.devModeOut.dmOrientation, offset);
   pdev.pEscpSml->SendStartDocCmd(devobj);
   VELKA_LOG_DEBUG("RenderEscpData after SendStartDocCmd");
-  if (!fillOutput(pdev, offset, services)) return false;
+  if (!fillOutput(pdev, offset, services)) return tellLoss(pdev, PageLoss::Output);
   CBmpProcessing processing;
   rotateOutput(pdev, quarterTurns(devobj->pOemDev->sRotation, pdev.devModeOut.dmOrientation),
                processing, services);
   services.freeSections(&pdev);
   if (devobj->nModel == kOrloModel) return sendOrloPage(*devobj, services);
-  return pdev.pEscpSml->SendCurPage3(devobj, false) != 0;
+  return sendStandardPage(*devobj);
 }
 
 }  // namespace velka

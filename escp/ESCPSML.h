@@ -10,11 +10,13 @@
 #include <span>
 
 #include "BitImageMode.h"
+#include "CopyPages.h"
 #include "DeviceRecords.h"
+#include "PageLoss.h"
 
 namespace velka {
 class InkRules;
-}
+}  // namespace velka
 
 /// Command generator of the standard model. One object serves a job, from its
 /// first page to the end of the document; `_OEMPDEV::pEscpSml` holds it.
@@ -30,6 +32,10 @@ class CESCPSML {
   ~CESCPSML();
   CESCPSML(const CESCPSML&) = delete;
   CESCPSML& operator=(const CESCPSML&) = delete;
+
+  /// Names the flag that a cancelled job sets; none by default. It is asked before each
+  /// page of each copy but the first; the page that is being sent is sent to its end.
+  void SetCancelFlag(velka::CancelFlag canceled) noexcept { m_pCanceled = canceled; }
 
   // --- Senders: straight to standard output. A write that fails is ignored.
 
@@ -48,7 +54,8 @@ class CESCPSML {
   unsigned int SendCommand(_DEVOBJ* devobj, const unsigned char* data, unsigned int length,
                            unsigned char flag, const wchar_t* name) noexcept;
   /// The collated copies kept by EncodeAndSend: every page of the job again,
-  /// `sCopies` - 1 times. Nothing where none are kept. Returns true.
+  /// `sCopies` - 1 times, or until the job is cancelled. Nothing where none are kept.
+  /// Returns true.
   bool SendCollatedCopies(_DEVOBJ* devobj) noexcept;
 
   // --- Builders.
@@ -119,6 +126,9 @@ class CESCPSML {
                        short colour, unsigned char*& command, unsigned int* commandLength,
                        unsigned int* leadingSkip, float xDivisor, int pass) noexcept;
 
+  /// What of the last page was lost because memory ran out.
+  [[nodiscard]] velka::PageLoss LostForMemory() const noexcept { return m_Loss; }
+
   // --- State. Planes hold one byte a pixel: 255 no ink, 0 full ink, after
   // halftoning only those two. They live while a page is encoded.
 
@@ -146,12 +156,15 @@ class CESCPSML {
 
   [[nodiscard]] bool allocatePlanes() noexcept;
   void releasePlanes() noexcept;
-  void separatePage(_DEVOBJ& devobj) noexcept;
+  [[nodiscard]] bool separatePage(_DEVOBJ& devobj) noexcept;
   void clearPlaneRows(int first, int end) noexcept;
+  void clearPlanesTo(int row) noexcept;
   void separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int top, int bottom) noexcept;
   void halftonePlanes(const _DEVOBJ& devobj) noexcept;
   void mergeImagePlane(const _DEVOBJ& devobj) noexcept;
 
+  [[nodiscard]] bool sendPage(_DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,
+                              bool redHalf) noexcept;
   [[nodiscard]] bool encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode,
                                  std::span<_RECTL> bands, bool redHalf,
                                  PageStream& stream) noexcept;
@@ -162,6 +175,12 @@ class CESCPSML {
   [[nodiscard]] bool keepForCopies(const _DEVOBJ& devobj, const PageStream& stream) noexcept;
   [[nodiscard]] bool endPage(const _DEVOBJ& devobj, PageStream& stream) noexcept;
   [[nodiscard]] bool repeatPage(const _DEVOBJ& devobj) noexcept;
+  void repeatKept(int times) const noexcept;
+
+  int m_nPlaneRows = 0;  // rows of the planes that hold anything
+  velka::PageLoss m_Loss = velka::PageLoss::None;
+  velka::CancelFlag m_pCanceled = nullptr;
+  velka::CopyPages m_CopyPages;  // in the copy buffer
 };
 
 /// Renders the page bitmap of the device record: places it by the print offsets,
@@ -179,14 +198,14 @@ namespace velka {
 /// What the renderer borrows from above: the page buffers, which belong to the
 /// front end, and the Orlo model's encoder.
 struct PageServices {
-  int (*growOutputBuffer)(_OEMPDEV* pdev, uint32_t bytes);
   void (*freePageBuffer)(_OEMPDEV* pdev);
   /// The page buffer becomes the output buffer.
   void (*movePageBuffer)(_OEMPDEV* pdev);
   void (*freeOutputBuffer)(_OEMPDEV* pdev);
   void (*freeSections)(_OEMPDEV* pdev);
   /// Encodes the output bitmap and writes its commands; false where there are none.
-  bool (*sendOrloPage)(_DEVOBJ& devobj);
+  /// `loss` is what memory that ran out took from the page.
+  bool (*sendOrloPage)(_DEVOBJ& devobj, PageLoss& loss);
 };
 
 /// RenderEscpData with its services named.

@@ -15,7 +15,7 @@ constexpr int16_t kLandscape = 2;
 // Direction choices: 0 and 1 name the two senses, anything else is no offset.
 int32_t directed(int32_t direction, int32_t whenZero) noexcept {
   if (direction == 0) return whenZero;
-  return direction == 1 ? -whenZero : 0;
+  return direction == 1 ? wrappingNegate(whenZero) : 0;
 }
 
 uint32_t scaledPlus(double value, double scale, int32_t offset) noexcept {
@@ -24,6 +24,10 @@ uint32_t scaledPlus(double value, double scale, int32_t offset) noexcept {
 
 uint32_t scaled(double value, double scale) noexcept {
   return scaledPlus(value, scale, 0);
+}
+
+int64_t storedBytes(const BitmapView& bitmap) noexcept {
+  return static_cast<int64_t>(std::min(bitmap.stored, bitmap.bytes.size()));
 }
 
 }  // namespace
@@ -38,10 +42,10 @@ PageOffset printOffset(const tagOEMCFG& options, const _DEVMODE& mode) noexcept 
       directed(options.sHrzDir, tenthsToDots(options.sHrzOffset, mode.dmPrintQuality));
   const int32_t down =
       directed(options.sVtcDir, tenthsToDots(options.sVtcOffset, mode.dmYResolution));
-  PageOffset offset =
-      mode.dmOrientation == kPortrait ? PageOffset{across, down} : PageOffset{down, -across};
+  PageOffset offset = mode.dmOrientation == kPortrait ? PageOffset{across, down}
+                                                      : PageOffset{down, wrappingNegate(across)};
   // The offset is meant for the page as it leaves the printer, after the turn.
-  if (options.sRotation != 0) offset = {-offset.x, -offset.y};
+  if (options.sRotation != 0) offset = {wrappingNegate(offset.x), wrappingNegate(offset.y)};
   return offset;
 }
 
@@ -61,15 +65,15 @@ void growGeometry(_OEMPDEV& pdev, int16_t orientation, const PageOffset& offset)
   GDIINFO out = pdev.devGdiInfo;
   const double scaleX = pdev.dScaleX;
   const bool portrait = orientation == kPortrait;
-  const int32_t down = portrait ? offset.y : -offset.y;
-  pdev.bmInfoHeaderOut.biWidth = saturatingAdd(pdev.bmInfoHeaderOut.biWidth, offset.x);
-  pdev.bmInfoHeaderOut.biHeight = saturatingAdd(pdev.bmInfoHeaderOut.biHeight, down);
+  const int32_t down = portrait ? offset.y : wrappingNegate(offset.y);
+  pdev.bmInfoHeaderOut.biWidth = wrappingAdd(pdev.bmInfoHeaderOut.biWidth, offset.x);
+  pdev.bmInfoHeaderOut.biHeight = wrappingAdd(pdev.bmInfoHeaderOut.biHeight, down);
   out.ulHorzSize = scaledPlus(src.ulHorzSize, scaleX, offset.x);
   out.ulHorzRes = scaledPlus(src.ulHorzRes, scaleX, offset.x);
   out.szlPhysSize.cx = truncateToInt32(src.szlPhysSize.cx / scaleX + offset.x);
   out.ulVertRes += static_cast<uint32_t>(down);
   out.ulVertSize += static_cast<uint32_t>(down);
-  out.szlPhysSize.cy = saturatingAdd(out.szlPhysSize.cy, down);
+  out.szlPhysSize.cy = wrappingAdd(out.szlPhysSize.cy, down);
   // Deliberate: the source keeps the grown size, so the next page grows from it.
   if (portrait && offset.y != 0) src.szlPhysSize.cy = out.szlPhysSize.cy;
   if (!portrait && offset.x != 0) src.szlPhysSize.cx = out.szlPhysSize.cx;
@@ -81,9 +85,10 @@ void placePage(const BitmapView& source, const BitmapView& output, int32_t rows,
                const PageOffset& offset) noexcept {
   const auto sourceSize = static_cast<int64_t>(source.bytes.size());
   const auto outputSize = static_cast<int64_t>(output.bytes.size());
+  const int64_t stored = storedBytes(source);
   if (offset.x == 0 && offset.y == 0) {
     std::memcpy(output.bytes.data(), source.bytes.data(),
-                static_cast<size_t>(std::min(sourceSize, outputSize)));
+                static_cast<size_t>(std::min(stored, outputSize)));
     return;
   }
   const int64_t sourceColumn = std::max<int64_t>(-int64_t{offset.x}, 0) * kPixelBytes;
@@ -93,9 +98,27 @@ void placePage(const BitmapView& source, const BitmapView& output, int32_t rows,
     const int64_t from = (row - offset.y) * source.stride + sourceColumn;
     const int64_t to = row * output.stride + outputColumn;
     // Deliberate: a row that would end exactly at a buffer's end is not copied.
-    if (to + bytes >= outputSize || from + bytes >= sourceSize) break;
-    std::memcpy(output.bytes.data() + to, source.bytes.data() + from, static_cast<size_t>(bytes));
+    if (to + bytes >= outputSize || from + bytes >= sourceSize || from >= stored) break;
+    std::memcpy(output.bytes.data() + to, source.bytes.data() + from,
+                static_cast<size_t>(std::min(bytes, stored - from)));
   }
+}
+
+size_t placedBytes(const BitmapView& source, const BitmapView& output,
+                   const PageOffset& offset) noexcept {
+  const int64_t stored = storedBytes(source);
+  const int64_t stride = output.stride;
+  if (stored == 0 || source.stride == 0 || stride == 0) return 0;
+  const auto rowsOf = [stride](int64_t bytes) { return (bytes + stride - 1) / stride; };
+  int64_t rows = rowsOf(stored);
+  if (offset.x != 0 || offset.y != 0) {
+    const int64_t last = (stored - 1) / source.stride + offset.y;
+    // A row may end in the one below.
+    const int64_t end = std::max<int64_t>(offset.x, 0) * kPixelBytes + source.stride;
+    rows = last < 0 ? 0 : last + rowsOf(end);
+  }
+  return static_cast<size_t>(std::min(rows, static_cast<int64_t>(output.bytes.size()) / stride) *
+                             stride);
 }
 
 int quarterTurns(int32_t rotation, int16_t orientation) noexcept {

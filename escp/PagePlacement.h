@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "DeviceRecords.h"
@@ -31,12 +32,19 @@ void growGeometry(_OEMPDEV& pdev, int16_t orientation, const PageOffset& offset)
 struct BitmapView {
   std::span<uint8_t> bytes;
   uint32_t stride;
+  /// Bytes from the start that were written to; those behind are white and not looked at.
+  size_t stored = std::numeric_limits<size_t>::max();
 };
 
 /// Copies a page into a white output bitmap of `rows` rows, moved by the offset.
 /// Bytes that either bitmap does not hold stay as they are.
 void placePage(const BitmapView& source, const BitmapView& output, int32_t rows,
                const PageOffset& offset) noexcept;
+
+/// The bytes at the start of an output bitmap, whole rows of it, behind which placePage
+/// writes nothing.
+[[nodiscard]] size_t placedBytes(const BitmapView& source, const BitmapView& output,
+                                 const PageOffset& offset) noexcept;
 
 /// The quarter turns to make: a landscape page is already turned once.
 [[nodiscard]] int quarterTurns(int32_t rotation, int16_t orientation) noexcept;

@@ -10,23 +10,32 @@
 #include "Halftone.h"
 #include "PageMemory.h"
 #include "Separation.h"
+#include "WhiteRows.h"
 
 namespace {
 
 constexpr uint8_t kNoInk = 255;
+
+// Rows that a block reads from its band's top on: the tallest head has 72 dots, whatever
+// the band's height is.
+constexpr int kTallestBlock = 72;
 
 // Rows that one or two head passes cover.
 int bandHeight(short ydpi) noexcept {
   return ydpi == 360 ? 48 : 24;
 }
 
-// The bytes of a row that the bitmap really holds.
+// The bytes from a row on that the bitmap really holds.
 std::span<const uint8_t> storedRow(const _OEMPDEV& pdev, int row) noexcept {
-  const uint64_t stride = pdev.dwBytesPerLineOut;
-  const uint64_t offset = stride * static_cast<uint64_t>(row);
-  const uint64_t size = pdev.pBufStartOut == nullptr ? 0 : pdev.dwBufSizeOut;
-  if (offset >= size) return {};
-  return {pdev.pBufStartOut + offset, static_cast<size_t>(size - offset)};
+  const std::span<const uint8_t> stored = velka::storedOutput(pdev);
+  const uint64_t offset = uint64_t{pdev.dwBytesPerLineOut} * static_cast<uint64_t>(row);
+  return offset >= stored.size() ? stored.first(0) : stored.subspan(offset);
+}
+
+// Rows from which on the page is white.
+int storedRows(const _OEMPDEV& pdev, int height) noexcept {
+  const auto white = static_cast<int>(std::min<uint32_t>(+pdev.dwWhiteRowsOut, INT32_MAX));
+  return std::max(height - white, 0);
 }
 
 bool isBlank(const _OEMPDEV& pdev, int row) noexcept {
@@ -40,14 +49,17 @@ void dropTree(_OEMPDEV& pdev) noexcept {
   pdev.dwRectCount = 0;
 }
 
-void addBand(_OEMPDEV& pdev, int top, int bottom) noexcept {
+// False when memory runs out.
+[[nodiscard]] bool addBand(_OEMPDEV& pdev, int top, int bottom) noexcept {
   if (pdev.pRectTree == nullptr) pdev.pRectTree = new (std::nothrow) CRectTree;
-  if (pdev.pRectTree == nullptr) return;
+  if (pdev.pRectTree == nullptr) return false;
+  const unsigned long before = pdev.pRectTree->count;
   // The whole width: blank columns are trimmed when the band is packed.
   const _RECTL band = {0, top, pdev.bmInfoHeaderOut.biWidth - 1, bottom};
   pdev.pRectTree->insert(band, static_cast<unsigned long>(band.top),
                          static_cast<unsigned long>(band.left));
   pdev.dwRectCount = static_cast<uint32_t>(pdev.pRectTree->count);
+  return pdev.pRectTree->count > before;
 }
 
 }  // namespace
@@ -67,9 +79,14 @@ int CESCPSML::SendCurPage3(_DEVOBJ* devobj, bool /*unused*/) noexcept {
   m_nPlaneStride = m_nPageWidth;
   m_nBlackFlag = 0;
   m_nRedFlag = 0;
+  m_Loss = velka::PageLoss::None;
   int result = 0;
-  if (allocatePlanes()) {
-    separatePage(*devobj);
+  // A band that is missing would be half a page, which is worse than none.
+  if (!allocatePlanes()) {
+    m_Loss = velka::PageLoss::Planes;
+  } else if (!separatePage(*devobj)) {
+    m_Loss = velka::PageLoss::Bands;
+  } else {
     halftonePlanes(*devobj);
     result = EncodeAndSend(devobj, 0);
   }
@@ -102,14 +119,16 @@ void CESCPSML::releasePlanes() noexcept {
   release(m_pImgBuf, m_dwImgSize);
 }
 
-void CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
+bool CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
   _OEMPDEV& pdev = *devobj.pOemPDEV;
   const velka::InkRules rules = velka::compileInkRules(*devobj.pOemDev);
   dropTree(pdev);
-  if (m_nPageWidth == 0) return;
+  m_nPlaneRows = 0;
+  if (m_nPageWidth == 0) return true;
+  const int rows = storedRows(pdev, m_nPageHeight);
+  int lastTop = 0;
   int row = 0;
-  int cleared = 0;  // rows whose plane bytes are filled
-  while (row < m_nPageHeight) {
+  while (row < rows) {
     if (isBlank(pdev, row)) {
       ++row;
       continue;
@@ -117,15 +136,25 @@ void CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
     // A band is recorded whole even where it passes the page's last row.
     const int bottom = velka::saturatingAdd(row, bandHeight(m_sYResolution) - 1);
     const int end = std::min(bottom, m_nPageHeight - 1) + 1;
-    clearPlaneRows(cleared, row);
+    clearPlaneRows(m_nPlaneRows, row);
     separateBand(pdev, rules, row, end - 1);
-    cleared = end;
-    addBand(pdev, row, bottom);
+    m_nPlaneRows = end;
+    lastTop = row;
+    if (!addBand(pdev, row, bottom)) return false;
     row = end;
   }
-  // A page without ink never looks at its planes.
-  if (m_nBlackFlag != 0 || m_nRedFlag != 0 || m_nImgFlag != 0)
-    clearPlaneRows(cleared, m_nPageHeight);
+  if (m_nPlaneRows > 0) clearPlanesTo(velka::saturatingAdd(lastTop, kTallestBlock));
+  if (m_nImgFlag != 0) clearPlanesTo(m_nPageHeight);
+  return true;
+}
+
+// Nobody looks farther down than the last block reaches, unless a third plane joins the
+// two.
+void CESCPSML::clearPlanesTo(int row) noexcept {
+  const int end = std::min(row, m_nPageHeight);
+  if (end <= m_nPlaneRows) return;
+  clearPlaneRows(m_nPlaneRows, end);
+  m_nPlaneRows = end;
 }
 
 void CESCPSML::clearPlaneRows(int first, int end) noexcept {
@@ -165,7 +194,8 @@ void CESCPSML::separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int to
 void CESCPSML::halftonePlanes(const _DEVOBJ& devobj) noexcept {
   const tagOEMCFG& options = *devobj.pOemDev;
   const auto halftone = [&](unsigned char* plane, int mode) {
-    Dither(mode, plane, plane, static_cast<unsigned int>(m_nPageHeight),
+    // An error goes down and to the right, so rows below the blocks change none in them.
+    Dither(mode, plane, plane, static_cast<unsigned int>(m_nPlaneRows),
            static_cast<unsigned int>(m_nPageWidth), static_cast<unsigned int>(m_nPlaneStride), 0,
            options.sDotErrorFactor, options.sDiffusionThreshold);
   };

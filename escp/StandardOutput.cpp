@@ -1,6 +1,7 @@
 #include "StandardOutput.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +16,22 @@ bool worthAnotherTry(int fd, int error) noexcept {
   pollfd ready = {fd, POLLOUT, 0};
   return poll(&ready, 1, -1) >= 0 || errno == EINTR;
 }
+
+// The output that a write has failed on. It is told by its file, as a process may be
+// given another standard output.
+class FailedOutput {
+ public:
+  void note() noexcept { failed_ = fstat(STDOUT_FILENO, &file_) == 0; }
+  [[nodiscard]] bool isCurrent() const noexcept {
+    struct stat now = {};
+    return failed_ && fstat(STDOUT_FILENO, &now) == 0 && now.st_dev == file_.st_dev &&
+           now.st_ino == file_.st_ino;
+  }
+
+ private:
+  bool failed_ = false;
+  struct stat file_ = {};
+};
 
 }  // namespace
 
@@ -34,7 +51,11 @@ size_t writeAll(int fd, std::span<const uint8_t> bytes) noexcept {
 }
 
 size_t writeToPrinter(std::span<const uint8_t> bytes) noexcept {
-  return writeAll(STDOUT_FILENO, bytes);
+  static FailedOutput failed;  // one thread prints
+  if (failed.isCurrent()) return 0;
+  const size_t written = writeAll(STDOUT_FILENO, bytes);
+  if (written < bytes.size()) failed.note();
+  return written;
 }
 
 }  // namespace velka

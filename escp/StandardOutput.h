@@ -12,7 +12,8 @@ namespace velka {
 /// written: fewer than asked only after an error.
 size_t writeAll(int fd, std::span<const uint8_t> bytes) noexcept;
 
-/// writeAll to standard output.
+/// writeAll to standard output. After a write that failed nothing more is written to it:
+/// commands behind a hole would print anything.
 size_t writeToPrinter(std::span<const uint8_t> bytes) noexcept;
 
 }  // namespace velka

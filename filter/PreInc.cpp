@@ -104,6 +104,9 @@ void InitOemPDEV(_OEMPDEV* pdev, const cups_page_header2_t* header) noexcept {
   pdev->dwCurPageNum = 0;
   pdev->dwReserved6 = 0;
   pdev->dwReserved7 = 0;
+  pdev->dwWhiteRows = 0;
+  pdev->dwWhiteRowsOut = 0;
+  pdev->dwMostBytes = 0;
 
   // Deliberate: the horizontal resolution alone decides whether either is scaled.
   const bool scaled = header->HWResolution[0] >= kFirstScaledDpi;
@@ -186,6 +189,7 @@ void vFreeBuffer(_OEMPDEV* pdev) noexcept {
   std::free(pdev->pBufStart);
   pdev->pBufStart = nullptr;
   pdev->dwBufSize = 0;
+  pdev->dwWhiteRows = 0;
   VELKA_LOG_DEBUG("Free pBufStart");
 }
 
@@ -194,6 +198,7 @@ void vFreeOutputBuffer(_OEMPDEV* pdev) noexcept {
   std::free(pdev->pBufStartOut);
   pdev->pBufStartOut = nullptr;
   pdev->dwBufSizeOut = 0;
+  pdev->dwWhiteRowsOut = 0;
   VELKA_LOG_DEBUG("Free pBufStartOut");
 }
 
@@ -202,8 +207,10 @@ void vMoveBufferToOutput(_OEMPDEV* pdev) noexcept {
   vFreeOutputBuffer(pdev);
   pdev->pBufStartOut = pdev->pBufStart;
   pdev->dwBufSizeOut = pdev->dwBufSize;
+  pdev->dwWhiteRowsOut = pdev->dwWhiteRows;
   pdev->pBufStart = nullptr;
   pdev->dwBufSize = 0;
+  pdev->dwWhiteRows = 0;
   // The log tells of the page buffer's end, whichever it is.
   VELKA_LOG_DEBUG("Free pBufStart");
 }

@@ -6,7 +6,6 @@
 
 bool RenderEscpData(_DEVOBJ* devobj) noexcept {
   constexpr velka::PageServices kServices = {
-      .growOutputBuffer = bGrowOutputBuffer,
       .freePageBuffer = vFreeBuffer,
       .movePageBuffer = vMoveBufferToOutput,
       .freeOutputBuffer = vFreeOutputBuffer,

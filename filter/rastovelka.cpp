@@ -10,19 +10,21 @@
 #include <span>
 
 #include "CheckedMath.h"
+#include "ESCPSML.h"
 #include "FixedText.h"
 #include "GrowingBuffer.h"
 #include "HeaderFields.h"
 #include "InitalizeOemCfg.h"
 #include "JobEnds.h"
+#include "JobLog.h"
 #include "MarkedOptions.h"
 #include "PageFiles.h"
+#include "PageLimit.h"
 #include "PageMemory.h"
 #include "PlainNames.h"
 #include "PpmImage.h"
 #include "PreInc.h"
-#include "RasterLines.h"
-#include "SafeFile.h"
+#include "RasterPage.h"
 #include "ShellCommand.h"
 #include "StandardDescriptors.h"
 #include "log4z.h"
@@ -45,23 +47,16 @@ unsigned int pageAddress() noexcept {
   return static_cast<unsigned int>(reinterpret_cast<uintptr_t>(g_oemPDEV.pBufStart));
 }
 
-// A page bitmap, still to be filled, or none where the header asks for more than
-// memory or a 32-bit size can hold: the page is then read and not printed.
-void allocatePage(const cups_page_header2_t& header, uint64_t stride) noexcept {
-  g_oemPDEV.pBufStart = nullptr;
-  const auto size = velka::checkedMul32(stride, header.cupsHeight);
-  if (!size) return;
-  uint8_t* page = velka::pageBytes(*size);
-  g_oemPDEV.pBufStart = page;
-  g_oemPDEV.dwBufSize = page == nullptr ? 0 : *size;
-}
-
-// Lines that did not come are white.
-void whitenRows(const cups_page_header2_t& header, unsigned int stride,
-                unsigned int first) noexcept {
-  if (g_oemPDEV.pBufStart == nullptr) return;
-  std::memset(g_oemPDEV.pBufStart + uint64_t{first} * stride, 0xFF,
-              uint64_t{header.cupsHeight - first} * stride);
+// Says that a page is lost, and for what.
+void tellRoom(int page, velka::PageRoom room, const velka::PageSize& size) {
+  if (room == velka::PageRoom::Refused)
+    VELKA_LOG_DEBUG("page %d is not printed: no memory for its bitmap of %u x %u pixels", page,
+                    size.width, size.height);
+  if (room == velka::PageRoom::TooLarge)
+    VELKA_LOG_DEBUG(
+        "page %d is not printed: its bitmap of %u x %u pixels is larger than %u bytes, the most "
+        "that a page may take",
+        page, size.width, size.height, static_cast<unsigned int>(size.mostBytes));
 }
 
 // What stays the same from page to page.
@@ -72,11 +67,23 @@ struct PageSource {
   const char* pdfPath;
 };
 
+// Reads the page's lines into a bitmap. Where memory for either is not to be had, the
+// page is not printed and the job goes on.
+void readRaster(const cups_page_header2_t& header, const PageSource& from, int page) noexcept {
+  const velka::PageSize size = {header.cupsWidth, header.cupsHeight, header.cupsBitsPerPixel,
+                                velka::mostPageBytes(from.ppd, header)};
+  tellRoom(page, velka::makePage(g_oemPDEV, size), size);
+  const velka::PageRoom lines =
+      velka::readLines(g_oemPDEV, header, from.raster, from.ppd, size.stride(), size.mostBytes);
+  if (lines == velka::PageRoom::Had) return;
+  VELKA_LOG_DEBUG("page %d is not printed: no memory for its lines of %u bytes", page,
+                  header.cupsBytesPerLine);
+  velka::dropPage(g_oemPDEV);
+}
+
 void readPage(const cups_page_header2_t& header, const PageSource& from, char* ppmName,
               int page) noexcept {
-  const uint64_t stride = velka::paddedRowBytes(header.cupsWidth, header.cupsBitsPerPixel);
-  allocatePage(header, stride);
-  GetCupsRasterData(header, from.raster, from.ppd, static_cast<unsigned int>(stride));
+  readRaster(header, from, page);
   if (velka::pagesComeFromPdf(from.ppd))
     UsePdfprocess(from.ppd, ppmName, from.argv, page, header, from.pdfPath);
   VELKA_LOG_DEBUG("After getting data");
@@ -106,13 +113,12 @@ int printPages(const PageSource& from) noexcept {
 
 // Gives the record's page buffer the size of the picture. Where the record holds
 // none, or memory does not hold the picture, the page is not printed.
-std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
-  const auto size = velka::checkedMul32(stride, static_cast<uint64_t>(height));
-  if (g_oemPDEV.pBufStart != nullptr) {
-    std::free(g_oemPDEV.pBufStart);
-    g_oemPDEV.pBufStart = size ? velka::zeroedBytes(*size).release() : nullptr;
-  }
-  InitPdfProcessOemPDEV(size ? static_cast<unsigned int>(stride) : 0, width, height);
+std::span<uint8_t> resizePage(int page, const velka::PageSize& size) noexcept {
+  const velka::PageRoom room = velka::replacePage(g_oemPDEV, size);
+  tellRoom(page, room, size);
+  const bool fits = room != velka::PageRoom::TooLarge;
+  InitPdfProcessOemPDEV(fits ? static_cast<unsigned int>(size.stride()) : 0, asInt(size.width),
+                        asInt(size.height));
   if (g_oemPDEV.pBufStart == nullptr) return {};
   return {g_oemPDEV.pBufStart, g_oemPDEV.dwBufSize};
 }
@@ -122,6 +128,8 @@ std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
 int RunFilter(int argc, char* argv[]) noexcept {
   velka::keepFreedMemory();
   velka::fillStandardDescriptors();
+  // A limit on the size of files shortens the log, not the job.
+  std::signal(SIGXFSZ, SIG_IGN);
   velka::dropCopyOnEarlyEnd(argc, argv);
   std::setvbuf(stderr, nullptr, _IONBF, 0);
   StartLog4z();
@@ -152,8 +160,7 @@ int RunFilter(int argc, char* argv[]) noexcept {
 
 void StartLog4z() noexcept {
   const mode_t before = umask(022);
-  // Opening is emptying: the previous job's lines go.
-  velka::openRegularForWriting("/tmp/velka.log", true).reset();
+  velka::emptyJobLog();  // the previous job's lines go
   ILog4zManager* log = ILog4zManager::getInstance();
   log->setLoggerPath(LOGGER_MAIN_ID, "/tmp");
   log->setLoggerName(LOGGER_MAIN_ID, "velka");
@@ -197,31 +204,11 @@ void StartDoc(ppd_file_t* ppd, cups_page_header2_t header) noexcept {
   g_devObj = {&g_oemPDEV, &g_devMode, &g_oemCfg, orlo ? 1 : 0};
   VELKA_LOG_DEBUG("Initializing configures finish");
   StartDocOemPDEV(&g_oemPDEV);
+  if (g_oemPDEV.pEscpSml != nullptr) g_oemPDEV.pEscpSml->SetCancelFlag(&Canceled);
   // The generator makes the copies, pages are not repeated for them.
   g_oemCfg.sCopies = g_devMode.dmCopies;
   g_devMode.dmCopies = 1;
   VELKA_LOG_DEBUG("Finish StartDoc");
-}
-
-void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_file_t* ppd,
-                       unsigned int stride) noexcept {
-  const bool onlyConsume = velka::pagesComeFromPdf(ppd) || g_oemPDEV.pBufStart == nullptr;
-  const velka::MallocBytes line = velka::zeroedBytes(header.cupsBytesPerLine);
-  const unsigned int rows = line == nullptr || raster == nullptr ? 0 : header.cupsHeight;
-  unsigned int stored = 0;
-  for (unsigned int row = 0; row < rows; ++row) {
-    if (cupsRasterReadPixels(raster, line.get(), header.cupsBytesPerLine) == 0) break;
-    if (onlyConsume) continue;
-    velka::storeLine({line.get(), header.cupsBytesPerLine},
-                     {g_oemPDEV.pBufStart + uint64_t{stored} * stride, stride}, header.cupsWidth);
-    ++stored;
-  }
-  whitenRows(header, stride, stored);
-  // Always the full page, also when its lines ended early.
-  const auto size = velka::checkedMul32(stride, header.cupsHeight);
-  g_oemPDEV.bmInfoHeader.biHeight = asInt(header.cupsHeight);
-  g_oemPDEV.bmInfoHeader.biSizeImage = size.value_or(0);
-  g_oemPDEV.dwBufSize = g_oemPDEV.pBufStart == nullptr ? 0 : size.value_or(0);
 }
 
 void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_t* header,
@@ -270,7 +257,7 @@ void InitPdfProcessOemPDEV(unsigned int stride, int width, int height) noexcept 
   g_oemPDEV.srcGdiInfo.ulVertRes = static_cast<uint32_t>(height);
 }
 
-void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
+void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
                    cups_page_header2_t header, const char* pdfPath) noexcept {
   PdftoppmCmd(ppmName, argv, page, &header, pdfPath);
   unsigned char* contents = nullptr;
@@ -285,9 +272,10 @@ void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
   // Deliberate: a picture without pixels is left for whoever looks into it.
   if (data == nullptr) return;
   const auto pixels = static_cast<uint32_t>(width);
-  const uint64_t stride = velka::paddedRowBytes(pixels, header.cupsBitsPerPixel);
-  const std::span<uint8_t> bitmap = resizePage(stride, width, height);
+  const velka::PageSize wanted = {pixels, static_cast<uint32_t>(height), header.cupsBitsPerPixel,
+                                  velka::mostPageBytes(ppd, header)};
+  const std::span<uint8_t> bitmap = resizePage(page, wanted);
   const std::span<const uint8_t> picture(data, contents + size);
-  velka::storePpmRows(picture, pixels, static_cast<uint32_t>(height), bitmap, stride);
+  velka::storePpmRows(picture, pixels, wanted.height, bitmap, wanted.stride());
   std::remove(ppmName);
 }

@@ -2,7 +2,6 @@
 // hold any 32-bit value, an option any number.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -32,14 +31,22 @@ namespace velka {
 static_assert(paddedRowBytes(5, 24) == 16);
 static_assert(paddedRowBytes(0, 24) == 0);
 
-/// Truncation towards zero, saturated to +-INT32_MAX (so that it can be
-/// negated); not-a-number gives 0.
-[[nodiscard]] inline int32_t truncateToInt32(double value) noexcept {
-  constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
-  if (std::isnan(value)) return 0;
-  if (value >= static_cast<double>(kMost)) return kMost;
-  if (value <= -static_cast<double>(kMost)) return -kMost;
-  return static_cast<int32_t>(value);
+/// Truncation towards zero. What fits no integer, not-a-number too, is the lowest one:
+/// x86-64's own instruction (cvttsd2si) gives that, so printers in the field know no
+/// other outcome. Every floating-point number of a page becomes an integer here.
+[[nodiscard]] constexpr int32_t truncateToInt32(double value) noexcept {
+  constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
+  const bool fits = value > kLowest - 1.0 && value < std::numeric_limits<int32_t>::max() + 1.0;
+  return fits ? static_cast<int32_t>(value) : kLowest;
+}
+static_assert(truncateToInt32(-2.9) == -2 && truncateToInt32(1e10) == INT32_MIN);
+
+/// a + b and -a with their low 32 bits, as sums of what was truncated need it.
+[[nodiscard]] constexpr int32_t wrappingAdd(int32_t a, int32_t b) noexcept {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+[[nodiscard]] constexpr int32_t wrappingNegate(int32_t a) noexcept {
+  return static_cast<int32_t>(0U - static_cast<uint32_t>(a));
 }
 
 /// a + b, saturated to +-INT32_MAX.

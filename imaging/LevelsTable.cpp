@@ -22,8 +22,8 @@ void applyLevels(const COLORLEVELSITEM& item, uint8_t (&row)[256]) {
   for (uint8_t& entry : row) {
     double t = 0.0;
     if (entry > item.byInLow) {
-      const int n = truncateToInt32((entry - item.byInLow) * scaleIn + 0.5);
-      t = std::min(n, 255) / 255.0;
+      // Limited before it is truncated: equal points make this infinite.
+      t = truncateToInt32(std::min((entry - item.byInLow) * scaleIn + 0.5, 255.0)) / 255.0;
     }
     const int y = truncateToInt32(std::pow(t, exponent) * 255.0 + 0.5);
     entry = lowByte(truncateToInt32(y * scaleOut + item.byOutLow + 0.5));

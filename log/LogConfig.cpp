@@ -161,6 +161,10 @@ class Parser {
 }  // namespace
 
 std::vector<ConfigSection> parseConfig(std::string_view text) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) {
+    text.remove_prefix(kByteOrderMark.size());
+  }
   Parser parser;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size() - 1);

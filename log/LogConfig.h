@@ -17,8 +17,8 @@
 // without "=", unknown keys, unknown levels, an empty path or name, numbers
 // with anything but digits and a minus sign or beyond 64 bits, a negative
 // limitsize, and all lines outside a section or below a broken or empty section
-// line. A limitsize beyond 32 bits is the largest there is; a negative reserve
-// is 0. When a key is given twice the later one wins.
+// line. A byte order mark in front of the text is skipped. A limitsize beyond 32 bits is the
+// largest there is; a negative reserve is 0. When a key is given twice the later one wins.
 #pragma once
 
 #include <cstdint>

@@ -36,8 +36,9 @@ struct LogerManagerAccess;
 /// One log manager; the program has one in ILog4zManager::getInstance().
 class LogerManager : public ThreadHelper, public ILog4zManager {
  public:
-  /// Logger 0 is there and enabled, with the program's name for its file.
-  LogerManager();
+  /// Logger 0 is there and enabled, with the program's name for its file ("velka"
+  /// without memory for that). Nothing else here needs memory.
+  LogerManager() noexcept;
   /// Ends the worker thread, if it runs, and frees files and records.
   ~LogerManager() override;
 
@@ -103,6 +104,8 @@ class LogerManager : public ThreadHelper, public ILog4zManager {
   bool changeSetting(std::int32_t id, const velka::SettingChange& change) noexcept;
   bool changeNumber(std::int32_t id, velka::SettingCode code, std::int64_t number) noexcept;
   void applyConfig(const std::string& text, bool hot);
+  /// Nothing for a key that no logger has; the caller holds the settings lock.
+  [[nodiscard]] std::optional<std::int32_t> knownId(const std::string& key) const;
   std::int32_t idForKey(const std::string& key);
 
   // LogerManagerWriting.cpp
@@ -125,7 +128,7 @@ class LogerManager : public ThreadHelper, public ILog4zManager {
   std::atomic<std::int32_t> autoUpdateSeconds_ = 0;
   std::string configPath_;
   std::array<LoggerInfo, LOGGER_MAX> loggers_;
-  std::map<std::string, std::int32_t> ids_;
+  std::map<std::string, std::int32_t> ids_;  // of all loggers but the main one
   std::int32_t highestId_ = 0;
   LockHelper lifecycleLock_;
   LockHelper mainLock_;

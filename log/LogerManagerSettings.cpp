@@ -113,10 +113,18 @@ std::uint32_t LogerManager::getStatusActiveLoggers() noexcept {
   return static_cast<std::uint32_t>(count);
 }
 
+std::optional<std::int32_t> LogerManager::knownId(const std::string& key) const {
+  if (key == loggers_[LOGGER_MAIN_ID].key) {
+    return LOGGER_MAIN_ID;
+  }
+  const auto known = ids_.find(key);
+  return known == ids_.end() ? std::nullopt : std::optional(known->second);
+}
+
 std::int32_t LogerManager::idForKey(const std::string& key) {
   const ScopedLock hold(settingsLock_);
-  if (const auto known = ids_.find(key); known != ids_.end()) {
-    return known->second;
+  if (const auto known = knownId(key)) {
+    return *known;
   }
   if (key.empty() || highestId_ + 1 >= LOGGER_MAX) {
     return -1;
@@ -141,8 +149,7 @@ std::int32_t LogerManager::findLogger(const char* key) noexcept {
   }
   const auto find = [&] {
     const ScopedLock hold(settingsLock_);
-    const auto known = ids_.find(key);
-    return known == ids_.end() ? -1 : known->second;
+    return knownId(key).value_or(-1);
   };
   return noThrow(find, -1);
 }

@@ -7,7 +7,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
 
 #include "LogData.h"
 
@@ -39,7 +39,7 @@ class PendingQueue {
   [[nodiscard]] std::uint64_t popped() const noexcept { return popped_; }
 
  private:
-  std::deque<LogData*> records_;
+  std::list<LogData*> records_;  // a deque would take memory while it is empty
   std::atomic<std::size_t> size_ = 0;
   std::atomic<std::uint64_t> pushed_ = 0;
   std::atomic<std::uint64_t> popped_ = 0;

@@ -1,9 +1,9 @@
 // Free records kept for the next lines, so that a line costs no allocation.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdlib>
-#include <vector>
 
 #include "LogData.h"
 #include "LogThreading.h"
@@ -18,7 +18,7 @@ class RecordPool {
   static constexpr std::size_t kMaxIdle = 200;
 
   /// `allocate` must give memory that std::free takes.
-  explicit RecordPool(Allocate allocate = std::malloc);
+  explicit RecordPool(Allocate allocate = std::malloc) noexcept : allocate_(allocate) {}
   ~RecordPool() { clear(); }
   RecordPool(const RecordPool&) = delete;
   RecordPool& operator=(const RecordPool&) = delete;
@@ -37,7 +37,8 @@ class RecordPool {
 
   Allocate allocate_;
   LockHelper lock_;
-  std::vector<LogData*> idle_;
+  std::array<LogData*, kMaxIdle> idle_{};
+  std::size_t count_ = 0;  // of the idle ones
 };
 
 }  // namespace velka

@@ -32,12 +32,15 @@ ILog4zManager* ILog4zManager::getInstance() noexcept {
   return instance;
 }
 
-LogerManager::LogerManager() {
+LogerManager::LogerManager() noexcept {
   LoggerInfo& main = loggers_[LOGGER_MAIN_ID];
   main.key = "Main";
-  main.name = velka::processName();
+  main.name = "velka";
   main.enable = true;
-  ids_.emplace(main.key, LOGGER_MAIN_ID);
+  velka::noThrow([&main] {
+    main.name = velka::processName();
+    return true;
+  });
 }
 
 LogerManager::~LogerManager() {

@@ -16,8 +16,8 @@ bool isBlank(const uint8_t* row, int64_t width) noexcept {
 
 bool InkRows::scan(const DotPlane& plane) noexcept {
   rows_ = 0;
-  if (plane.data == nullptr || plane.width <= 0 || plane.rows <= 0) return true;
-  const int64_t rows = std::min<int64_t>(plane.rows, std::numeric_limits<int32_t>::max());
+  if (plane.data == nullptr || plane.width <= 0 || plane.filledRows <= 0) return true;
+  const int64_t rows = std::min<int64_t>(plane.filledRows, std::numeric_limits<int32_t>::max());
   next_.reset(new (std::nothrow) int32_t[static_cast<size_t>(rows)]);
   if (next_ == nullptr) return false;
   rows_ = rows;

@@ -7,11 +7,13 @@
 
 namespace velka {
 
-/// A plane of one byte a pixel, `rows` rows of `width` bytes; may be null.
+/// A plane of one byte a pixel, `rows` rows of `width` bytes; may be null. Rows from
+/// `filledRows` on hold anything and have no dots.
 struct DotPlane {
   const uint8_t* data;
   int64_t width;
   int64_t rows;
+  int64_t filledRows;
 
   [[nodiscard]] const uint8_t* row(int64_t y) const noexcept { return data + y * width; }
 };

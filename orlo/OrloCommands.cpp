@@ -42,9 +42,13 @@ bool COrloProcesser::GetBlockDataCmd(unsigned short mode, tagRECT& run, unsigned
 }
 
 void COrloProcesser::SetColorMode(int mode) noexcept {
+  (void)appendColorMode(mode);
+}
+
+bool COrloProcesser::appendColorMode(int mode) noexcept {
   const uint8_t command[] = {velka::kEsc, 'r',
                              static_cast<uint8_t>(static_cast<unsigned>(mode) - 1U)};
-  (void)sink().append(command);
+  return sink().append(command);
 }
 
 void COrloProcesser::SetPaperFeedMode(int mode) noexcept {

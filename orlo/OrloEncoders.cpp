@@ -24,8 +24,9 @@ constexpr velka::Sweep kRedSweep = {false, true, false};
 
 // Only whole rows that the plane really holds.
 velka::DotPlane dotPlane(const velka::OrloPlane& plane, int64_t width, int64_t height) noexcept {
-  if (plane.data == nullptr || width <= 0) return {nullptr, 0, 0};
-  return {plane.data, width, std::clamp<int64_t>(height, 0, plane.size / width)};
+  if (plane.data == nullptr || width <= 0) return {nullptr, 0, 0, 0};
+  const int64_t rows = std::clamp<int64_t>(height, 0, plane.size / width);
+  return {plane.data, width, rows, std::min(rows, plane.filledRows(width))};
 }
 
 velka::BandWalk makeWalk(const COrloProcesser& page, const velka::HeadLayout& layout,
@@ -103,6 +104,11 @@ int COrloProcesser::GetPrintConstruction(int paperFeedMode) const noexcept {
   return m_SplitBlackRed == 0 ? kOneSweep : kSweepForEachInk;
 }
 
+bool COrloProcesser::canPrint(int horizontalDpi, int verticalDpi, int feedMode) const noexcept {
+  return GetPrintConstruction(feedMode) != kNotPrintable &&
+         velka::headResolution(horizontalDpi, verticalDpi).has_value();
+}
+
 int COrloProcesser::Encode2EscpSml(unsigned char** output, unsigned int capacity,
                                    unsigned int* outputLength, int horizontalDpi, int verticalDpi,
                                    int feedMode) noexcept {
@@ -136,8 +142,9 @@ int COrloProcesser::Encode2EscpSmlNoSliptFeedFromBack(unsigned char** output, un
                                                       int currentRow) noexcept {
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution || (m_BlackBuf.isEmpty() && m_RedBuf.isEmpty())) return 0;
-  SetColorMode(kBothColours);
-  if (!printUnsplit(*this, velka::kBackFeedHead, *resolution, sink(), currentRow)) return 0;
+  if (!appendColorMode(kBothColours) ||
+      !printUnsplit(*this, velka::kBackFeedHead, *resolution, sink(), currentRow))
+    return 0;
   return sizeOutput(output, capacity, outputLength);
 }
 
@@ -162,7 +169,7 @@ int COrloProcesser::Encode2EscpSmlHaveSliptFeedFromBack(
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution || (colour != kBlack && colour != kRed)) return 0;
   if (m_BlackBuf.isEmpty() && m_RedBuf.isEmpty()) return 0;
-  if (colour == kBlack) SetColorMode(kBothColours);
+  if (colour == kBlack && !appendColorMode(kBothColours)) return 0;
   if (!printSplit(*this, velka::kBackFeedHead, *resolution, sink(), currentRow, colour, &printY))
     return 0;
   return sizeOutput(output, capacity, outputLength);

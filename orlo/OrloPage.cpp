@@ -33,13 +33,15 @@ _COLORCFG_ORLO colourConfig(const tagOEMCFG& options) noexcept {
 
 }  // namespace
 
-bool sendOrloPage(_DEVOBJ& devobj) noexcept {
+bool sendOrloPage(_DEVOBJ& devobj, PageLoss& loss) noexcept {
+  loss = PageLoss::None;
   if (!isComplete(&devobj)) return false;
   const _OEMPDEV& pdev = *devobj.pOemPDEV;
   const tagOEMCFG& options = *devobj.pOemDev;
   COrloProcesser processor;
   processor.EnableFaceDet(options.sFaceDetect == 1);
   processor.SetColorCFG(colourConfig(options));
+  processor.SetWhiteRows(pdev.dwWhiteRowsOut);
   unsigned char* commands = nullptr;
   unsigned int length = 0;
   // Pages without pixels end in there.
@@ -47,6 +49,7 @@ bool sendOrloPage(_DEVOBJ& devobj) noexcept {
       pdev.pBufStartOut, pdev.dwBufSizeOut, pdev.bmInfoHeaderOut.biWidth,
       pdev.bmInfoHeaderOut.biHeight, &commands, 0, &length, pdev.pszJobText,
       pdev.devModeOut.dmPrintQuality, pdev.devModeOut.dmYResolution, options.sModel);
+  loss = processor.LostForMemory();
   const MallocBytes owned(commands);
   if (owned == nullptr) return false;
   writeToPrinter({owned.get(), length});

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr uint8_t kNoInk = 255;
 constexpr int kNoInkOnPage = 0;
 constexpr int kHandedOver = 0;
 constexpr int kNewBufferOrTooSmall = 1;
@@ -28,7 +27,6 @@ bool providePlane(velka::OrloPlane& plane, uint32_t size) noexcept {
   plane.data = velka::pageBytes(size);
   if (plane.data == nullptr) return false;
   plane.size = size;
-  std::memset(plane.data, kNoInk, size);
   return true;
 }
 
@@ -76,13 +74,19 @@ int COrloProcesser::GetOrloPrintCmd(const unsigned char* bitmap, unsigned int bi
   if (width <= 0 || height <= 0) return kNoInkOnPage;
   m_PageWidth = width;
   m_PageHeight = height;
+  m_Loss = velka::PageLoss::None;
   if (!allocatePlanes() || !separatePage(bitmap, bitmapSize, verticalDpi, feedMode)) {
+    m_Loss = velka::PageLoss::Planes;
     *outputLength = 0;
     return kNoCommands;
   }
   if (!m_BlackBuf.hasData && !m_RedBuf.hasData) return kNoInkOnPage;
+  const bool encoded =
+      Encode2EscpSml(output, capacity, outputLength, horizontalDpi, verticalDpi, feedMode) != 0;
+  // A page of ink that the model can print fails for want of memory only.
+  if (!encoded && canPrint(horizontalDpi, verticalDpi, feedMode))
+    m_Loss = m_pCmdBuf == nullptr ? velka::PageLoss::Commands : velka::PageLoss::Rest;
   // What counts is the command buffer, not the encoder's opinion of it.
-  (void)Encode2EscpSml(output, capacity, outputLength, horizontalDpi, verticalDpi, feedMode);
   return handOver(output, capacity, outputLength);
 }
 
@@ -114,7 +118,7 @@ bool COrloProcesser::separatePage(const unsigned char* bitmap, unsigned int bitm
   const velka::InkRules rules(routing,
                               velka::InkTone{m_BrightnessBlack, m_ContrastBlack, m_LevelsBlack},
                               velka::InkTone{m_BrightnessRed, m_ContrastRed, m_LevelsRed});
-  const velka::OrloBitmap page = {{bitmap, bitmapSize}, m_PageWidth, m_PageHeight};
+  const velka::OrloBitmap page = {{bitmap, bitmapSize}, m_PageWidth, m_PageHeight, m_WhiteRows};
   const auto heads = velka::headDistance(verticalDpi, feedMode);
   if (velka::classPage(page, rules, m_OutputColorType, heads,
                        {m_BlackBuf, m_RedBuf, discarded.get()}))
@@ -127,8 +131,9 @@ bool COrloProcesser::separatePage(const unsigned char* bitmap, unsigned int bitm
 void COrloProcesser::halftone(velka::OrloPlane& plane, int mode) noexcept {
   if (!plane.hasData) return;
   const auto width = static_cast<unsigned int>(m_PageWidth);
-  Dither(mode, plane.data, plane.data, static_cast<unsigned int>(m_PageHeight), width, width, 0, 0,
-         128);
+  const int64_t rows = plane.filledRows(m_PageWidth);
+  plane.fillTo(static_cast<uint64_t>(rows * m_PageWidth));
+  Dither(mode, plane.data, plane.data, static_cast<unsigned int>(rows), width, width, 0, 0, 128);
 }
 
 int COrloProcesser::handOver(unsigned char** output, unsigned int capacity,
@@ -159,6 +164,7 @@ void COrloProcesser::addPixel(velka::OrloPlane& plane, uint8_t value, tagPOINT p
   if (plane.data == nullptr || point.x < 0 || point.y < 0) return;
   const uint64_t at = static_cast<uint64_t>(point.y) * rowWidth + static_cast<uint64_t>(point.x);
   if (at >= plane.size) return;
+  plane.fillTo(at + 1);
   plane.data[at] = value;
   plane.widen(point.x, point.x, point.y);
   m_RowWidth = rowWidth;

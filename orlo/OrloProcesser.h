@@ -15,6 +15,7 @@
 #include "DataTree.h"
 #include "DeviceRecords.h"
 #include "OrloPlane.h"
+#include "PageLoss.h"
 
 /// One ink's colour levels: items and tables for red (0), green (1), blue (2) and
 /// all channels at once (3).
@@ -46,6 +47,8 @@ class COrloProcesser {
   void EnableFaceDet(bool enable) noexcept;
   /// Copies the record's fields.
   void SetColorCFG(_COLORCFG_ORLO config) noexcept;
+  /// Rows at the bitmap's end that hold nothing and count as white; none by default.
+  void SetWhiteRows(uint32_t rows) noexcept { m_WhiteRows = rows; }
 
   // --- The page.
 
@@ -68,6 +71,9 @@ class COrloProcesser {
                       unsigned char** output, unsigned int capacity, unsigned int* outputLength,
                       const wchar_t* name, int horizontalDpi, int verticalDpi,
                       int feedMode) noexcept;
+
+  /// What of the page was lost because memory ran out.
+  [[nodiscard]] velka::PageLoss LostForMemory() const noexcept { return m_Loss; }
 
   // --- Tone.
 
@@ -214,5 +220,10 @@ class COrloProcesser {
   int sizeOutput(unsigned char** output, unsigned int capacity,
                  unsigned int* outputLength) const noexcept;
   void dropCommands() noexcept;
+  [[nodiscard]] bool appendColorMode(int mode) noexcept;
+  [[nodiscard]] bool canPrint(int horizontalDpi, int verticalDpi, int feedMode) const noexcept;
   void addPixel(velka::OrloPlane& plane, uint8_t value, tagPOINT point, uint32_t rowWidth) noexcept;
+
+  uint32_t m_WhiteRows = 0;
+  velka::PageLoss m_Loss = velka::PageLoss::None;
 };

@@ -23,6 +23,8 @@ bool classRow(std::span<const uint8_t> pixels, int64_t width, int64_t row, const
   const bool keepsBlack = row >= heads.blackFrom;
   const bool keepsRed = row >= heads.redFrom;
   const int64_t at = row * width;
+  if (keepsBlack) planes.black.fillTo(static_cast<uint64_t>(at + width));
+  if (keepsRed) planes.red.fillTo(static_cast<uint64_t>(at + width));
   const RowInk ink =
       separateRow(rules, pixels, keepsBlack ? planes.black.data + at : planes.discard,
                   keepsRed ? planes.red.data + at : planes.discard);
@@ -48,7 +50,7 @@ bool classPage(const OrloBitmap& page, const InkRules& rules, int outputColorTyp
   const size_t stride = page.bytes.size() / static_cast<size_t>(page.height);
   const size_t pixelBytes = std::min(stride, static_cast<size_t>(page.width) * kPixelBytes);
   bool stored = false;
-  for (int64_t row = 0; row < page.height; ++row) {
+  for (int64_t row = 0; row < page.height - page.whiteRows; ++row) {
     const auto bytes = page.bytes.subspan(static_cast<size_t>(row) * stride, stride);
     if (isBlankRow(bytes)) continue;
     // Deliberate: the last row counts only where both inks are on the page already.

@@ -10,11 +10,12 @@
 namespace velka {
 
 /// Rows of size / height bytes, the first width x 3 of them pixels. Width and
-/// height are above zero.
+/// height are above zero. The last `whiteRows` rows hold anything and count as white.
 struct OrloBitmap {
   std::span<const uint8_t> bytes;
   int64_t width;
   int64_t height;
+  int64_t whiteRows = 0;
 };
 
 /// Rows at the top of the page that an ink's head, lying that far down the paper
@@ -31,7 +32,8 @@ struct OrloPlanes {
   uint8_t* discard;  ///< a row to write what no plane keeps
 };
 
-/// Sorts the page's pixels into the planes, which hold width x height bytes each.
+/// Sorts the page's pixels into the planes, which have width x height bytes each and are
+/// filled as far as the page's ink reaches.
 /// Returns whether any pixel was stored.
 bool classPage(const OrloBitmap& page, const InkRules& rules, int outputColorType,
                const HeadDistance& heads, const OrloPlanes& planes) noexcept;

@@ -40,12 +40,16 @@ struct Job {
   Job(const Job&) = delete;
   Job& operator=(const Job&) = delete;
 
-  /// Puts a page bitmap into the record, as the raster reader leaves it.
-  void setPage(const reference::SourceBitmap& page, uint32_t number) {
+  /// Puts a page bitmap into the record, as the raster reader leaves it: the last
+  /// `whiteRows` rows hold anything, for they count as white.
+  void setPage(const reference::SourceBitmap& page, uint32_t number, uint32_t whiteRows = 0) {
     vFreeBuffer(&pdev);
     pdev.pBufStart = static_cast<uint8_t*>(std::malloc(page.bytes.size() + 1));
     if (!page.bytes.empty()) std::memcpy(pdev.pBufStart, page.bytes.data(), page.bytes.size());
     pdev.dwBufSize = static_cast<uint32_t>(page.bytes.size());
+    pdev.dwWhiteRows = whiteRows;
+    const size_t white = whiteRows == 0 ? 0 : page.bytes.size() / size_t(page.height) * whiteRows;
+    if (white > 0) std::memset(pdev.pBufStart + page.bytes.size() - white, 0x21, white);
     pdev.bmInfoHeader.biHeight = page.height;
     pdev.dwCurPageNum = number;
   }

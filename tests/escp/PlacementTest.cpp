@@ -35,10 +35,16 @@ TEST(PrintOffset, NegativeDistancesTruncateTowardsZero) {
   EXPECT_EQ(tenthsToDots(-15, 180), -10);  // -10.63 + 0.5
 }
 
-TEST(PrintOffset, HugeDistancesSaturate) {
-  constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
-  EXPECT_EQ(tenthsToDots(kMost, 32767), kMost);
-  EXPECT_EQ(tenthsToDots(std::numeric_limits<int32_t>::min(), 32767), -kMost);
+constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
+
+TEST(PrintOffset, DistancesThatFitNoIntegerAreTheLowestOne) {
+  EXPECT_EQ(tenthsToDots(std::numeric_limits<int32_t>::max(), 32767), kLowest);
+  EXPECT_EQ(tenthsToDots(kLowest, 32767), kLowest);
+  // Its negative is itself, in every sense and turn.
+  constexpr int kFar = std::numeric_limits<int>::max();
+  EXPECT_TRUE(offsetOf(kFar, 1, kFar, 1, 0, 1) == (PageOffset{kLowest, -1521838805}));
+  EXPECT_TRUE(offsetOf(kFar, 0, kFar, 0, 1, 1) == (PageOffset{kLowest, -1521838805}));
+  EXPECT_TRUE(offsetOf(kFar, 0, kFar, 0, 0, 2) == (PageOffset{1521838805, kLowest}));
 }
 
 TEST(PrintOffset, DirectionsNameTheSenses) {
@@ -130,6 +136,26 @@ TEST(Geometry, TheSourceKeepsTheSizeThatAnOffsetGrew) {
     RenderEscpData(&job.devobj);
   }
   EXPECT_EQ(+job.pdev.srcGdiInfo.szlPhysSize.cy, 40 + 35 + 35);
+}
+
+// The lowest integer, twice added, is gone again.
+TEST(Geometry, SumsThatFitNoIntegerWrap) {
+  Job job(100, 40, 180, 360);
+  job.options.sVtcOffset = std::numeric_limits<int32_t>::max();
+  const Capture capture(STDOUT_FILENO);
+  for (uint32_t page = 1; page <= 2; ++page) {
+    job.setPage({Bytes(kPageBytes, 0xFF), 40}, page);
+    RenderEscpData(&job.devobj);
+    EXPECT_EQ(+job.pdev.srcGdiInfo.szlPhysSize.cy, page == 1 ? kLowest + 40 : 40);
+    EXPECT_EQ(+job.pdev.bmInfoHeaderOut.biHeight, kLowest + 40);
+  }
+}
+
+TEST(Geometry, AScaleOfZeroGivesTheLowestInteger) {
+  Job job(100, 40, 720, 0);
+  const GDIINFO out = scaledGeometry(job.pdev.srcGdiInfo, job.pdev.dScaleX, job.pdev.dScaleY);
+  EXPECT_EQ(out.szlPhysSize.cy, kLowest);
+  EXPECT_EQ(scaledGeometry({}, 1.0, 0.0).szlPhysSize.cy, kLowest);
 }
 
 TEST(Placement, ARowThatWouldEndAtTheBuffersEndIsNotCopied) {

@@ -1,6 +1,7 @@
 // Writing to a printer that takes its bytes slowly or not at all.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -91,6 +92,38 @@ TEST(StandardOutput, InterruptionsDoNotLoseBytes) {
   close(ends[0]);
   close(ends[1]);
   sigaction(SIGUSR1, &before, nullptr);
+}
+
+// Writes to standard output while it takes no more than `room` bytes.
+size_t writeIntoLimit(const Bytes& bytes, size_t room) {
+  rlimit before = {};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto action = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small = {room, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const size_t written = writeToPrinter(bytes);
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, action);
+  return written;
+}
+
+// A disk that has room again, a reader that comes back: what was lost stays lost, and
+// the rest would be taken for something else.
+TEST(Printer, GetsNothingMoreAfterAWriteThatFailed) {
+  const Bytes bytes = pattern(100);
+  {
+    const Capture output(STDOUT_FILENO);
+    EXPECT_EQ(writeToPrinter(bytes), 100U);
+    EXPECT_EQ(writeIntoLimit(bytes, 130), 30U);
+    EXPECT_EQ(writeToPrinter(bytes), 0U);
+    EXPECT_EQ(writeToPrinter({}), 0U);
+    EXPECT_EQ(output.bytes().size(), 130U);
+  }
+  // Another standard output has no hole, and the copier's files never had one.
+  const Capture other(STDOUT_FILENO);
+  EXPECT_EQ(writeToPrinter(bytes), 100U);
+  EXPECT_EQ(writeAll(STDOUT_FILENO, bytes), 100U);
+  EXPECT_EQ(other.bytes().size(), 200U);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstring>
 
 #include "InitalizeOemCfg.h"
@@ -127,10 +128,10 @@ TEST(Options, DistancesAreTenthsInSinglePrecisionTruncated) {
                                                                              {"-1.5", -15},
                                                                              {"0.7", 7},
                                                                              {"5", 50},
-                                                                             {"1e30", 2147483647},
-                                                                             {"-1e30", -2147483647},
-                                                                             {"nan", 0},
-                                                                             {"inf", 2147483647},
+                                                                             {"1e30", INT_MIN},
+                                                                             {"-1e30", INT_MIN},
+                                                                             {"nan", INT_MIN},
+                                                                             {"inf", INT_MIN},
                                                                              {"abc", 0}}) {
     const tagOEMCFG o =
         optionsFrom({{"HorizontalOffsetValue", code}, {"VerticalOffsetValue", code}});

@@ -23,10 +23,11 @@ TEST(ColorLight, WorkVectorIsTheColourThroughATableOfItsOwn) {
   EXPECT_EQ(color.m_pWork[0], 20 / 255.0);
   EXPECT_EQ(color.m_pWork[1], 122 / 255.0);
   EXPECT_EQ(color.m_pWork[2], 1.0);
+  // What fits no integer lies below all of them.
   color.m_pColor[0] = 1e30;
   color.m_pColor[1] = -1e30;
   EXPECT_EQ(color.Light(20, 0), 1);
-  EXPECT_EQ(color.m_pWork[0], 1.0);
+  EXPECT_EQ(color.m_pWork[0], 20 / 255.0);
   EXPECT_EQ(color.m_pWork[1], 20 / 255.0);
 }
 

@@ -4,6 +4,7 @@
 #include <random>
 #include <string>
 
+#include "DiffusionWave.h"
 #include "Halftone.h"
 #include "LiteralImaging.h"
 
@@ -208,6 +209,18 @@ TEST(Halftone, EmptyAndNullPlanesReturnOneAndDoNothing) {
   }
   EXPECT_EQ(in, Bytes(4, 7));
   EXPECT_EQ(out, Bytes(4, 9));
+}
+
+// The rows left over go to the plain form, which would make all of them as well: only
+// the number tells that the wave was there.
+TEST(DiffusionWave, MakesAllRowsOfWholeGroupsAndLeavesTheOthers) {
+  for (size_t rows = 0; rows < 100; ++rows) {
+    Bytes plane(rows * 40 + 1, 200);
+    const velka::DiffusionRows all = {plane.data(), plane.data(), rows, 40, 40};
+    // The last of a group's sixteen rows is the first of the next group.
+    const size_t groups = rows == 0 ? 0 : (rows - 1) / 15;
+    EXPECT_EQ(velka::diffuseWave(all, 128), groups * 15) << rows;
+  }
 }
 
 }  // namespace

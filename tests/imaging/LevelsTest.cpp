@@ -150,9 +150,25 @@ TEST(Levels, EqualInputPointsMakeAStep) {
 
 TEST(Levels, NonsenseItemsAreDefined) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  EXPECT_EQ(withItem({nan, 0, 255, 0, 255}).m_LevelsTable[0][128], 0);
+  EXPECT_EQ(withItem({nan, 0, 255, 0, 255}).m_LevelsTable[0][128], 1);
   EXPECT_EQ(withItem({-1.0F, 0, 255, 0, 255}).m_LevelsTable[0][255], 255);
   EXPECT_EQ(withItem({1.0F, 200, 50, 0, 255}).m_LevelsTable[0][10], 0);
+}
+
+// What a curve of negative gamma makes too large for an integer is the lowest one, and
+// rounding leaves 1 in its low byte.
+TEST(Levels, NegativeGammaWrapsWhatFitsNoInteger) {
+  const CBmpProcessing steep = withItem({-0.03F, 0, 255, 0, 255});
+  EXPECT_EQ(steep.m_LevelsTable[0][0], 1);
+  EXPECT_EQ(steep.m_LevelsTable[0][100], 1);
+  EXPECT_EQ(steep.m_LevelsTable[0][255], 255);
+  for (int hundredths = -300; hundredths < 0; ++hundredths) {
+    const float gamma = static_cast<float>(hundredths) / 100.0F;
+    const auto expected = velka::literal::levelsTable(gamma, 0, 255, 0, 255);
+    const CBmpProcessing bmp = withItem({gamma, 0, 255, 0, 255});
+    for (size_t v = 0; v < 256; ++v)
+      ASSERT_EQ(bmp.m_LevelsTable[1][v], expected[v]) << hundredths << " " << v;
+  }
 }
 
 TEST(Levels, RandomItemsGiveTheTableOfTheFormula) {

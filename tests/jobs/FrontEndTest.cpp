@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
@@ -264,38 +263,6 @@ TEST(Cancelling, BeforeTheFirstPageEndsWithOne) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, Bytes{});
   EXPECT_EQ(result.errors, "");
-}
-
-TEST(Output, ABrokenPipeDoesNotEndTheJob) {
-  const TempFile ppd(ppdText({}));
-  FilterJob job;
-  job.ppd = ppd.path();
-  job.outputBroken = true;
-  const RasterPage page = inkedPage(rgbHeader(40, 60), 1);
-  job.input = rasterStream({page, page});
-  const FilterResult result = runFilter(kFilter, job);
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.errors, finished(2));
-}
-
-TEST(Output, ClosedDescriptorsAtStartKeepTheLogOutOfThePrinter) {
-  const TempFile ppd(ppdText({}));
-  const RasterPage page = inkedPage(rgbHeader(40, 60), 1);
-  const Bytes stream = rasterStream({page});
-  const TempFile file({reinterpret_cast<const char*>(stream.data()), stream.size()});
-  const Bytes expected = expectedStream(reference::defaultOptions(), {page});
-  for (const std::vector<int>& closed :
-       std::vector<std::vector<int>>{{0}, {1}, {2}, {0, 1}, {0, 2}, {1, 2}, {0, 1, 2}}) {
-    FilterJob job;
-    job.ppd = ppd.path();
-    job.arguments.push_back(file.path());
-    job.closedAtStart = closed;
-    const FilterResult result = runFilter(kFilter, job);
-    EXPECT_EQ(result.status, 0);
-    const bool outputOpen = std::find(closed.begin(), closed.end(), 1) == closed.end();
-    EXPECT_EQ(result.output, outputOpen ? expected : Bytes{});
-    EXPECT_EQ(logMessages().back(), "EndDocOemPDEV finished");
-  }
 }
 
 }  // namespace

@@ -104,6 +104,19 @@ TEST(HostileHeaders, OtherDepthsEqualTheReference) {
   }
 }
 
+// With fewer bits a row's pixels reach into rows that no line came for.
+TEST(HostileHeaders, OtherDepthsCutOffEqualTheReference) {
+  for (const unsigned bits : {1U, 8U, 16U, 23U, 25U, 32U, 48U})
+    for (const size_t lines : {size_t{0}, size_t{50}, size_t{75}, size_t{90}, size_t{99}}) {
+      RasterPage page = inkedPage(rgbHeader(40, 100), 2);
+      page.header.cupsBitsPerPixel = bits;
+      page.lines.resize(lines);
+      const FilterResult result = runJob({}, rawStream({page}));
+      EXPECT_EQ(result.status, 0);
+      expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+    }
+}
+
 TEST(HostileHeaders, LinesThatDisagreeWithTheWidthEqualTheReference) {
   // libcups takes lines of whole pixels at most and refuses the others as no header.
   for (const unsigned bytes : {1U, 2U, 3U, 60U, 117U, 119U, 120U, 121U, 123U, 240U, 999U}) {

@@ -173,20 +173,22 @@ TEST(JobLog, IsReadableByAllAndWritableByItsOwnerOnly) {
   EXPECT_EQ(status.st_mode & 0777U, 0644U);
 }
 
-// A job whose log cannot be written prints all the same.
-void expectPrintsWithoutLog() {
+// A job whose log cannot be written prints all the same. The print scheduler is told
+// once, on a line of its own, whatever the texts before and behind it.
+void expectPrintsWithoutLog(const std::string& reason) {
   const RasterPage page = inkedPage(rgbHeader(50, 40), 2);
-  const FilterResult result = runJob({}, rasterStream({page}));
+  const FilterResult result = runJob({}, rasterStream({page, page}));
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.errors, finished(1));
-  expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page}));
+  EXPECT_EQ(result.errors, "\nWARNING: The job log /tmp/velka.log cannot be opened: " + reason +
+                               ".\n" + finished(2));
+  expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page, page}));
 }
 
 TEST(JobLog, ALinkIsNotFollowed) {
   const TempFile target("precious");
   unlink(kLog);
   ASSERT_EQ(symlink(target.path().c_str(), kLog), 0);
-  expectPrintsWithoutLog();
+  expectPrintsWithoutLog("it is a symbolic link");
   unlink(kLog);
   std::ifstream file(target.path());
   std::string text;
@@ -197,15 +199,23 @@ TEST(JobLog, ALinkIsNotFollowed) {
 TEST(JobLog, AFifoDoesNotHoldTheJobUp) {
   unlink(kLog);
   ASSERT_EQ(mkfifo(kLog, 0666), 0);
-  expectPrintsWithoutLog();
+  expectPrintsWithoutLog("it is no regular file");
   unlink(kLog);
 }
 
 TEST(JobLog, AFolderInItsPlaceIsNoHindrance) {
   unlink(kLog);
   ASSERT_EQ(mkdir(kLog, 0777), 0);
-  expectPrintsWithoutLog();
+  expectPrintsWithoutLog("it is no regular file");
   rmdir(kLog);
+}
+
+TEST(JobLog, AReadOnlyOneIsToldWithTheSystemsReason) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may write to any file";
+  unlink(kLog);
+  close(open(kLog, O_WRONLY | O_CREAT | O_CLOEXEC, 0444));
+  expectPrintsWithoutLog("Permission denied");
+  unlink(kLog);
 }
 
 }  // namespace

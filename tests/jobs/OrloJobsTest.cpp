@@ -154,6 +154,28 @@ TEST(OrloJobs, AnOffsetBeyondThePageStillFeedsTheForm) {
   EXPECT_EQ(result.output, (Bytes{0x1B, '@', 0x1B, '2', 0x1B, 'C', 6, 0x0C, 0x1B, '@'}));
 }
 
+TEST(OrloJobs, LevelsBelowZeroPrintWhatTheirCurveWrapsTo) {
+  tagOEMCFG options = orloOptions();
+  options.LevelsBlack = -21;
+  options.LevelsRed = -6;
+  expectOrloJob({{"LevelsBlack", "-7"}, {"LevelsRed", "-2"}}, options,
+                {inkedPage(rgbHeader(70, 110), 38)});
+}
+
+// Nothing can be placed at 0 dpi: moves are none, and positions the low bytes of the
+// lowest integer.
+TEST(OrloJobs, APageAtZeroDpiPrintsItsRunsAtColumnZero) {
+  RasterPage page = whitePage(rgbHeader(40, 60, 0, 0));
+  std::fill_n(page.lines[20].begin() + 90, 3, uint8_t{0});
+  const TempFile ppd(ppdText({2, {}, false}));
+  Bytes expected = {0x1B, '@', 0x1B, '2', 0x1B, 'C', 0, 0x1B, 'r', 2};
+  expected.insert(expected.end(), {0x1B, '(', 'U', 1, 0, 10, 0x1B, '(', 'U', 1, 0, 60});
+  expected.insert(expected.end(), {0x1B, '$', 0, 0, 0x1B, '*', 0, 10, 0, 0x02});
+  expected.insert(expected.end(), 29, 0);
+  expected.insert(expected.end(), {0x0C, 0x1B, '@'});
+  EXPECT_EQ(runOrlo(ppd.path(), "", {page}).output, expected);
+}
+
 TEST(OrloJobs, CopiesAreLeftToThePrintSystem) {
   cups_page_header2_t header = rgbHeader(60, 80);
   header.NumCopies = 3;

@@ -79,9 +79,35 @@ TEST(StandardJobs, EveryResolutionPairOfTheHeadAndOthers) {
                                                                        {720, 360},
                                                                        {720, 720},
                                                                        {75, 180},
-                                                                       {180, 90}}) {
+                                                                       {180, 90},
+                                                                       {0, 0},
+                                                                       {180, 0},
+                                                                       {0, 180},
+                                                                       {720, 0}}) {
     SCOPED_TRACE(std::to_string(x) + " x " + std::to_string(y));
     expectJob({}, kDefaults, {inkedPage(rgbHeader(130, 110, x, y), 10)});
+  }
+}
+
+TEST(StandardJobs, LevelsBelowZeroPrintWhatTheirCurveWrapsTo) {
+  tagOEMCFG options = kDefaults;
+  options.LevelsBlack = -21;
+  options.LevelsRed = -6;
+  expectJob({{"LevelsBlack", "-7"}, {"LevelsRed", "-2"}}, options,
+            {inkedPage(rgbHeader(120, 90), 2)});
+}
+
+TEST(StandardJobs, DistancesThatFitNoIntegerEqualTheReference) {
+  tagOEMCFG options = kDefaults;
+  options.sHrzOffset = INT32_MIN;
+  options.sVtcOffset = INT32_MIN;
+  for (const int direction : {0, 1}) {
+    options.sVtcDir = direction;
+    const RasterPage page = inkedPage(rgbHeader(120, 90, 360, 360), 2);
+    expectJob({{"HorizontalOffsetValue", "nan"},
+               {"VerticalOffsetValue", "-1e30"},
+               {"VerticalOffset", std::to_string(direction)}},
+              options, {page, page});
   }
 }
 

@@ -116,6 +116,17 @@ TEST(LogConfigText, MainMayBeWrittenSmall) {
   EXPECT_EQ(sections[2].key, "MAIN");
 }
 
+TEST(LogConfigText, AByteOrderMarkBeforeTheFirstSectionIsSkipped) {
+  const auto sections = velka::parseConfig("\xEF\xBB\xBF[Main]\nlevel=error\n");
+  ASSERT_EQ(sections.size(), 1U);
+  EXPECT_EQ(sections[0].key, "Main");
+  EXPECT_EQ(sections[0].changes.size(), 1U);
+  // Anywhere else, and in part, it is what it always was: a line of no section.
+  EXPECT_TRUE(velka::parseConfig("\n\xEF\xBB\xBF[Main]\n").empty());
+  EXPECT_TRUE(velka::parseConfig("\xEF\xBB[Main]\n").empty());
+  EXPECT_TRUE(velka::parseConfig("\xEF\xBB\xBF").empty());
+}
+
 TEST(LogConfigText, OnlyFalseAndZeroAreFalse) {
   for (const std::string value : {"false", "False", "0"}) {
     EXPECT_EQ(parsed("outfile=" + value), (std::vector<Parsed>{{SettingCode::OutFile, 0, ""}}));

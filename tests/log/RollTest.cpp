@@ -109,6 +109,23 @@ TEST_F(LogWriting, ReserveTimeDeletesFormerFilesThatAreOld) {
   EXPECT_EQ(main.history.back().second, folder.file("third.log"));
 }
 
+// Deliberate: a file's age counts from its first use, so going back to an old one
+// removes it just after it was opened, and the line with it.
+TEST_F(LogWriting, ReserveTimeDeletesTheFileJustOpenedWhereItsFirstUseIsOld) {
+  LoggerInfo& main = Access::logger(manager);
+  EXPECT_TRUE(manager.setLoggerReserveTime(0, 1000));
+  for (const char* name : {"first", "second"}) {
+    EXPECT_TRUE(manager.setLoggerName(0, name));
+    EXPECT_TRUE(logText(manager, name));
+  }
+  main.history.front().first -= 2000;
+  EXPECT_TRUE(manager.setLoggerName(0, "first"));
+  EXPECT_TRUE(logText(manager, "lost"));
+  EXPECT_FALSE(std::filesystem::exists(folder.file("first.log")));
+  EXPECT_TRUE(logText(manager, "kept"));
+  EXPECT_EQ(linesOf(readFile(folder.file("first.log"))).size(), 1U);
+}
+
 TEST_F(LogWriting, LongestReserveTimeIsHarmless) {
   EXPECT_TRUE(manager.setLoggerReserveTime(0, INT64_MAX));
   EXPECT_TRUE(logText(manager, "one"));

@@ -85,6 +85,59 @@ TEST(ThreadHelper, RunsOneThreadAtATimeAndMayRunAgain) {
   EXPECT_EQ(worker.runs, 2);
 }
 
+// Its destructor is the last that can wait, for whoever forgot to.
+class Careless : public ThreadHelper {
+ public:
+  void run() noexcept override {
+    begun = true;
+    while (!released) {
+      usleep(1000);
+    }
+    usleep(20000);
+    ended = true;
+  }
+  // Not of the object, which may be gone.
+  static inline std::atomic<bool> begun = false;
+  static inline std::atomic<bool> released = false;
+  static inline std::atomic<bool> ended = false;
+};
+
+TEST(ThreadHelper, WaitsForItsThreadWhenItGoes) {
+  {
+    Careless careless;
+    ASSERT_TRUE(careless.startThread());
+    ASSERT_TRUE(logtest::eventually([] { return Careless::begun.load(); }));
+    Careless::released = true;
+  }
+  EXPECT_TRUE(Careless::ended);
+}
+
+/// This process's address space in bytes.
+std::size_t addressSpace() {
+  std::ifstream statm("/proc/self/statm");
+  std::size_t pages = 0;
+  statm >> pages;
+  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+// A thread keeps its stack until somebody has waited for it.
+TEST(ThreadHelper, StartingAgainLetsGoOfTheThreadThatEnded) {
+  constexpr std::size_t kRounds = 60;
+  constexpr std::size_t kStack = std::size_t{1} << 20U;  // less than any thread has
+  Worker worker;
+  worker.released = true;
+  const auto runOnce = [&] {
+    ASSERT_TRUE(worker.startThread());
+    ASSERT_TRUE(logtest::eventually([&] { return !worker.isWorking(); }));
+  };
+  runOnce();
+  const std::size_t before = addressSpace();
+  for (std::size_t round = 0; round < kRounds; ++round) {
+    runOnce();
+  }
+  EXPECT_LT(addressSpace(), before + kRounds * kStack);
+}
+
 TEST(ThreadHelper, LeavesSignalsToTheOtherThreads) {
   Worker worker;
   worker.released = true;

@@ -58,6 +58,15 @@ TEST(OrloCommands, ABlockNamesItsColumnsAndNoColour) {
   EXPECT_FALSE(processor.GetBlockDataCmd(0x28, run, nullptr, 3));
 }
 
+TEST(OrloCommands, AColumnWithoutAResolutionStandsWhereTheLowestIntegerSays) {
+  for (const int column : {0, 5}) {
+    COrloProcesser processor;
+    processor.MoveToXPosition(column, 0);
+    EXPECT_EQ(Bytes(processor.m_pCmdBuf, processor.m_pCmdBuf + processor.m_dwCmdLen),
+              (Bytes{0x1B, 0x28, 0x55, 0x01, 0x00, 0x3C, 0x1B, 0x24, 0, 0}));
+  }
+}
+
 TEST(OrloCommands, BuildersKeepTheContractOfTheStandardModel) {
   COrloProcesser processor;
   unsigned char* buffer = nullptr;

@@ -57,6 +57,14 @@ void movePage(_OEMPDEV* pdev) {
   pdev->dwBufSize = 0;
 }
 
+// No page of these tests runs out of memory.
+bool sendPage(_DEVOBJ& devobj) {
+  PageLoss loss = PageLoss::Rest;
+  const bool sent = sendOrloPage(devobj, loss);
+  EXPECT_EQ(loss, PageLoss::None);
+  return sent;
+}
+
 class OrloJob : public ::testing::Test {
  protected:
   OrloJob() {
@@ -94,7 +102,7 @@ class OrloJob : public ::testing::Test {
     std::memcpy(pdev_.pBufStartOut, page.bytes.data(), page.bytes.size());
     pdev_.bmInfoHeaderOut.biWidth = page.width;
     pdev_.bmInfoHeaderOut.biHeight = page.height;
-    return captured([&] { EXPECT_EQ(sendOrloPage(devobj_), expected); });
+    return captured([&] { EXPECT_EQ(sendPage(devobj_), expected); });
   }
 
   // What one page writes through the renderer.
@@ -107,8 +115,7 @@ class OrloJob : public ::testing::Test {
     pdev_.bmInfoHeader.biHeight = page.height;
     pdev_.bmInfoHeader.biBitCount = 24;
     pdev_.srcGdiInfo.szlPhysSize = {page.width, page.height};
-    constexpr PageServices kServices = {.growOutputBuffer = growOutput,
-                                        .freePageBuffer = freePage,
+    constexpr PageServices kServices = {.freePageBuffer = freePage,
                                         .movePageBuffer = movePage,
                                         .freeOutputBuffer = freeOutput,
                                         .freeSections = [](_OEMPDEV*) {},
@@ -207,16 +214,16 @@ TEST_F(OrloJob, PagesWithoutPixelsSendNothing) {
   send(page);
   for (const int32_t size : {0, -5}) {
     pdev_.bmInfoHeaderOut.biWidth = size;
-    EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendOrloPage(devobj_)); }).empty());
+    EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendPage(devobj_)); }).empty());
     pdev_.bmInfoHeaderOut.biWidth = page.width;
     pdev_.bmInfoHeaderOut.biHeight = size;
-    EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendOrloPage(devobj_)); }).empty());
+    EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendPage(devobj_)); }).empty());
     pdev_.bmInfoHeaderOut.biHeight = page.height;
   }
   freeOutput(&pdev_);
-  EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendOrloPage(devobj_)); }).empty());
+  EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendPage(devobj_)); }).empty());
   _DEVOBJ empty = {};
-  EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendOrloPage(empty)); }).empty());
+  EXPECT_TRUE(captured([&] { EXPECT_FALSE(sendPage(empty)); }).empty());
 }
 
 TEST_F(OrloJob, ARenderedPageStartsTheDocumentAndEndsWithAFormFeed) {

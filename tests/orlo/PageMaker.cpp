@@ -59,6 +59,7 @@ void loadPlane(OrloPlane& target, const Plane& plane) {
   target.data = static_cast<unsigned char*>(std::malloc(std::max<size_t>(plane.bytes.size(), 1)));
   std::memcpy(target.data, plane.bytes.data(), plane.bytes.size());
   target.size = static_cast<uint32_t>(plane.bytes.size());
+  target.filled = target.size;
   target.hasData = plane.top >= 0;
   target.left = plane.left;
   target.top = plane.top;

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "orlo/LiteralPipeline.h"
+#include "orlo/RandomBitmaps.h"
 
 namespace velka::orlotest {
 namespace {
@@ -23,9 +24,16 @@ int separate(COrloProcesser& processor, const Bitmap& page, const _COLORCFG_ORLO
   return result;
 }
 
+// What a plane stands for: behind its filled bytes nothing prints.
+Bytes bytesOf(const OrloPlane& plane) {
+  Bytes bytes(plane.data, plane.data + plane.filled);
+  bytes.resize(plane.size, 255);
+  return bytes;
+}
+
 void expectPlane(const OrloPlane& plane, const LiteralPlane& expected) {
   ASSERT_EQ(plane.size, expected.bytes.size());
-  EXPECT_EQ(Bytes(plane.data, plane.data + plane.size), expected.bytes);
+  EXPECT_EQ(bytesOf(plane), expected.bytes);
   EXPECT_EQ(plane.hasData, expected.hasData);
   EXPECT_EQ(plane.left, expected.left);
   EXPECT_EQ(plane.top, expected.top);
@@ -40,58 +48,6 @@ void expectAsLiterally(const Bitmap& page, const _COLORCFG_ORLO& config, int ver
   const LiteralPlanes expected = separateLiterally(page, config, verticalDpi, feedMode);
   expectPlane(processor.m_BlackBuf, expected.black);
   expectPlane(processor.m_RedBuf, expected.red);
-}
-
-Bitmap randomBitmap(std::mt19937& random) {
-  constexpr std::array<uint8_t, 12> kEdges = {0,   1,   100, 105, 109, 128,
-                                              130, 199, 200, 239, 240, 250};
-  const auto below = [&](size_t n) {
-    return std::uniform_int_distribution<size_t>(0, n - 1)(random);
-  };
-  const auto channel = [&] {
-    return below(3) == 0 ? static_cast<uint8_t>(below(256)) : kEdges.at(below(kEdges.size()));
-  };
-  Bitmap page(1 + static_cast<int>(below(40)), 1 + static_cast<int>(below(90)), below(4));
-  for (int y = 0; y < page.height; ++y) {
-    if (below(3) == 0) continue;
-    for (int x = 0; x < page.width; ++x) {
-      const uint8_t grey = channel();
-      switch (below(4)) {
-        case 0:
-          page.set(x, y, channel(), channel(), channel());
-          break;
-        case 1:
-          page.set(x, y, grey, grey, static_cast<uint8_t>(grey ^ below(16)));
-          break;
-        case 2:
-          page.set(x, y, 0, 0, 255);
-          break;
-        default:
-          break;
-      }
-    }
-  }
-  return page;
-}
-
-_COLORCFG_ORLO randomConfig(std::mt19937& random) {
-  const auto in = [&](int low, int high) {
-    return std::uniform_int_distribution<int>(low, high)(random);
-  };
-  const auto tone = [&](int16_t& brightness, int16_t& contrast, int16_t& levels, int16_t& dither) {
-    brightness = static_cast<int16_t>(in(0, 1) == 0 ? 0 : in(-200, 200));
-    contrast = static_cast<int16_t>(in(0, 1) == 0 ? 0 : in(-200, 200));
-    levels = static_cast<int16_t>(in(0, 300));
-    dither = static_cast<int16_t>(in(0, 7));
-  };
-  _COLORCFG_ORLO config = plainConfig();
-  config.OutputColorType = static_cast<uint16_t>(in(0, 2) != 0 ? 3 : in(0, 4));
-  config.ColorRangeUseFor = static_cast<uint16_t>(in(0, 3));
-  config.minColorOffset.rgbRed = static_cast<uint8_t>(in(0, 255));
-  config.maxColorOffset.rgbGreen = static_cast<uint8_t>(in(100, 255));
-  tone(config.BrightnessRed, config.ContrastRed, config.LevelsRed, config.sDitherRed);
-  tone(config.BrightnessBlack, config.ContrastBlack, config.LevelsBlack, config.sDitherBlack);
-  return config;
 }
 
 TEST(Pipeline, EqualsTheLiteralOneOnRandomPages) {
@@ -216,7 +172,7 @@ TEST(HeadDistance, DroppedInkGivesThePlaneNoData) {
   COrloProcesser front;
   EXPECT_EQ(separate(front, page, plainConfig(), 180, 1), 0);
   EXPECT_FALSE(front.m_RedBuf.hasData);
-  EXPECT_EQ(Bytes(front.m_RedBuf.data, front.m_RedBuf.data + 80), Bytes(80, 255));
+  EXPECT_EQ(bytesOf(front.m_RedBuf), Bytes(80, 255));
 }
 
 TEST(LastRow, CountsOnlyWhereBothInksAreThereAlready) {
@@ -258,7 +214,7 @@ TEST(Boxes, HoldPixelsTooLightToPrint) {
   EXPECT_EQ(processor.m_BlackBuf.top, 40);
   EXPECT_EQ(processor.m_BlackBuf.right, 7);
   EXPECT_EQ(processor.m_BlackBuf.bottom, 45);
-  EXPECT_EQ(Bytes(processor.m_BlackBuf.data, processor.m_BlackBuf.data + 540), Bytes(540, 255));
+  EXPECT_EQ(bytesOf(processor.m_BlackBuf), Bytes(540, 255));
   EXPECT_EQ(processor.m_RowWidth, 9U);
 }
 

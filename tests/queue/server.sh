@@ -20,6 +20,8 @@ queues=("$standard" "$orlo")
 # A log of the print service's user would be in the way of whoever prints next.
 filter_log=/tmp/velka.log
 had_filter_log=$([[ ! -e $filter_log ]] || echo yes)
+# And that of another user would be in its way, which the server's log would be full of.
+rm -rf "$filter_log" 2>/dev/null || true
 
 fail() {
   printf 'FAILED: %s\n' "$*" >&2

@@ -20,7 +20,7 @@ TEST(ReferenceCommands, ALandscapePageTakesItsWidth) {
 }
 
 TEST(ReferenceCommands, AResolutionOfZeroStillYieldsACommand) {
-  EXPECT_EQ(startDocument(1, 100, 100, 180, 0), ExpectedStream().start(0xFF).bytes());
+  EXPECT_EQ(startDocument(1, 100, 100, 180, 0), ExpectedStream().start(0).bytes());
   EXPECT_EQ(startDocument(1, 100, 0, 180, 0), ExpectedStream().start(0).bytes());
 }
 

@@ -167,9 +167,18 @@ TEST(ReferenceLayout, AnOffsetPastThePageLeavesNothing) {
 
 TEST(ReferenceLayout, AnOutputBeyondThirtyTwoBitsIsNotAllocated) {
   tagOEMCFG options = defaultOptions();
-  options.sHrzOffset = INT32_MAX;
+  options.sHrzOffset = INT32_MAX - 4;
   DeviceState device = deviceOf(4, 3, oneDotATenth);
   EXPECT_FALSE(layOutPage(numbered(4, 3), options, device).allocated);
+}
+
+TEST(ReferenceLayout, AWidthThatFitsNoIntegerWrapsToAnEmptyPage) {
+  tagOEMCFG options = defaultOptions();
+  options.sHrzOffset = INT32_MAX;
+  DeviceState device = deviceOf(4, 3, oneDotATenth);
+  const OutputPage page = layOutPage(numbered(4, 3), options, device);
+  EXPECT_TRUE(page.allocated);
+  EXPECT_EQ(page.image.width, 0);
 }
 
 TEST(ReferenceLayout, PagesAbove360AreSentAs360) {

@@ -259,7 +259,7 @@ TEST(ReferenceJob, ZeroWidthsAndResolutionsEndSafely) {
   paintRow(inked, 30, blackInk);
   inked.header.xResolution = 0;
   inked.header.yResolution = 0;
-  EXPECT_EQ(runJob(options, {inked}), ExpectedStream().start(0xFF).end().bytes());
+  EXPECT_EQ(runJob(options, {inked}), ExpectedStream().start(0).end().bytes());
 }
 
 TEST(ReferenceJob, TheStreamReadsBackWithTheDotsOfThePage) {

@@ -36,20 +36,20 @@ Geometry scaledGeometry(const DeviceState& device) {
   g.offsetY = offset;  // the vertical offset takes the horizontal value, on purpose
   g.vertRes = asUnsigned(divided(device.source.vertRes, device.scaleY));
   g.vertSize = asUnsigned(divided(device.source.vertSize, device.scaleY));
-  g.sizeY = clamp32(divided(device.source.sizeY, device.scaleY));
+  g.sizeY = wrap32(divided(device.source.sizeY, device.scaleY));
   return g;
 }
 
 void growGeometry(Geometry& g, int64_t& height, Shift shift, DeviceState& device) {
   g.horzSize = asUnsigned(divided(device.source.horzSize, device.scaleX) + shift.x);
   g.horzRes = asUnsigned(divided(device.source.horzRes, device.scaleX) + shift.x);
-  g.sizeX = clamp32(divided(device.source.sizeX, device.scaleX) + shift.x);
+  g.sizeX = wrap32(divided(device.source.sizeX, device.scaleX) + shift.x);
   const bool portrait = device.orientation == 1;
-  const int64_t growth = portrait ? shift.y : -shift.y;
-  height += growth;
+  const int64_t growth = portrait ? shift.y : wrap32(-shift.y);
+  height = wrap32(height + growth);
   g.vertRes = asUnsigned(g.vertRes + growth);
   g.vertSize = asUnsigned(g.vertSize + growth);
-  g.sizeY = clamp32(g.sizeY + growth);
+  g.sizeY = wrap32(g.sizeY + growth);
   if (portrait && shift.y != 0) {
     device.source.sizeY = g.sizeY;
   }
@@ -93,15 +93,15 @@ Shift printShift(const tagOEMCFG& options, int orientation, int printQuality, in
   const int64_t vy = offsetInDots(options.sVtcOffset, yResolution);
   Shift shift;
   if (orientation == 1) {
-    shift.x = directed(options.sHrzDir, hx, -hx);
-    shift.y = directed(options.sVtcDir, vy, -vy);
+    shift.x = directed(options.sHrzDir, hx, wrap32(-hx));
+    shift.y = directed(options.sVtcDir, vy, wrap32(-vy));
   } else {
-    shift.y = directed(options.sHrzDir, -hx, hx);
-    shift.x = directed(options.sVtcDir, vy, -vy);
+    shift.y = directed(options.sHrzDir, wrap32(-hx), hx);
+    shift.x = directed(options.sVtcDir, vy, wrap32(-vy));
   }
   if (options.sRotation != 0) {
-    shift.x = -shift.x;
-    shift.y = -shift.y;
+    shift.x = wrap32(-shift.x);
+    shift.y = wrap32(-shift.y);
   }
   return shift;
 }
@@ -151,8 +151,8 @@ Geometry turnGeometry(const Geometry& before, int64_t turns) {
   const int64_t restX = int64_t{before.sizeX} - before.horzRes - before.offsetX;
   const int64_t restY = int64_t{before.sizeY} - before.vertRes - before.offsetY;
   if (turns == 2) {
-    after.offsetX = clamp32(restX);
-    after.offsetY = clamp32(restY);
+    after.offsetX = wrap32(restX);
+    after.offsetY = wrap32(restY);
   }
   if (turns == 1 || turns == 3) {
     after.horzRes = before.vertRes;
@@ -161,8 +161,8 @@ Geometry turnGeometry(const Geometry& before, int64_t turns) {
     after.vertSize = before.horzSize;
     after.sizeX = before.sizeY;
     after.sizeY = before.sizeX;
-    after.offsetX = turns == 1 ? before.offsetY : clamp32(restY);
-    after.offsetY = turns == 1 ? clamp32(restX) : before.offsetX;
+    after.offsetX = turns == 1 ? before.offsetY : wrap32(restY);
+    after.offsetY = turns == 1 ? wrap32(restX) : before.offsetX;
   }
   return after;
 }
@@ -179,7 +179,7 @@ OutputPage layOutPage(const SourceBitmap& source, const tagOEMCFG& options, Devi
   page.geometry = scaledGeometry(device);
   int64_t height = source.height;
   growGeometry(page.geometry, height, shift, device);
-  const int64_t width = device.width + shift.x;
+  const int64_t width = wrap32(device.width + shift.x);
   page.startCommands = startDocument(device.orientation, page.geometry.sizeX, page.geometry.sizeY,
                                      page.printQuality, page.yResolution);
   if (width <= 0 || height <= 0) {

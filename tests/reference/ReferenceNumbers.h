@@ -1,34 +1,23 @@
 // Conversions from floating point to integers, defined for every input.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 namespace velka::reference {
 
-/// Truncation towards zero into 32 bits: beyond the range the nearest end of
-/// it, 0 for a value that is no number.
+/// Truncation towards zero into 32 bits, as the processor truncates: 80000000 in
+/// hexadecimal for all that 32 bits do not hold, numbers or not.
 inline int32_t truncate32(double value) {
-  if (value != value) {
-    return 0;
-  }
-  if (value >= 2147483647.0) {
-    return INT32_MAX;
-  }
-  if (value <= -2147483648.0) {
-    return INT32_MIN;
-  }
-  return static_cast<int32_t>(value);
+  const double whole = std::trunc(value);
+  const bool held = -2147483648.0 <= whole && whole <= 2147483647.0;
+  return held ? static_cast<int32_t>(whole) : INT32_MIN;
 }
 
-/// The same end stops for a sum that was made in 64 bits.
-inline int32_t clamp32(int64_t value) {
-  if (value > INT32_MAX) {
-    return INT32_MAX;
-  }
-  if (value < INT32_MIN) {
-    return INT32_MIN;
-  }
-  return static_cast<int32_t>(value);
+/// What 32 bits keep of a sum that was made in 64.
+inline int32_t wrap32(int64_t value) {
+  const int64_t low = value & 0xFFFFFFFF;
+  return static_cast<int32_t>(low < 0x80000000 ? low : low - 0x100000000);
 }
 
 }  // namespace velka::reference

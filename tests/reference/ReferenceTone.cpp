@@ -54,10 +54,8 @@ std::array<uint8_t, 256> levelsTable(const Levels& levels) {
   for (int x = 0; x < 256; ++x) {
     double t = 0.0;
     if (x > levels.inLow) {
-      int n = truncate32((x - levels.inLow) * scaleIn + 0.5);
-      if (n >= 256) {
-        n = 255;
-      }
+      const double stretched = (x - levels.inLow) * scaleIn + 0.5;
+      const int n = stretched >= 256 ? 255 : truncate32(stretched);
       t = n / 255.0;
     }
     const int y = truncate32(std::pow(t, exponent) * 255.0 + 0.5);

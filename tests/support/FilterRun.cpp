@@ -43,6 +43,10 @@ struct Descriptors {
     const rlimit limit = {job.addressSpace, job.addressSpace};
     setrlimit(RLIMIT_AS, &limit);
   }
+  if (job.fileSize > 0) {
+    const rlimit limit = {job.fileSize, job.fileSize};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
   std::vector<char*> argv = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : job.arguments)
     argv.push_back(const_cast<char*>(argument.c_str()));
@@ -56,10 +60,13 @@ struct Descriptors {
   _exit(127);
 }
 
-int statusOf(int pid) {
+// Waits for the program's end.
+void collect(int pid, FilterResult& result) {
   int status = 0;
-  waitpid(pid, &status, 0);
-  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  rusage usage = {};
+  wait4(pid, &status, 0, &usage);
+  result.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  result.peakKiB = usage.ru_maxrss;
 }
 
 std::string asText(const Bytes& bytes) {
@@ -68,22 +75,30 @@ std::string asText(const Bytes& bytes) {
 
 }  // namespace
 
+Bytes readToEnd(int fd) {
+  Bytes bytes;
+  Bytes piece(4096);
+  for (ssize_t n = 0; (n = read(fd, piece.data(), piece.size())) > 0;)
+    bytes.insert(bytes.end(), piece.begin(), piece.begin() + n);
+  return bytes;
+}
+
 FilterResult runFilter(const std::string& program, const FilterJob& job) {
   int feedPipe[2] = {-1, -1};
-  int brokenPipe[2] = {-1, -1};
+  int outputPipe[2] = {-1, -1};
+  const bool piped = job.outputBroken || job.drain;
   if (job.feed && pipe2(feedPipe, O_CLOEXEC) != 0) return {};
-  if (job.outputBroken) {
-    if (pipe2(brokenPipe, O_CLOEXEC) != 0) return {};
-    close(brokenPipe[0]);
-  }
+  if (piped && pipe2(outputPipe, O_CLOEXEC) != 0) return {};
+  if (job.outputBroken) close(outputPipe[0]);
+  if (job.drain) fcntl(outputPipe[1], F_SETPIPE_SZ, 4096);
   const int output = memfd_create("output", MFD_CLOEXEC);
   const int errors = memfd_create("errors", MFD_CLOEXEC);
   const Descriptors fds = {job.feed ? feedPipe[0] : fileWith(job.input),
-                           job.outputBroken ? brokenPipe[1] : output, errors};
+                           piped ? outputPipe[1] : output, errors};
   const int pid = fork();
   if (pid == 0) becomeFilter(program, job, fds);
   close(fds.in);
-  if (job.outputBroken) close(brokenPipe[1]);
+  if (piped) close(outputPipe[1]);
   if (job.feed) {
     // A filter that has ended must not end the test with it.
     const auto before = std::signal(SIGPIPE, SIG_IGN);
@@ -92,8 +107,12 @@ FilterResult runFilter(const std::string& program, const FilterJob& job) {
     std::signal(SIGPIPE, before);
   }
   FilterResult result;
-  result.status = statusOf(pid);
-  result.output = contentsOf(output);
+  if (job.drain) {
+    result.output = job.drain(pid, outputPipe[0]);
+    close(outputPipe[0]);
+  }
+  collect(pid, result);
+  if (!job.drain) result.output = contentsOf(output);
   result.errors = asText(contentsOf(errors));
   close(output);
   close(errors);

@@ -22,8 +22,13 @@ struct FilterJob {
   /// Called with the process id once the program runs; input is fed by it through
   /// the descriptor instead of from `input`.
   std::function<void(int pid, int inputFd)> feed;
+  /// Called with the process id once the program runs; standard output is a small pipe
+  /// then, which this reads to its end through the descriptor. It returns the output.
+  std::function<Bytes(int pid, int outputFd)> drain;
   /// Most bytes of address space the program may take; 0 for no limit.
   size_t addressSpace = 0;
+  /// Most bytes that a file may have which the program writes; 0 for no limit.
+  size_t fileSize = 0;
   /// Standard output is a pipe that nobody reads.
   bool outputBroken = false;
 };
@@ -32,10 +37,14 @@ struct FilterResult {
   int status = -1;  ///< exit status; 128 + signal where one ended the program
   Bytes output;
   std::string errors;  ///< standard error
+  long peakKiB = 0;    ///< most memory that it had at a time
 };
 
 /// Runs `program` to its end.
 FilterResult runFilter(const std::string& program, const FilterJob& job);
+
+/// All that comes out of a descriptor until its end.
+Bytes readToEnd(int fd);
 
 /// The lines of the job log without their headers, file suffixes and line ends.
 std::vector<std::string> logMessages();

@@ -1,0 +1,41 @@
+#include "CopyPages.h"
+
+#include <array>
+#include <bit>
+
+#include "GrowingBuffer.h"
+#include "StandardOutput.h"
+
+namespace velka {
+
+void CopyPages::endAt(unsigned int length) noexcept {
+  const auto bytes = std::bit_cast<std::array<uint8_t, sizeof length>>(length);
+  (void)appendAt(&ends_, &size_, &size_, bytes);
+}
+
+void CopyPages::clear() noexcept {
+  std::free(ends_);
+  ends_ = nullptr;
+  size_ = 0;
+}
+
+void CopyPages::repeat(std::span<const uint8_t> kept, int times,
+                       CancelFlag canceled) const noexcept {
+  for (int i = 0; i < times; ++i)
+    if (!writeOnce(kept, canceled)) return;
+}
+
+bool CopyPages::writeOnce(std::span<const uint8_t> kept, CancelFlag canceled) const noexcept {
+  size_t begin = 0;
+  const auto writeTo = [&](size_t end) {
+    if (isCanceled(canceled)) return false;
+    writeToPrinter(kept.subspan(begin, end - begin));
+    begin = end;
+    return true;
+  };
+  for (const unsigned int end : ends())
+    if (end <= kept.size() && !writeTo(end)) return false;
+  return begin == kept.size() || writeTo(kept.size());
+}
+
+}  // namespace velka

@@ -1,0 +1,34 @@
+#include "JobLog.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "SafeFile.h"
+
+namespace velka {
+
+const char* whyNotOpened(const char* path, int error) noexcept {
+  struct stat status = {};
+  if (lstat(path, &status) == 0) {
+    if (S_ISLNK(status.st_mode)) return "it is a symbolic link";
+    if (!S_ISREG(status.st_mode)) return "it is no regular file";
+  }
+  // Not in the user's language: the line is for the administrator.
+  return error == 0 ? "it is not this user's alone" : strerrordesc_np(error);
+}
+
+bool emptyJobLog() noexcept {
+  errno = 0;
+  if (openRegularForWriting(kJobLog, true) != nullptr) return true;
+  const int error = errno;
+  // Other filters share the stream, and our own texts end without a line end: the
+  // warning begins and ends with one, else the scheduler would not know its prefix.
+  std::fprintf(stderr, "\nWARNING: The job log %s cannot be opened: %s.\n", kJobLog,
+               whyNotOpened(kJobLog, error));
+  return false;
+}
+
+}  // namespace velka

@@ -1,0 +1,16 @@
+// The file of the job log.
+#pragma once
+
+namespace velka {
+
+inline constexpr const char* kJobLog = "/tmp/velka.log";
+
+/// What kept a file from being opened for writing, for people to read. `error` is what
+/// the system said, 0 where it had no objection.
+[[nodiscard]] const char* whyNotOpened(const char* path, int error) noexcept;
+
+/// Empties the job log, or makes it. Where it cannot be opened the job prints without
+/// one, and a warning for the print scheduler's log says why. Returns whether it could.
+bool emptyJobLog() noexcept;
+
+}  // namespace velka
