@@ -28,7 +28,7 @@ UniqueFd lockCountFile() noexcept {
   constexpr int kAttempts = 6000;
   constexpr useconds_t kPause = 5000;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    UniqueFd file = openOrMakeOwnFile(kCountFile);
+    UniqueFd file = openOwnFile(kCountFile, O_RDWR | O_CREAT);
     if (!file) return file;
     if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
       usleep(kPause);

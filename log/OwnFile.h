@@ -1,9 +1,12 @@
-// Files under directories that others may write to, where only a file of our own
-// may be read, written or removed.
+// Files under directories that others may write to, such as /tmp, where only a file of
+// our own may be read, written or removed.
 //
 // A file is our own when it is regular, belongs to this process's user and has one
-// name. In a sticky directory such as /tmp nobody else can then replace it.
+// name. In a sticky directory nobody else can then replace it.
 #pragma once
+
+#include <fcntl.h>
+#include <sys/types.h>
 
 #include <utility>
 
@@ -14,7 +17,7 @@ class UniqueFd {
  public:
   explicit UniqueFd(int fd = -1) noexcept : fd_(fd) {}
   ~UniqueFd();
-  UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  UniqueFd(UniqueFd&& other) noexcept : fd_(other.release()) {}
   UniqueFd& operator=(UniqueFd&& other) noexcept {
     std::swap(fd_, other.fd_);
     return *this;
@@ -24,17 +27,18 @@ class UniqueFd {
 
   [[nodiscard]] int get() const noexcept { return fd_; }
   [[nodiscard]] explicit operator bool() const noexcept { return fd_ >= 0; }
+  int release() noexcept { return std::exchange(fd_, -1); }
 
  private:
   int fd_;
 };
 
-/// Opens our own file at `path` for reading. None for links, FIFOs, folders and
-/// files of somebody else.
-[[nodiscard]] UniqueFd openOwnFile(const char* path) noexcept;
-
-/// The same for reading and writing, made with mode 0600 where there is none.
-[[nodiscard]] UniqueFd openOrMakeOwnFile(const char* path) noexcept;
+/// Opens our own file at `path` with the flags of open(), with O_CREAT made where there
+/// is none, its mode less the umask. None for links, FIFOs (which are not waited for),
+/// folders, devices, files of somebody else or with a second name, and for null. Nothing
+/// may be emptied before that is known, so O_TRUNC is not for here.
+[[nodiscard]] UniqueFd openOwnFile(const char* path, int flags = O_RDONLY,
+                                   mode_t mode = 0600) noexcept;
 
 /// Whether `path` still names the open file.
 [[nodiscard]] bool isNamed(const UniqueFd& file, const char* path) noexcept;
