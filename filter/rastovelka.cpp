@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +17,7 @@
 #include "MarkedOptions.h"
 #include "PageFiles.h"
 #include "PageMemory.h"
+#include "PdfInput.h"
 #include "PlainNames.h"
 #include "PpmImage.h"
 #include "PreInc.h"
@@ -102,19 +102,6 @@ int printPages(const PageSource& from) noexcept {
     if (Canceled != 1) std::fputs("Finish print operation.", stderr);
   }
   return page;
-}
-
-// Gives the record's page buffer the size of the picture. Where the record holds
-// none, or memory does not hold the picture, the page is not printed.
-std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
-  const auto size = velka::checkedMul32(stride, static_cast<uint64_t>(height));
-  if (g_oemPDEV.pBufStart != nullptr) {
-    std::free(g_oemPDEV.pBufStart);
-    g_oemPDEV.pBufStart = size ? velka::zeroedBytes(*size).release() : nullptr;
-  }
-  InitPdfProcessOemPDEV(size ? static_cast<unsigned int>(stride) : 0, width, height);
-  if (g_oemPDEV.pBufStart == nullptr) return {};
-  return {g_oemPDEV.pBufStart, g_oemPDEV.dwBufSize};
 }
 
 }  // namespace
@@ -258,18 +245,6 @@ void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_
   VELKA_LOG_DEBUG("tempPPM: %s", ppmName);
 }
 
-void InitPdfProcessOemPDEV(unsigned int stride, int width, int height) noexcept {
-  const auto rows = static_cast<uint32_t>(std::max(height, 0));
-  const uint32_t size = velka::checkedMul32(stride, rows).value_or(0);
-  g_oemPDEV.bmInfoHeader.biSizeImage = size;
-  g_oemPDEV.dwBufSize = size;
-  g_oemPDEV.bmInfoHeader.biHeight = height;
-  g_oemPDEV.bmInfoHeader.biWidth = width;
-  g_oemPDEV.srcGdiInfo.szlPhysSize = {width, height};
-  g_oemPDEV.srcGdiInfo.ulHorzRes = static_cast<uint32_t>(width);
-  g_oemPDEV.srcGdiInfo.ulVertRes = static_cast<uint32_t>(height);
-}
-
 void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
                    cups_page_header2_t header, const char* pdfPath) noexcept {
   PdftoppmCmd(ppmName, argv, page, &header, pdfPath);
@@ -286,7 +261,7 @@ void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
   if (data == nullptr) return;
   const auto pixels = static_cast<uint32_t>(width);
   const uint64_t stride = velka::paddedRowBytes(pixels, header.cupsBitsPerPixel);
-  const std::span<uint8_t> bitmap = resizePage(stride, width, height);
+  const std::span<uint8_t> bitmap = velka::resizePage(stride, width, height);
   const std::span<const uint8_t> picture(data, contents + size);
   velka::storePpmRows(picture, pixels, static_cast<uint32_t>(height), bitmap, stride);
   std::remove(ppmName);

@@ -24,10 +24,6 @@ bool isOwnPath(const char* path, Status& status) noexcept {
 
 }  // namespace
 
-UniqueFd::~UniqueFd() {
-  if (fd_ >= 0) close(fd_);
-}
-
 UniqueFd openOwnFile(const char* path, int flags, mode_t mode) noexcept {
   UniqueFd file(path == nullptr ? -1 : open(path, flags | kSafeFlags, mode));
   Status status = {};

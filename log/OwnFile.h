@@ -8,30 +8,9 @@
 #include <fcntl.h>
 #include <sys/types.h>
 
-#include <utility>
+#include "Descriptor.h"
 
 namespace velka {
-
-/// A descriptor with one owner.
-class UniqueFd {
- public:
-  explicit UniqueFd(int fd = -1) noexcept : fd_(fd) {}
-  ~UniqueFd();
-  UniqueFd(UniqueFd&& other) noexcept : fd_(other.release()) {}
-  UniqueFd& operator=(UniqueFd&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-  }
-  UniqueFd(const UniqueFd&) = delete;
-  UniqueFd& operator=(const UniqueFd&) = delete;
-
-  [[nodiscard]] int get() const noexcept { return fd_; }
-  [[nodiscard]] explicit operator bool() const noexcept { return fd_ >= 0; }
-  int release() noexcept { return std::exchange(fd_, -1); }
-
- private:
-  int fd_;
-};
 
 /// Opens our own file at `path` with the flags of open(), with O_CREAT made where there
 /// is none, its mode less the umask. None for links, FIFOs (which are not waited for),

@@ -7,6 +7,8 @@
 
 namespace velka {
 
+inline constexpr uint64_t kPixelBytes = 3;
+
 struct PpmHeader {
   bool hasSize = false;
   int32_t width = 0;  ///< 0 .. INT32_MAX, larger numbers are cut to that

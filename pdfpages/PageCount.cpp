@@ -12,7 +12,6 @@
 #include "OwnFile.h"
 #include "PlainNames.h"
 #include "ShellCommand.h"
-#include "rastovelka.h"
 
 namespace velka {
 namespace {
@@ -62,6 +61,12 @@ int countByReport(const char* pdfPath) {
 
 }  // namespace
 
+int countDigits(const char* pdfPath) {
+  if (!isPlainPath(pdfPath)) return -1;
+  const std::optional<int> digits = countByPipeline(pdfPath);
+  return digits ? *digits : countByReport(pdfPath);
+}
+
 std::optional<int> digitsOfPageCountFile(std::string_view contents) noexcept {
   if (contents.empty()) return -1;
   if (contents == "\n") return std::nullopt;
@@ -82,11 +87,3 @@ int digitsOfPagesLine(std::string_view report) noexcept {
 }
 
 }  // namespace velka
-
-int GetPpmFilePagesBits(const char* pdfPath) noexcept try {
-  if (!velka::isPlainPath(pdfPath)) return -1;
-  const std::optional<int> digits = velka::countByPipeline(pdfPath);
-  return digits ? *digits : velka::countByReport(pdfPath);
-} catch (const std::bad_alloc&) {
-  return -1;
-}

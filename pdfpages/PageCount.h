@@ -6,6 +6,11 @@
 
 namespace velka {
 
+/// Decimal digits (1 to 10) of the PDF's page count as pdfinfo reports it; -1 where it
+/// reports none or the path is none for a command line. Waits up to half a minute for
+/// other jobs that count.
+[[nodiscard]] int countDigits(const char* pdfPath);
+
 /// Digits by the contents of the page-count file: its bytes less the line end, held
 /// within 1 to 10; -1 for an empty file. Nothing for a lone line end: the tool pads
 /// the count to another column there.
