@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 
 #include "CheckedMath.h"
 #include "GrowingBuffer.h"
@@ -43,10 +42,8 @@ std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
 
 }  // namespace velka
 
-int GetPpmFilePagesBits(const char* pdfPath) noexcept try {
-  return velka::countDigits(pdfPath);
-} catch (const std::bad_alloc&) {
-  return -1;
+int GetPpmFilePagesBits(const char* pdfPath) noexcept {
+  return velka::countDigits(pdfPath, {velka::pageLimits.counting, Canceled}).digits;
 }
 
 void InitPdfProcessOemPDEV(unsigned int stride, int width, int height) noexcept {

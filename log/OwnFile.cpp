@@ -1,6 +1,5 @@
 #include "OwnFile.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace velka {
@@ -12,17 +11,16 @@ constexpr mode_t kOwnerOnly = 0600;
 
 using Status = struct stat;
 
-// A file that lost its name since it was opened is still ours; one with a second
-// name may be anybody's.
-bool isOwn(const Status& status) noexcept {
-  return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_nlink <= 1;
-}
-
 bool isOwnPath(const char* path, Status& status) noexcept {
   return path != nullptr && lstat(path, &status) == 0 && isOwn(status);
 }
 
 }  // namespace
+
+bool isOwn(const struct stat& status, OrRoots orRoots) noexcept {
+  const bool owned = status.st_uid == geteuid() || (orRoots == OrRoots::Yes && status.st_uid == 0);
+  return S_ISREG(status.st_mode) && owned && status.st_nlink <= 1;
+}
 
 UniqueFd openOwnFile(const char* path, int flags, mode_t mode) noexcept {
   UniqueFd file(path == nullptr ? -1 : open(path, flags | kSafeFlags, mode));

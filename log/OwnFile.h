@@ -6,11 +6,18 @@
 #pragma once
 
 #include <fcntl.h>
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include "Descriptor.h"
 
 namespace velka {
+
+/// Whether root's files count too: nobody else can have put them there.
+enum class OrRoots : bool { No, Yes };
+
+/// Whether a file of this status is our own. One that lost its name since it was opened
+/// still is; one with a second name may be anybody's.
+[[nodiscard]] bool isOwn(const struct stat& status, OrRoots orRoots = OrRoots::No) noexcept;
 
 /// Opens our own file at `path` with the flags of open(), with O_CREAT made where there
 /// is none, its mode less the umask. None for links, FIFOs (which are not waited for),

@@ -4,12 +4,23 @@
 #include <optional>
 #include <string_view>
 
+#include "ToolLimits.h"
+
 namespace velka {
 
-/// Decimal digits (1 to 10) of the PDF's page count as pdfinfo reports it; -1 where it
-/// reports none or the path is none for a command line. Waits up to half a minute for
-/// other jobs that count.
-[[nodiscard]] int countDigits(const char* pdfPath);
+struct PageDigits {
+  int digits = -1;       ///< 1 to 10; -1 where there is no count
+  bool late = false;     ///< the tool was ended because its time was over
+  bool counted = false;  ///< the tool ran, so that it would find the same again
+};
+
+/// Decimal digits of the PDF's page count as pdfinfo reports it. None for a path that is
+/// none for a command line, and for a file of somebody else. Waits a second for other
+/// jobs that count.
+[[nodiscard]] PageDigits countDigits(const char* pdfPath, const ToolWatch& watch) noexcept;
+
+/// The same, counted anew only for another file than the last time.
+[[nodiscard]] PageDigits knownDigits(const char* pdfPath, const ToolWatch& watch) noexcept;
 
 /// Digits by the contents of the page-count file: its bytes less the line end, held
 /// within 1 to 10; -1 for an empty file. Nothing for a lone line end: the tool pads

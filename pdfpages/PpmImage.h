@@ -20,6 +20,11 @@ struct PpmHeader {
 /// looked for: the magic is not, the maxval is not, and a comment is misread.
 [[nodiscard]] PpmHeader readPpmHeader(std::span<const uint8_t> file) noexcept;
 
+/// Bytes of all pixels of a picture whose size is not negative.
+[[nodiscard]] constexpr uint64_t pixelBytes(int32_t width, int32_t height) noexcept {
+  return kPixelBytes * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+}
+
 /// Stores pixels as rows of `stride` bytes. Rows are cut to the stride; pixels that
 /// are missing are white, the bytes behind a row's pixels stay as they are. `page`
 /// holds stride x height bytes.

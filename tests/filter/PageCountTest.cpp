@@ -1,4 +1,5 @@
 // The page count by the tools, and who else is at its file.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -88,7 +89,8 @@ TEST(PageCount, WhatAKilledJobLeftBehindIsNoCount) {
   EXPECT_FALSE(TempFile::exists(kCountFile));
 }
 
-// Nothing planted at the file's name is written, read or removed.
+// Nothing planted at the file's name is written, read or removed; the pages are counted
+// without it.
 class PlantedCountFile : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -103,7 +105,7 @@ class PlantedCountFile : public ::testing::Test {
   void expectRefused() {
     {
       const Environment path("PATH", tools_.path());
-      EXPECT_EQ(digitsOf("/tmp/any.pdf"), -1);
+      EXPECT_EQ(digitsOf("/tmp/any.pdf"), 2);
     }
     struct stat status = {};
     EXPECT_EQ(lstat(kCountFile, &status), 0);
@@ -145,6 +147,39 @@ TEST_F(PlantedCountFile, AFileOfSomebodyElseIsRefused) {
   if (chown(kCountFile, 65534, 65534) != 0) GTEST_SKIP() << "only root can give files away";
   expectRefused();
   EXPECT_EQ(textOf(kCountFile), "7\n");
+}
+
+// Another job's pdfinfo hangs, for ever as far as this job can see.
+TEST(PageCount, DoesNotWaitLongForAJobThatDoesNotComeToItsEnd) {
+  unlink(kCountFile);
+  const int held = open(kCountFile, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
+  const ToolFolder tools(kTextTools);
+  tools.addScript("pdfinfo", "echo 'Pages:          123'; echo 'Page size: 5'");
+  const Environment path("PATH", tools.path());
+  EXPECT_EQ(digitsOf("/tmp/any.pdf"), 3);
+  EXPECT_EQ(textOf(kCountFile), "");
+  EXPECT_TRUE(TempFile::exists(kCountFile));
+  close(held);
+  unlink(kCountFile);
+}
+
+// With the tools of this system as they are, whatever column they use.
+TEST(PageCount, IsTheSameWithAndWithoutItsFile) {
+  const TempFolder folder;
+  for (const int pages : {1, 9, 10, 100}) {
+    for (const char* title : {"none", "Pages"}) {
+      ASSERT_TRUE(makePdf(folder / "a.pdf", "[/Title (" + std::string(title) +
+                                                ") /DOCINFO pdfmark\n" + postscriptPages(pages)));
+      const int digits = digitsOf(folder / "a.pdf");
+      ASSERT_EQ(mkdir(kCountFile, 0700), 0);
+      EXPECT_EQ(digitsOf(folder / "a.pdf"), digits) << pages << title;
+      rmdir(kCountFile);
+    }
+  }
+  ASSERT_EQ(mkdir(kCountFile, 0700), 0);
+  EXPECT_EQ(digitsOf(folder / "missing.pdf"), -1);
+  rmdir(kCountFile);
 }
 
 // Both tools are slowed down so that the two counts meet.
