@@ -1,7 +1,5 @@
 // Public operations of pages from the PDF that do not log. They are declared in
 // rastovelka.h.
-#include "PdfInput.h"
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -28,17 +26,6 @@ uint64_t fileBytes(const UniqueFd& file) noexcept {
 }
 
 }  // namespace
-
-std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
-  const auto size = checkedMul32(stride, static_cast<uint64_t>(height));
-  if (g_oemPDEV.pBufStart != nullptr) {
-    std::free(g_oemPDEV.pBufStart);
-    g_oemPDEV.pBufStart = size ? zeroedBytes(*size).release() : nullptr;
-  }
-  InitPdfProcessOemPDEV(size ? static_cast<unsigned int>(stride) : 0, width, height);
-  if (g_oemPDEV.pBufStart == nullptr) return {};
-  return {g_oemPDEV.pBufStart, g_oemPDEV.dwBufSize};
-}
 
 }  // namespace velka
 

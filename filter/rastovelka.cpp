@@ -20,7 +20,6 @@
 #include "PageDrawing.h"
 #include "PageFiles.h"
 #include "PageMemory.h"
-#include "PdfInput.h"
 #include "PpmImage.h"
 #include "PreInc.h"
 #include "RasterLines.h"
@@ -103,6 +102,19 @@ int printPages(const PageSource& from) noexcept {
     if (Canceled != 1) std::fputs("Finish print operation.", stderr);
   }
   return page;
+}
+
+// Gives the record's page buffer the size of the picture. Where the record holds
+// none, or memory does not hold the picture, the page is not printed.
+std::span<uint8_t> resizePage(uint64_t stride, int width, int height) noexcept {
+  const auto size = velka::checkedMul32(stride, static_cast<uint64_t>(height));
+  if (g_oemPDEV.pBufStart != nullptr) {
+    std::free(g_oemPDEV.pBufStart);
+    g_oemPDEV.pBufStart = size ? velka::zeroedBytes(*size).release() : nullptr;
+  }
+  InitPdfProcessOemPDEV(size ? static_cast<unsigned int>(stride) : 0, width, height);
+  if (g_oemPDEV.pBufStart == nullptr) return {};
+  return {g_oemPDEV.pBufStart, g_oemPDEV.dwBufSize};
 }
 
 }  // namespace
@@ -273,7 +285,7 @@ void UsePdfprocess(ppd_file_t* /*ppd*/, char* ppmName, char* argv[], int page,
   }
   const auto pixels = static_cast<uint32_t>(width);
   const uint64_t stride = velka::paddedRowBytes(pixels, header.cupsBitsPerPixel);
-  const std::span<uint8_t> bitmap = velka::resizePage(stride, width, height);
+  const std::span<uint8_t> bitmap = resizePage(stride, width, height);
   velka::storePpmRows(picture, pixels, static_cast<uint32_t>(height), bitmap, stride);
   std::remove(ppmName);
 }
