@@ -156,6 +156,7 @@ int runPdfCopy(int argc, char* argv[]) noexcept try {
   installCopySignals();
   return passOnJob(argc, argv);
 } catch (const std::bad_alloc&) {
+  tellOutOfMemory();
   return 1;
 }
 
