@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstdlib>
 #include <string_view>
 
@@ -41,6 +43,19 @@ std::string versionOf(ppd_file_t* ppd) {
   return version == nullptr || version->value == nullptr ? "none" : version->value;
 }
 
+// The first two numbers; 0 for what is none.
+std::array<unsigned, 2> numbersOf(std::string_view version) noexcept {
+  std::array<unsigned, 2> numbers = {};
+  const char* at = version.data();
+  const char* const end = at + version.size();
+  for (unsigned& number : numbers) {
+    const auto [behind, error] = std::from_chars(at, end, number);
+    if (error != std::errc() || behind == end || *behind != '.') break;
+    at = behind + 1;
+  }
+  return numbers;
+}
+
 }  // namespace
 
 std::string whyPagesWouldBeWhite(ppd_file_t* ppd) {
@@ -50,13 +65,12 @@ std::string whyPagesWouldBeWhite(ppd_file_t* ppd) {
              ", which is not on the PATH: install poppler-utils and print the job again";
   }
   // An older PPD may not have us started for every kind of document. Those jobs we never
-  // see; the ones we do see tell of it.
+  // see; the ones we do see tell of it. A newer one has all that these filters need.
   const std::string version = versionOf(ppd);
-  if (version == VELKA_PPD_VERSION) return {};
+  if (numbersOf(version) >= numbersOf(VELKA_PPD_VERSION)) return {};
   // Without quotation marks, which the scheduler's log would have a backslash before.
-  return "The PPD of this queue is of version " + version + " and its filters are of version " +
-         VELKA_PPD_VERSION +
-         ", so pages could come out white. Print the job again after: " + "lpadmin -p " +
+  return "The PPD of this queue is older (" + version + ") than its filters (" + VELKA_PPD_VERSION +
+         "), so pages could come out white. Print the job again after: " + "lpadmin -p " +
          environment("PRINTER", "QUEUE") + " -m velka/velka-" +
          (ppd->model_number == kOrloModelNumber ? "orlo" : "standard") + ".ppd";
 }

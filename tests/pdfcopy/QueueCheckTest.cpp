@@ -60,8 +60,18 @@ TEST(QueueCheck, SearchesThePathAsTheShellDoes) {
   EXPECT_EQ(runFilter("/usr/bin/env", copy.job).status, inUsualPlace ? 0 : 1);
 }
 
-TEST(QueueCheck, StopsTheJobOfAQueueWithThePpdOfAnotherVersion) {
-  for (const std::string& version : {std::string("0.1"), std::string("99.0"), std::string()})
+// This build's version with something added to its first two numbers.
+std::string versionFromHere(int major, int minor) {
+  const std::string here = VELKA_PPD_VERSION;
+  const size_t dot = here.find('.');
+  return std::to_string(std::stoi(here.substr(0, dot)) + major) + "." +
+         std::to_string(std::stoi(here.substr(dot + 1)) + minor);
+}
+
+TEST(QueueCheck, StopsTheJobOfAQueueWithAnOlderPpd) {
+  for (const std::string& version :
+       {std::string("0.1"), versionFromHere(0, -1), versionFromHere(0, -1) + ".9",
+        std::string("0.x"), std::string("new"), std::string()})
     for (const int model : {1, 2}) {
       CopyJob copy("version");
       const TempFile ppd(ppdText(
@@ -69,12 +79,25 @@ TEST(QueueCheck, StopsTheJobOfAQueueWithThePpdOfAnotherVersion) {
       const Environment printer("PRINTER", "receipts");
       copy.job.ppd = ppd.path();
       expectStopped(copy, copy.run(),
-                    "The PPD of this queue is of version " + (version.empty() ? "none" : version) +
-                        " and its filters are of version " VELKA_PPD_VERSION
-                        ", so pages could come out white. Print the job again after: lpadmin -p "
+                    "The PPD of this queue is older (" + (version.empty() ? "none" : version) +
+                        ") than its filters (" VELKA_PPD_VERSION
+                        "), so pages could come out white. Print the job again after: lpadmin -p "
                         "receipts -m velka/velka-" +
                         (model == 2 ? "orlo" : "standard") + ".ppd");
     }
+}
+
+TEST(QueueCheck, TakesThePpdOfALaterVersion) {
+  const std::string here = VELKA_PPD_VERSION;
+  for (const std::string& version :
+       {here, here + ".0", here + ".7", versionFromHere(0, 1), versionFromHere(0, 10),
+        versionFromHere(1, 0), versionFromHere(1, -1)}) {
+    CopyJob copy("later");
+    const TempFile ppd(
+        ppdText({.modelNumber = 1, .options = {}, .pdfPreprocess = true, .fileVersion = version}));
+    copy.job.ppd = ppd.path();
+    EXPECT_EQ(copy.run().status, 0) << version;
+  }
 }
 
 TEST(QueueCheck, LetsJobsPassThatPrintTheRaster) {
