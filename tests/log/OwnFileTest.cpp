@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -22,7 +23,7 @@ using velka::isOwn;
 using velka::OrRoots;
 using velka::UniqueFd;
 
-struct stat statusOf(uid_t owner, nlink_t names = 1, mode_t type = S_IFREG) {
+struct stat statusOf(uid_t owner, nlink_t names = 1, unsigned type = S_IFREG) {
   struct stat status {};
   status.st_uid = owner;
   status.st_nlink = names;
@@ -35,7 +36,8 @@ TEST(OwnFiles, AreRegularOursAndHaveOneName) {
   EXPECT_TRUE(isOwn(statusOf(geteuid(), 0)));
   EXPECT_FALSE(isOwn(statusOf(geteuid(), 2)));
   EXPECT_FALSE(isOwn(statusOf(geteuid() + 1)));
-  for (const mode_t type : {S_IFDIR, S_IFLNK, S_IFIFO, S_IFCHR, S_IFBLK, S_IFSOCK}) {
+  for (const unsigned type :
+       std::initializer_list<unsigned>{S_IFDIR, S_IFLNK, S_IFIFO, S_IFCHR, S_IFBLK, S_IFSOCK}) {
     EXPECT_FALSE(isOwn(statusOf(geteuid(), 1, type)));
   }
 }

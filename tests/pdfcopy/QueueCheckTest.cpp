@@ -60,18 +60,8 @@ TEST(QueueCheck, SearchesThePathAsTheShellDoes) {
   EXPECT_EQ(runFilter("/usr/bin/env", copy.job).status, inUsualPlace ? 0 : 1);
 }
 
-// This build's version with something added to its first two numbers.
-std::string versionFromHere(int major, int minor) {
-  const std::string here = VELKA_PPD_VERSION;
-  const size_t dot = here.find('.');
-  return std::to_string(std::stoi(here.substr(0, dot)) + major) + "." +
-         std::to_string(std::stoi(here.substr(dot + 1)) + minor);
-}
-
 TEST(QueueCheck, StopsTheJobOfAQueueWithAnOlderPpd) {
-  for (const std::string& version :
-       {std::string("0.1"), versionFromHere(0, -1), versionFromHere(0, -1) + ".9",
-        std::string("0.x"), std::string("new"), std::string()})
+  for (const std::string version : {"0.1", "0.0", "0.1.9", "0.x", "new", ""})
     for (const int model : {1, 2}) {
       CopyJob copy("version");
       const TempFile ppd(ppdText(
@@ -90,8 +80,7 @@ TEST(QueueCheck, StopsTheJobOfAQueueWithAnOlderPpd) {
 TEST(QueueCheck, TakesThePpdOfALaterVersion) {
   const std::string here = VELKA_PPD_VERSION;
   for (const std::string& version :
-       {here, here + ".0", here + ".7", versionFromHere(0, 1), versionFromHere(0, 10),
-        versionFromHere(1, 0), versionFromHere(1, -1)}) {
+       {here, here + ".0", here + ".7", here + "0", std::string("99.0")}) {
     CopyJob copy("later");
     const TempFile ppd(
         ppdText({.modelNumber = 1, .options = {}, .pdfPreprocess = true, .fileVersion = version}));
