@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "PreInc.h"
+#include "ToolLimits.h"
 #include "rastovelka.h"
 #include "support/RasterBuilder.h"
 #include "support/TestPdf.h"
@@ -21,7 +22,10 @@ inline const std::vector<std::string> kTools = {"grep", "cut", "sh", "pdfinfo", 
 class PdfPage : public ::testing::Test {
  protected:
   void SetUp() override { whitePage(); }
-  void TearDown() override { vFreeBuffer(&g_oemPDEV); }
+  void TearDown() override {
+    vFreeBuffer(&g_oemPDEV);
+    pageLimits = {};
+  }
 
   void whitePage() {
     vFreeBuffer(&g_oemPDEV);
