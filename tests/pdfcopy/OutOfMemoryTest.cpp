@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 #include "PdfCopy.h"
 #include "pdfcopy/CopyFixture.h"
@@ -15,8 +17,11 @@ namespace {
 
 TEST(OutOfMemory, StopsTheJobAndSaysSo) {
   CopyJob copy("memory");
-  const Capture errors(STDERR_FILENO);
-  const Capture output(STDOUT_FILENO);
+  // Not what the test has said so far.
+  std::fflush(stdout);
+  // What fails is told when standard output is the test's own again.
+  auto errors = std::make_unique<Capture>(STDERR_FILENO);
+  auto output = std::make_unique<Capture>(STDOUT_FILENO);
   const pid_t child = fork();
   if (child == 0) {
     const TempFile document(asText(somePdf()), ".pdf");
@@ -34,10 +39,14 @@ TEST(OutOfMemory, StopsTheJobAndSaysSo) {
     _exit(status);
   }
   int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
+  waitpid(child, &status, 0);
+  const std::string said = asText(errors->bytes());
+  const Bytes passedOn = output->bytes();
+  errors.reset();
+  output.reset();
   EXPECT_EQ(WEXITSTATUS(status), 1);
-  EXPECT_EQ(asText(errors.bytes()), "\nERROR: No memory for the PDF copy of the job\n");
-  EXPECT_EQ(output.bytes(), Bytes{});
+  EXPECT_EQ(said, "\nERROR: No memory for the PDF copy of the job\n");
+  EXPECT_EQ(passedOn, Bytes{});
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }
 
