@@ -26,6 +26,7 @@ endfunction()
 
 cups_folder(cups_serverbin cups_serverbin --serverbin /usr/lib/cups)
 cups_folder(cups_datadir cups_datadir --datadir /usr/share/cups)
+cups_folder(cups_serverroot cups_serverroot --serverroot /etc/cups)
 
 # The deepest folder that both lie in.
 set(cups_prefix ${cups_serverbin})
@@ -72,7 +73,9 @@ endif()
 install(CODE "set(folders \"${folders}\")
 set(build_folder \"${PROJECT_BINARY_DIR}\")
 set(filters \"${filter_folder}\")
-set(cups_filters \"${cups_serverbin}/filter\")")
+set(cups_filters \"${cups_serverbin}/filter\")
+set(cups_serverroot \"${cups_serverroot}\")
+set(ppd_version \"${VELKA_PPD_VERSION}\")")
 install(SCRIPT cmake/BeforeInstall.cmake)
 
 # install_data(FOLDER FILE...)

@@ -43,6 +43,10 @@ void installSignals() noexcept {
   struct sigaction ignore = {};
   ignore.sa_handler = SIG_IGN;
   sigaction(SIGPIPE, &ignore, nullptr);
+  // Ignored, as some callers leave it, it would take the tools' status away.
+  struct sigaction usual = {};
+  usual.sa_handler = SIG_DFL;
+  sigaction(SIGCHLD, &usual, nullptr);
 }
 
 }  // namespace velka

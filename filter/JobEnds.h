@@ -10,7 +10,7 @@ namespace velka {
 void dropCopyOnEarlyEnd(int argc, char* argv[]) noexcept;
 
 /// SIGTERM sets `Canceled` and lets a system call it meets go on; SIGPIPE is
-/// ignored, so that writes report a broken pipe.
+/// ignored, so that writes report a broken pipe; SIGCHLD is not, whatever the caller did.
 void installSignals() noexcept;
 
 }  // namespace velka

@@ -3,7 +3,6 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,14 +17,16 @@
 #include "JobEnds.h"
 #include "JobLog.h"
 #include "MarkedOptions.h"
+#include "OwnFile.h"
+#include "PageCount.h"
+#include "PageDrawing.h"
 #include "PageFiles.h"
 #include "PageLimit.h"
 #include "PageMemory.h"
-#include "PlainNames.h"
 #include "PpmImage.h"
 #include "PreInc.h"
 #include "RasterPage.h"
-#include "ShellCommand.h"
+#include "SafeFile.h"
 #include "StandardDescriptors.h"
 #include "log4z.h"
 
@@ -218,43 +219,34 @@ void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_
     return;
   ppmName[0] = '\0';
   const char* jobId = argv[1];
-  if (!velka::isPlainName(jobId) || !velka::isPlainPath(pdfPath)) {
-    VELKA_LOG_DEBUG("no page from the PDF: the job id holds characters that a shell may act on");
+  const velka::ToolWatch drawing{velka::pageLimits.drawing, Canceled};
+  if (const char* why = velka::whyNoTool(jobId, pdfPath, drawing)) {
+    VELKA_LOG_DEBUG("no page from the PDF: %s", why);
     return;
   }
-  const int digits = GetPpmFilePagesBits(pdfPath);
-  if (digits != -1) {
-    VELKA_LOG_DEBUG("temp: %s",
-                    velka::formatText("/tmp/VK_TEMP_CUPS_%s-%%.%dd.ppm", jobId, digits).text());
-    velka::copyText(velka::pageFileName(jobId, page, digits), ppmName);
+  const velka::PageDigits count =
+      velka::knownDigits(pdfPath, {velka::pageLimits.counting, Canceled});
+  if (count.late) VELKA_LOG_DEBUG("no page count from the PDF: its tool took too long");
+  if (count.digits != -1) {
+    VELKA_LOG_DEBUG(
+        "temp: %s",
+        velka::formatText("/tmp/VK_TEMP_CUPS_%s-%%.%dd.ppm", jobId, count.digits).text());
+    velka::copyText(velka::pageFileName(jobId, page, count.digits), ppmName);
     VELKA_LOG_DEBUG("tempPPM: %s", ppmName);
   }
   const velka::FixedText command = velka::formatText(
       "pdftoppm -q -aa no -aaVector no -f %d -l %d -rx %d -ry %d %s /tmp/VK_TEMP_CUPS_%s", page,
       page, asInt(header->HWResolution[0]), asInt(header->HWResolution[1]), pdfPath, jobId);
-  // A command that was cut would write to names of another job.
-  const bool ready = !command.cut && velka::reservePageFiles(jobId, page);
-  if (!ready) {
-    VELKA_LOG_DEBUG("no page from the PDF: %s",
-                    command.cut ? "its command is too long" : "a name for its picture is taken");
+  const velka::PageDrawing drawn = velka::drawPage(command, jobId, page, drawing);
+  if (drawn.refusal != nullptr) {
+    VELKA_LOG_DEBUG("no page from the PDF: %s", drawn.refusal);
     ppmName[0] = '\0';
   }
-  const int status = ready ? velka::runShell(command.text()) : -1;
-  if (ready) velka::removeEmptyPageFiles(jobId, page);
-  VELKA_LOG_DEBUG("system cmd: %s, ret: %d", command.text(), status);
+  if (drawn.end.late) VELKA_LOG_DEBUG("the tool that draws the page took too long and was ended");
+  // The named one is looked at where it is read.
+  if (ppmName[0] == '\0') velka::removeHalfPageFiles(jobId, page);
+  VELKA_LOG_DEBUG("system cmd: %s, ret: %d", command.text(), drawn.end.status);
   VELKA_LOG_DEBUG("tempPPM: %s", ppmName);
-}
-
-void InitPdfProcessOemPDEV(unsigned int stride, int width, int height) noexcept {
-  const auto rows = static_cast<uint32_t>(std::max(height, 0));
-  const uint32_t size = velka::checkedMul32(stride, rows).value_or(0);
-  g_oemPDEV.bmInfoHeader.biSizeImage = size;
-  g_oemPDEV.dwBufSize = size;
-  g_oemPDEV.bmInfoHeader.biHeight = height;
-  g_oemPDEV.bmInfoHeader.biWidth = width;
-  g_oemPDEV.srcGdiInfo.szlPhysSize = {width, height};
-  g_oemPDEV.srcGdiInfo.ulHorzRes = static_cast<uint32_t>(width);
-  g_oemPDEV.srcGdiInfo.ulVertRes = static_cast<uint32_t>(height);
 }
 
 void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
@@ -271,11 +263,18 @@ void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
                   static_cast<const void*>(data));
   // Deliberate: a picture without pixels is left for whoever looks into it.
   if (data == nullptr) return;
+  const std::span<const uint8_t> picture(data, contents + size);
+  if (picture.size() < velka::pixelBytes(width, height)) {
+    // Half a page is worse than none.
+    VELKA_LOG_DEBUG("no page from the PDF: its picture holds %zu of %llu bytes", picture.size(),
+                    static_cast<unsigned long long>(velka::pixelBytes(width, height)));
+    velka::removeOwnFile(ppmName);
+    return;
+  }
   const auto pixels = static_cast<uint32_t>(width);
   const velka::PageSize wanted = {pixels, static_cast<uint32_t>(height), header.cupsBitsPerPixel,
                                   velka::mostPageBytes(ppd, header)};
   const std::span<uint8_t> bitmap = resizePage(page, wanted);
-  const std::span<const uint8_t> picture(data, contents + size);
   velka::storePpmRows(picture, pixels, wanted.height, bitmap, wanted.stride());
   std::remove(ppmName);
 }

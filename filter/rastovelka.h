@@ -54,20 +54,23 @@ void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_fi
 /// resolution, in place of the page bitmap of `g_oemPDEV`: rows of blue, green, red
 /// bytes padded with 0 to a multiple of four, and the geometry of the picture.
 /// `ppmName` (256 bytes) receives the picture's file name, argv[1] is the job id.
-/// Where the picture cannot be had the bitmap stays as it is and only the log says
-/// so. The picture's file is removed, unless it holds no pixels.
+/// Where the picture cannot be had, or lacks pixels, the bitmap stays as it is and only
+/// the log says so. The picture's file is removed, unless it holds no pixels at all.
 void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
                    cups_page_header2_t header, const char* pdfPath) noexcept;
 
 /// Runs pdftoppm on one page (from 1) of the PDF and names its output file in
 /// `ppmName` (256 bytes): empty where the name cannot be foreseen, or where the job
-/// id, the path or a taken file name forbids running it. Does nothing where an
+/// id, the path, what stands at it, a taken file name or the job's cancellation forbids
+/// running it. The page count is taken once for each document. The tool ends when the
+/// job is cancelled or its limits (ToolLimits.h) are reached. Does nothing where an
 /// argument is absent.
 void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_t* header,
                  const char* pdfPath) noexcept;
 
 /// Decimal digits (1 to 10) of the PDF's page count as pdfinfo reports it; -1 where
-/// it reports none. Waits up to half a minute for other jobs that count.
+/// it reports none, or where the path or what stands at it forbids running it. Counts
+/// at each call; waits a second for other jobs that count.
 int GetPpmFilePagesBits(const char* pdfPath) noexcept;
 
 /// Reads a whole file into a new buffer, which the caller frees with free(). Leaves

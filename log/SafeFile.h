@@ -1,4 +1,4 @@
-// Opening files under directories that others may write to, such as /tmp.
+// Streams on files under directories that others may write to, such as /tmp.
 #pragma once
 
 #include <cstdio>
@@ -11,14 +11,10 @@ struct FileCloser {
 };
 using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens the regular file at `path` for writing, made with mode 0666 (less the
-/// umask) if it is missing: at its end as with fopen "ab", or emptied as with
-/// "wb". Null when `path` is null or when it leads to anything else: a symbolic
-/// link (else another user could point the job's log at a file of ours), a
-/// FIFO (which could hold the job up), a device or a directory. Nothing is
-/// emptied before that is known. A file with a second name is accepted: the
-/// kernel keeps others from giving one of ours another name, and a log that
-/// its reader has linked must still be emptied.
+/// Opens our own file (see OwnFile.h) at `path` for writing, made with mode 0666 (less
+/// the umask) if it is missing: at its end as with fopen "ab", or emptied as with "wb".
+/// Null when `path` is null or leads to anything else: through a link or a second name
+/// another user could point the job's log at a file that only we may write.
 /// The descriptor is never 0, 1 or 2, even when the process was started with
 /// those closed: the log must not end up in the printer's data.
 [[nodiscard]] UniqueFile openRegularForWriting(const char* path, bool truncate) noexcept;

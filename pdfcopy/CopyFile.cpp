@@ -5,12 +5,11 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 
+#include "OwnFile.h"
 #include "PlainNames.h"
 
 namespace velka {
@@ -22,10 +21,8 @@ constexpr mode_t kOwnerOnly = 0600;
 // from any other file. Where the file system keeps no attributes no copy is replaced.
 constexpr const char* kMark = "user.velka.pdfcopy";
 
-constexpr std::array<int, 3> kEndings = {SIGTERM, SIGINT, SIGHUP};
-
 // What the handler may touch: written only while signals are held back.
-FixedText hiddenName;
+FixedText hiddenName;  // empty where the copy needs none
 FixedText publishedName;
 volatile pid_t childToEnd = 0;
 
@@ -46,26 +43,42 @@ bool isOlderCopy(const char* name) noexcept {
   return file && fgetxattr(file.get(), kMark, nullptr, 0) >= 0;
 }
 
+// A descriptor as a name that link() can follow.
+FixedText nameOf(const UniqueFd& file) noexcept {
+  return formatText("/proc/self/fd/%d", file.get());
+}
+
+// A file without a name goes with the process, however that ends. None where the file
+// system has none, or where there is no way to give it a name later.
+UniqueFd namelessCopy() noexcept {
+  UniqueFd file(open("/tmp", O_TMPFILE | O_RDWR | O_CLOEXEC, kOwnerOnly));
+  const bool usable = file && access(nameOf(file).text(), F_OK) == 0;
+  return usable ? std::move(file) : UniqueFd();
+}
+
+UniqueFd hiddenCopy(const FixedText& name) noexcept {
+  hiddenName = formatText("%s.XXXXXX", name.text());
+  errno = ENAMETOOLONG;
+  UniqueFd file(hiddenName.cut ? -1 : mkostemp(hiddenName.chars.data(), O_CLOEXEC));
+  if (!file) hiddenName.chars[0] = '\0';
+  return file;
+}
+
+// Replaces nothing and follows no link at the new name.
+bool giveName(const UniqueFd& file, const char* name) noexcept {
+  if (hiddenName.chars[0] != '\0') return link(hiddenName.text(), name) == 0;
+  return linkat(AT_FDCWD, nameOf(file).text(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+}
+
 }  // namespace
-
-SignalsHeldBack::SignalsHeldBack() noexcept {
-  sigset_t endings = {};
-  sigemptyset(&endings);
-  for (const int signal : kEndings) sigaddset(&endings, signal);
-  sigprocmask(SIG_BLOCK, &endings, &before_);
-}
-
-SignalsHeldBack::~SignalsHeldBack() {
-  sigprocmask(SIG_SETMASK, &before_, nullptr);
-}
 
 CopyFile::CopyFile(const char* jobId) noexcept
     : name_(formatText("%s%s.pdf", kJobFilePrefix.data(), jobId)) {
-  const SignalsHeldBack held;
-  hiddenName = formatText("%s.XXXXXX", name_.text());
+  const SignalsHeldBack held(kEndings);
   errno = ENAMETOOLONG;
-  if (!hiddenName.cut) file_ = UniqueFd(mkostemp(hiddenName.chars.data(), O_CLOEXEC));
-  if (!file_) hiddenName.chars[0] = '\0';
+  if (name_.cut) return;
+  file_ = namelessCopy();
+  if (!file_) file_ = hiddenCopy(name_);
   if (!file_) return;
   // The mask of the caller may have taken even the owner's rights.
   fchmod(file_.get(), kOwnerOnly);
@@ -73,29 +86,27 @@ CopyFile::CopyFile(const char* jobId) noexcept
 }
 
 CopyFile::~CopyFile() {
-  const SignalsHeldBack held;
+  const SignalsHeldBack held(kEndings);
   removeNamed(hiddenName);
   removeNamed(publishedName);
 }
 
 bool CopyFile::publish() noexcept {
-  const SignalsHeldBack held;
-  // link() replaces nothing and follows no link at the new name.
-  const bool linked = link(hiddenName.text(), name_.text()) == 0;
-  if (!linked) {
-    if (errno != EEXIST) return false;
-    const bool replaced =
-        isOlderCopy(name_.text()) && std::rename(hiddenName.text(), name_.text()) == 0;
+  const SignalsHeldBack held(kEndings);
+  bool named = giveName(file_, name_.text());
+  if (!named && errno == EEXIST) {
+    const bool freed = isOlderCopy(name_.text()) && unlink(name_.text()) == 0;
     errno = EEXIST;
-    if (!replaced) return false;
+    named = freed && giveName(file_, name_.text());
   }
+  if (!named) return false;
   publishedName = name_;
   removeNamed(hiddenName);
   return true;
 }
 
 void CopyFile::keep() noexcept {
-  const SignalsHeldBack held;
+  const SignalsHeldBack held(kEndings);
   publishedName.chars[0] = '\0';
 }
 

@@ -4,9 +4,11 @@
 #include <sys/types.h>
 
 #include <csignal>
+#include <initializer_list>
 
+#include "Descriptor.h"
 #include "FixedText.h"
-#include "OwnFile.h"
+#include "SignalsHeldBack.h"
 
 namespace velka {
 
@@ -14,7 +16,8 @@ namespace velka {
 /// has to find it. Goes with all it made unless it was kept.
 class CopyFile {
  public:
-  /// Makes the file, mode 0600, under a name that nobody knows.
+  /// Makes the file, mode 0600, without a name, so that it goes with the process; under a
+  /// name that nobody knows where the file system has no such files.
   explicit CopyFile(const char* jobId) noexcept;
   ~CopyFile();
   CopyFile(const CopyFile&) = delete;
@@ -37,24 +40,15 @@ class CopyFile {
   UniqueFd file_;
 };
 
-/// Lets SIGTERM, SIGINT and SIGHUP end the process at once with status 1, the copy
+/// The signals that end a job.
+inline constexpr std::initializer_list<int> kEndings = {SIGTERM, SIGINT, SIGHUP};
+
+/// Lets those signals end the process at once with status 1, the copy
 /// removed and the process named by `endWithJob` told to end too. A closed pipe and a
 /// file that may not grow are errors of the write, no signals.
 void installCopySignals() noexcept;
 
 /// The process that is told to end with this one; 0 for none.
 void endWithJob(pid_t child) noexcept;
-
-/// Holds those signals back while it lives.
-class SignalsHeldBack {
- public:
-  SignalsHeldBack() noexcept;
-  ~SignalsHeldBack();
-  SignalsHeldBack(const SignalsHeldBack&) = delete;
-  SignalsHeldBack& operator=(const SignalsHeldBack&) = delete;
-
- private:
-  sigset_t before_ = {};
-};
 
 }  // namespace velka

@@ -24,6 +24,10 @@ std::string_view prefixOf(MessageLevel level) noexcept {
   return "DEBUG: ";
 }
 
+void writeError(std::string_view line) noexcept {
+  writeAll(STDERR_FILENO, {reinterpret_cast<const uint8_t*>(line.data()), line.size()});
+}
+
 }  // namespace
 
 void tellScheduler(MessageLevel level, std::string_view text) {
@@ -33,7 +37,11 @@ void tellScheduler(MessageLevel level, std::string_view text) {
   std::replace_if(
       line.begin() + 1, line.end(), [](char c) { return c == '\n' || c == '\r'; }, '?');
   line += '\n';
-  writeAll(STDERR_FILENO, {reinterpret_cast<const uint8_t*>(line.data()), line.size()});
+  writeError(line);
+}
+
+void tellOutOfMemory() noexcept {
+  writeError("\nERROR: No memory for the PDF copy of the job\n");
 }
 
 void tellSystemError(std::string_view text) {

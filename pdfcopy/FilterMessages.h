@@ -11,6 +11,9 @@ enum class MessageLevel { Error, Info, Debug };
 /// too: all filters of a job share the stream, and another may have left a line open.
 void tellScheduler(MessageLevel level, std::string_view text);
 
+/// An error whose text needs no memory.
+void tellOutOfMemory() noexcept;
+
 /// An error with the reason that errno holds.
 void tellSystemError(std::string_view text);
 

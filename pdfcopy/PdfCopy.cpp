@@ -15,6 +15,7 @@
 #include "FilterMessages.h"
 #include "MarkedOptions.h"
 #include "PlainNames.h"
+#include "QueueCheck.h"
 #include "Spool.h"
 #include "StandardDescriptors.h"
 #include "SystemConverter.h"
@@ -26,13 +27,15 @@ struct PpdCloser {
   void operator()(ppd_file_t* ppd) const noexcept { ppdClose(ppd); }
 };
 
-// As the printing filter decides it: without a PPD the pages come from the raster.
-bool copyIsWanted(const char* options) noexcept {
+using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
+
+// The queue's, with the job's options, as the printing filter has it; none where there
+// is none, and the pages come from the raster then.
+Ppd markedPpd(const char* options) noexcept {
   const char* path = std::getenv("PPD");  // NOLINT(concurrency-mt-unsafe): one thread reads it
-  const std::unique_ptr<ppd_file_t, PpdCloser> ppd(ppdOpenFile(path));
-  if (ppd == nullptr) return false;
-  markOptions(ppd.get(), options);
-  return pagesComeFromPdf(ppd.get());
+  Ppd ppd(ppdOpenFile(path));
+  if (ppd != nullptr) markOptions(ppd.get(), options);
+  return ppd;
 }
 
 int statusOf(Passage passage) {
@@ -105,7 +108,12 @@ UniqueFd leaveCopy(const std::string& head, int input, char* argv[], CopyFile& c
   return copyOfOther("imagetopdf", head, input, argv, copy);
 }
 
-int passOnWithCopy(int input, char* argv[]) {
+int passOnWithCopy(int input, char* argv[], ppd_file_t* ppd) {
+  const std::string why = whyPagesWouldBeWhite(ppd);
+  if (!why.empty()) {
+    tellScheduler(MessageLevel::Error, why);
+    return 1;
+  }
   if (!isPlainName(argv[1])) {
     tellScheduler(MessageLevel::Error,
                   "No PDF copy: the job id holds characters that are kept out of file names");
@@ -144,7 +152,8 @@ int passOnJob(int argc, char* argv[]) {
     tellSystemError("Cannot open " + std::string(argc == kWithFile ? argv[6] : "standard input"));
     return 1;
   }
-  if (copyIsWanted(argv[5])) return passOnWithCopy(input.get(), argv);
+  const Ppd ppd = markedPpd(argv[5]);
+  if (pagesComeFromPdf(ppd.get())) return passOnWithCopy(input.get(), argv, ppd.get());
   tellScheduler(MessageLevel::Debug, "No PDF copy: the pages come from the raster");
   return statusOf(passOn(input.get(), STDOUT_FILENO));
 }
@@ -156,6 +165,7 @@ int runPdfCopy(int argc, char* argv[]) noexcept try {
   installCopySignals();
   return passOnJob(argc, argv);
 } catch (const std::bad_alloc&) {
+  tellOutOfMemory();
   return 1;
 }
 

@@ -9,9 +9,9 @@ namespace velka {
 /// take the pages from the PDF, the job's copy is complete under its name before
 /// the first byte goes out; of a picture or PostScript a PDF is
 /// made for that.
-/// Returns the exit status: 1, after a message, when the copy cannot be made (the
-/// pages would come out white) or not all bytes could be passed on; no copy is left
-/// then, nor after SIGTERM.
+/// Returns the exit status: 1, after a message, when the copy cannot be made or not
+/// printed from (QueueCheck.h), because the pages would come out white, or when not all
+/// bytes could be passed on; no copy is left then, nor after SIGTERM.
 int runPdfCopy(int argc, char* argv[]) noexcept;
 
 }  // namespace velka

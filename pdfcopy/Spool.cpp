@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 
 #include "StandardOutput.h"
@@ -14,13 +13,6 @@ namespace {
 
 constexpr size_t kPiece = 65536;
 
-ssize_t readSome(int fd, void* data, size_t size) noexcept {
-  for (;;) {
-    const ssize_t n = read(fd, data, size);
-    if (n >= 0 || errno != EINTR) return n;
-  }
-}
-
 bool writeWhole(int fd, std::span<const uint8_t> bytes) noexcept {
   return writeAll(fd, bytes) == bytes.size();
 }
@@ -29,21 +21,14 @@ bool writeWhole(int fd, std::span<const uint8_t> bytes) noexcept {
 
 std::string readHead(int fd, size_t size) {
   std::string head(size, '\0');
-  size_t have = 0;
-  errno = 0;
-  while (have < size) {
-    const ssize_t n = readSome(fd, head.data() + have, size - have);
-    if (n <= 0) break;
-    have += static_cast<size_t>(n);
-  }
-  head.resize(have);
+  head.resize(readAll(fd, {reinterpret_cast<uint8_t*>(head.data()), head.size()}));
   return head;
 }
 
 Passage passOn(int from, int to) noexcept {
   std::array<uint8_t, kPiece> piece = {};
   for (;;) {
-    const ssize_t n = readSome(from, piece.data(), piece.size());
+    const ssize_t n = readSome(from, piece);
     if (n < 0) return Passage::CannotRead;
     if (n == 0) return Passage::Complete;
     if (!writeWhole(to, {piece.data(), static_cast<size_t>(n)})) return Passage::CannotWrite;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "OwnFile.h"
+#include "Descriptor.h"
 
 namespace velka {
 

@@ -22,7 +22,8 @@ std::string pathOf(const std::string& name) {
 }
 
 // The document is its standard input, the PDF its standard output; signals are as
-// the scheduler hands them to a filter.
+// the scheduler hands them to a filter: none held back, none ignored. Those that we
+// handle get their usual way by themselves.
 struct SpawnSettings {
   SpawnSettings(int document, int pdf) noexcept {
     posix_spawn_file_actions_init(&files);
@@ -31,9 +32,10 @@ struct SpawnSettings {
     posix_spawnattr_init(&attributes);
     sigset_t signals = {};
     sigemptyset(&signals);
+    // The C library begins with this mask; the standard leaves it open.
     posix_spawnattr_setsigmask(&attributes, &signals);
-    sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGPIPE);
+    sigaddset(&signals, SIGXFSZ);
     posix_spawnattr_setsigdefault(&attributes, &signals);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
   }
@@ -92,7 +94,7 @@ bool makePdf(const std::string& name, char* const argv[], int document, int pdf)
   pid_t child = 0;
   {
     // So that a signal never misses a child that has just been started.
-    const SignalsHeldBack held;
+    const SignalsHeldBack held(kEndings);
     child = start(program, argv, document, pdf);
     endWithJob(child);
   }

@@ -140,6 +140,31 @@ check_odd_prefix() {
   done
 }
 
+# queue_ppd NAME VERSION MODEL-NUMBER FILTER: as the print server keeps it.
+queue_ppd() {
+  printf '*PPD-Adobe: "4.3"\n*FileVersion: "%s"\n*cupsModelNumber: %s\n' "$2" "$3" \
+    >"$work/etc/ppd/$1.ppd"
+  printf '*cupsFilter: "application/vnd.cups-raster 0 %s"\n' "$4" >>"$work/etc/ppd/$1.ppd"
+}
+
+# Queues keep the PPD they were made with, and one that does not start the copying filter
+# is known to nobody else.
+check_older_queues() {
+  local version
+  version=$(sed -n 's/^\*FileVersion: "\(.*\)"$/\1/p' "$build/ppd/velka-standard.ppd")
+  mkdir -p "$work/etc/ppd"
+  queue_ppd current "$version" 1 rastovelka
+  queue_ppd 'older one' 0.1 1 rastovelka
+  queue_ppd older-orlo "$version.1" 2 rastovelka
+  queue_ppd foreign 0.1 1 rastertosomething
+  CUPS_SERVERROOT=$work/etc installs --prefix "$work/queues"
+  equal "queues with PPDs of another version" "$(grep -o 'lpadmin .*' "$work/said" | sort)" \
+    "lpadmin -p 'older one' -m velka/velka-standard.ppd
+lpadmin -p 'older-orlo' -m velka/velka-orlo.ppd"
+  CUPS_SERVERROOT=$work/etc DESTDIR=$work/stage3 installs --prefix /usr
+  if grep -q lpadmin "$work/said"; then fail "a package is told of this machine's queues"; fi
+}
+
 # Without a prefix of the user's own it is the one CUPS lives in.
 check_default_prefix() {
   local folder
@@ -154,6 +179,7 @@ check_removal_from_prefix
 check_staging
 check_removal_elsewhere
 check_odd_prefix
+check_older_queues
 if grep -q '^CMAKE_INSTALL_PREFIX:PATH=/usr$' "$build/CMakeCache.txt"; then
   check_default_prefix
 else

@@ -196,6 +196,18 @@ TEST(JobLog, ALinkIsNotFollowed) {
   EXPECT_EQ(text, "precious");
 }
 
+TEST(JobLog, AHardLinkDoesNotEmptyTheFileItNames) {
+  const TempFile target("precious");
+  unlink(kLog);
+  ASSERT_EQ(link(target.path().c_str(), kLog), 0);
+  expectPrintsWithoutLog();
+  unlink(kLog);
+  std::ifstream file(target.path());
+  std::string text;
+  std::getline(file, text);
+  EXPECT_EQ(text, "precious");
+}
+
 TEST(JobLog, AFifoDoesNotHoldTheJobUp) {
   unlink(kLog);
   ASSERT_EQ(mkfifo(kLog, 0666), 0);

@@ -6,87 +6,12 @@
 
 #include <algorithm>
 #include <csignal>
-#include <optional>
 #include <thread>
 
-#include "jobs/JobFixture.h"
-#include "reference/ReferenceDispatcher.h"
-#include "support/TestPdf.h"
+#include "jobs/PdfJobFixture.h"
 
 namespace velka::testing {
 namespace {
-
-using Pages = std::vector<RasterPage>;
-
-// What one page of the job holds: a picture, or nothing where none can be had.
-using Pictures = std::vector<std::optional<Picture>>;
-
-reference::DeviceState firstPageDevice(const cups_page_header2_t& header) {
-  reference::DeviceState device;
-  device.printQuality = static_cast<int16_t>(header.HWResolution[0]);
-  device.yResolution = static_cast<int16_t>(header.HWResolution[1]);
-  if (header.HWResolution[0] >= 361) {
-    device.scaleX = header.HWResolution[0] / 360.0;
-    device.scaleY = header.HWResolution[1] / 360.0;
-  }
-  device.width = static_cast<int32_t>(header.cupsWidth);
-  device.source.horzRes = header.cupsWidth;
-  device.source.vertRes = header.cupsHeight;
-  device.source.sizeX = static_cast<int32_t>(header.cupsWidth);
-  device.source.sizeY = static_cast<int32_t>(header.cupsHeight);
-  return device;
-}
-
-reference::SourceBitmap sourceOf(const RasterPage& page, const std::optional<Picture>& picture,
-                                 reference::DeviceState& device) {
-  const cups_page_header2_t& h = page.header;
-  if (!picture) {
-    const size_t stride = reference::paddedStride(h.cupsWidth, 24);
-    return {Bytes(stride * h.cupsHeight, 0xFF), static_cast<int32_t>(h.cupsHeight)};
-  }
-  device.width = picture->width;
-  device.source.sizeX = picture->width;
-  device.source.sizeY = picture->height;
-  device.source.horzRes = static_cast<uint32_t>(picture->width);
-  device.source.vertRes = static_cast<uint32_t>(picture->height);
-  return {bitmapOf(*picture), picture->height};
-}
-
-Bytes expectedPdfStream(tagOEMCFG options, const Pages& pages, const Pictures& pictures) {
-  options.sCopies = static_cast<int16_t>(pages[0].header.NumCopies);
-  reference::DeviceState device = firstPageDevice(pages[0].header);
-  reference::GeneratorState generator;
-  Bytes out;
-  for (size_t i = 0; i < pages.size(); ++i)
-    reference::renderPage(sourceOf(pages[i], pictures[i], device), options,
-                          static_cast<uint32_t>(i + 1), device, generator, out);
-  reference::sendEndOfJob(options, generator, out);
-  return out;
-}
-
-// Raster pages whose lines hold ink, which must not show.
-Pages rasterPages(size_t count, unsigned xdpi = 180, unsigned ydpi = 180, unsigned width = 150,
-                  unsigned height = 100) {
-  return Pages(count, inkedPage(rgbHeader(width, height, xdpi, ydpi), 2));
-}
-
-Pictures picturesOf(const std::string& pdf, const Pages& pages) {
-  Pictures pictures;
-  for (size_t i = 0; i < pages.size(); ++i) {
-    const auto& dpi = pages[i].header.HWResolution;
-    const Picture picture = drawPage(pdf, static_cast<int>(i + 1), dpi[0], dpi[1]);
-    pictures.push_back(picture.width > 0 ? std::optional(picture) : std::nullopt);
-  }
-  return pictures;
-}
-
-FilterJob jobOf(const std::string& id, const TempFile& ppd, const Pages& pages) {
-  FilterJob job;
-  job.arguments[0] = id;
-  job.ppd = ppd.path();
-  job.input = rasterStream(pages);
-  return job;
-}
 
 // Every page of the document in its place, nothing left under /tmp.
 void expectPrinted(const std::string& postscript, const Pages& pages,
@@ -284,11 +209,18 @@ TEST(PdfJobs, AHostileJobIdReachesNeitherTheShellNorAPath) {
 TEST(PdfJobs, PlantedLinksAreNotFollowed) {
   const TempFile target("precious");
   const JobId id("planted");
+  const Pages pages = rasterPages(3);
   for (const std::string& name : {id.picture("2"), std::string("/tmp/PdfPages")}) {
     ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(3)));
+    Pictures pictures = picturesOf(id.pdf(), pages);
+    // Its own picture's name is taken; the page count has another way.
+    if (name == id.picture("2")) pictures[1] = std::nullopt;
     ASSERT_EQ(symlink(target.path().c_str(), name.c_str()), 0);
     const TempFile ppd(ppdText({1, {}, true}));
-    EXPECT_EQ(runFilter(kFilter, jobOf(id.text(), ppd, rasterPages(3))).status, 0);
+    const FilterResult result = runFilter(kFilter, jobOf(id.text(), ppd, pages));
+    EXPECT_EQ(result.status, 0);
+    expectSameStream(result.output,
+                     expectedPdfStream(reference::defaultOptions(), pages, pictures));
     EXPECT_EQ(textOf(target.path()), "precious");
     unlink(name.c_str());
   }
@@ -334,15 +266,7 @@ FilterResult runCancelled(const JobId& id, const ToolFolder& tools, const Pages&
   const Environment path("PATH", tools.path());
   const TempFile ppd(ppdText({1, {}, true}));
   FilterJob job = jobOf(id.text(), ppd, pages);
-  job.feed = [&](int pid, int fd) {
-    writeText(folder / "pid", std::to_string(pid));
-    const Bytes input = job.input;
-    for (size_t done = 0; done < input.size();) {
-      const ssize_t n = write(fd, input.data() + done, input.size() - done);
-      if (n <= 0) return;
-      done += static_cast<size_t>(n);
-    }
-  };
+  feedAfter(job, [&](int pid) { writeText(folder / "pid", std::to_string(pid)); });
   return runFilter(kFilter, job);
 }
 

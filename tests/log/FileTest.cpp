@@ -102,12 +102,25 @@ TEST(SafeFile, FolderDeviceAndNothingAreRefused) {
   EXPECT_EQ(openRegularForReading(folder.path().c_str()), nullptr);
 }
 
-TEST(SafeFile, FileWithASecondNameIsEmptied) {
+// The second name may be anybody's way to a file that only we may write.
+TEST(SafeFile, FileWithASecondNameIsNeitherEmptiedNorWritten) {
   const TempFolder folder;
   writeFile(folder.file("a"), "text");
   ASSERT_EQ(link(folder.file("a").c_str(), folder.file("b").c_str()), 0);
-  EXPECT_NE(openRegularForWriting(folder.file("a").c_str(), true), nullptr);
-  EXPECT_EQ(readFile(folder.file("b")), "");
+  EXPECT_EQ(openRegularForWriting(folder.file("a").c_str(), true), nullptr);
+  EXPECT_EQ(openRegularForWriting(folder.file("a").c_str(), false), nullptr);
+  EXPECT_EQ(readFile(folder.file("b")), "text");
+}
+
+TEST(SafeFile, FileOfSomebodyElseIsNeitherEmptiedNorWritten) {
+  const TempFolder folder;
+  writeFile(folder.file("a"), "text");
+  if (chown(folder.file("a").c_str(), 65534, 65534) != 0) {
+    GTEST_SKIP() << "only root can give files away";
+  }
+  EXPECT_EQ(openRegularForWriting(folder.file("a").c_str(), true), nullptr);
+  EXPECT_EQ(openRegularForWriting(folder.file("a").c_str(), false), nullptr);
+  EXPECT_EQ(readFile(folder.file("a")), "text");
 }
 
 TEST(SafeFile, ReadingFollowsALink) {

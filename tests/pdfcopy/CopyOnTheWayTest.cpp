@@ -2,26 +2,34 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
-#include "OwnFile.h"
+#include "Descriptor.h"
 #include "pdfcopy/CopyFixture.h"
+#include "support/NoNamelessFiles.h"
 
 namespace velka::testing {
 namespace {
 
+// Whether the file system of /tmp has nameless files, or plays one that has none.
+enum class Files : uint8_t { AsTheyAre, NoneNameless };
+
 // The filter between two pipes that the test holds.
 class RunningCopy {
  public:
-  explicit RunningCopy(const CopyJob& copy) {
+  explicit RunningCopy(const CopyJob& copy, Files files = Files::AsTheyAre) {
     int in[2] = {-1, -1};
     int out[2] = {-1, -1};
     if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0) return;
     pid_ = fork();
-    if (pid_ == 0) become(copy.job, in[0], out[1]);
+    if (pid_ == 0) become(copy.job, in[0], out[1], files);
     close(in[0]);
     close(out[1]);
     toFilter = UniqueFd(in[1]);
@@ -52,7 +60,8 @@ class RunningCopy {
   UniqueFd fromFilter;
 
  private:
-  [[noreturn]] static void become(const FilterJob& job, int in, int out) {
+  [[noreturn]] static void become(const FilterJob& job, int in, int out, Files files) {
+    if (files == Files::NoneNameless && !forbidNamelessFiles()) _exit(1);
     dup2(in, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     std::string program = VELKA_PDFCOPY;
@@ -75,9 +84,39 @@ bool hasHiddenFile(const CopyJob& copy) {
   return false;
 }
 
-TEST(CopyOnTheWay, IsCompleteBeforeTheFirstByteGoesOut) {
+// All bytes that were sent have been read. Half a minute at most.
+bool isRead(const RunningCopy& filter) {
+  for (int round = 0; round < 3000; ++round) {
+    int waiting = -1;
+    if (ioctl(filter.toFilter.get(), FIONREAD, &waiting) == 0 && waiting == 0) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
+// Skips where the kernel cannot play such a file system.
+bool canPlay(Files files) {
+  if (files == Files::AsTheyAre) return true;
+  const pid_t child = fork();
+  if (child == 0) _exit(forbidNamelessFiles() && !tmpHasNamelessFiles() ? 0 : 1);
+  int status = -1;
+  return waitpid(child, &status, 0) == child && status == 0;
+}
+
+class CopyOnTheWay : public ::testing::TestWithParam<Files> {
+ protected:
+  void SetUp() override {
+    if (!canPlay(GetParam())) GTEST_SKIP() << "the kernel plays no other file system";
+  }
+};
+INSTANTIATE_TEST_SUITE_P(, CopyOnTheWay, ::testing::Values(Files::AsTheyAre, Files::NoneNameless),
+                         [](const auto& instance) {
+                           return instance.param == Files::AsTheyAre ? "AsTheyAre" : "NoneNameless";
+                         });
+
+TEST_P(CopyOnTheWay, IsCompleteBeforeTheFirstByteGoesOut) {
   CopyJob copy("order");
-  RunningCopy filter(copy);
+  RunningCopy filter(copy, GetParam());
   // More than a pipe takes: the filter has read part of it when this returns.
   filter.send(copy.job.input);
   EXPECT_FALSE(TempFile::exists(copy.id.pdf()));
@@ -91,21 +130,77 @@ TEST(CopyOnTheWay, IsCompleteBeforeTheFirstByteGoesOut) {
   EXPECT_TRUE(TempFile::exists(copy.id.pdf()));
 }
 
-TEST(CopyOnTheWay, GoesWithAJobThatIsCancelledBeforeItIsComplete) {
+TEST_P(CopyOnTheWay, GoesWithAJobThatIsCancelledBeforeItIsComplete) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     CopyJob copy("early");
-    const RunningCopy filter(copy);
+    const RunningCopy filter(copy, GetParam());
     filter.send(copy.job.input);
-    EXPECT_TRUE(hasHiddenFile(copy));
+    EXPECT_EQ(hasHiddenFile(copy), GetParam() == Files::NoneNameless || !tmpHasNamelessFiles());
     filter.end(signal);
     EXPECT_EQ(filter.status(), 1);
     EXPECT_TRUE(filesOf(copy.id.text()).empty());
   }
 }
 
-TEST(CopyOnTheWay, GoesWithAJobThatIsCancelledWhileItIsPassedOn) {
-  CopyJob copy("late");
+TEST_P(CopyOnTheWay, ReplacesOneThatAnEarlierRunOfTheJobLeft) {
+  CopyJob copy("again");
+  for (int run = 0; run < 2; ++run) {
+    copy.job.input.push_back('2');
+    RunningCopy filter(copy, GetParam());
+    filter.send(copy.job.input);
+    filter.toFilter = UniqueFd();
+    while (!filter.receive(65536).empty()) continue;
+    const bool marked = getxattr(copy.id.pdf().c_str(), "user.velka.pdfcopy", nullptr, 0) >= 0;
+    if (!marked) GTEST_SKIP() << "/tmp keeps no attributes";
+    EXPECT_EQ(filter.status(), 0);
+    EXPECT_EQ(textOf(copy.id.pdf()), asText(copy.job.input));
+    EXPECT_EQ(filesOf(copy.id.text()).size(), 1U);
+  }
+}
+
+TEST_P(CopyOnTheWay, IsNotMadeWhereItsNameIsTaken) {
+  CopyJob copy("taken");
+  writeText(copy.id.pdf(), "somebody's");
+  RunningCopy filter(copy, GetParam());
+  filter.send(copy.job.input);
+  filter.toFilter = UniqueFd();
+  EXPECT_TRUE(filter.receive(1).empty());
+  EXPECT_EQ(filter.status(), 1);
+  EXPECT_EQ(textOf(copy.id.pdf()), "somebody's");
+  EXPECT_EQ(filesOf(copy.id.text()).size(), 1U);
+}
+
+TEST(KilledCopy, LeavesNothing) {
+  if (!tmpHasNamelessFiles()) GTEST_SKIP() << "/tmp has no nameless files";
+  CopyJob copy("killed");
+  const RunningCopy filter(copy);
+  filter.send(copy.job.input);
+  ASSERT_TRUE(isRead(filter));
+  filter.end(SIGKILL);
+  EXPECT_EQ(filter.status(), 128 + SIGKILL);
+  EXPECT_TRUE(filesOf(copy.id.text()).empty());
+}
+
+// What the document is stands in bytes of which the first read brings a few.
+TEST(SlowCopy, KnowsADocumentWhoseHeadComesInPieces) {
+  CopyJob copy("slow");
+  const Environment noConverters("CUPS_SERVERBIN", "/nonexistent");
   RunningCopy filter(copy);
+  const Bytes& pdf = copy.job.input;
+  filter.send({pdf.begin(), pdf.begin() + 2});
+  ASSERT_TRUE(isRead(filter));
+  filter.send({pdf.begin() + 2, pdf.begin() + 100});
+  ASSERT_TRUE(isRead(filter));
+  filter.send({pdf.begin() + 100, pdf.end()});
+  filter.toFilter = UniqueFd();
+  while (!filter.receive(65536).empty()) continue;
+  EXPECT_EQ(filter.status(), 0);
+  EXPECT_TRUE(textOf(copy.id.pdf()) == asText(pdf));
+}
+
+TEST_P(CopyOnTheWay, GoesWithAJobThatIsCancelledWhileItIsPassedOn) {
+  CopyJob copy("late");
+  RunningCopy filter(copy, GetParam());
   filter.send(copy.job.input);
   filter.toFilter = UniqueFd();
   ASSERT_EQ(filter.receive(1), Bytes{'%'});

@@ -69,6 +69,22 @@ TEST(PdfCopy, IsThePdfsOwnBytesWhereItsHeaderComesLate) {
   EXPECT_EQ(textOf(copy.id.pdf()), asText(copy.job.input));
 }
 
+// A set of signals, bit by bit, in what the kernel tells of a process.
+uint64_t signalsOf(const std::string& status, const std::string& set) {
+  const size_t at = status.find(set + ":\t");
+  return at == std::string::npos ? ~uint64_t{0}
+                                 : std::stoull(status.substr(at + set.size() + 2), nullptr, 16);
+}
+
+TEST(PictureCopy, GivesTheConverterTheUsualSignals) {
+  PictureJob copy("signals", "echo '%PDF-'; exec cat /proc/self/status");
+  EXPECT_EQ(copy.run().status, 0);
+  const std::string status = textOf(copy.id.pdf());
+  EXPECT_EQ(signalsOf(status, "SigBlk"), 0U);
+  for (const int usual : {SIGPIPE, SIGXFSZ, SIGCHLD, SIGTERM, SIGINT, SIGHUP})
+    EXPECT_EQ(signalsOf(status, "SigIgn") >> (usual - 1) & 1U, 0U) << usual;
+}
+
 TEST(PictureCopy, StopsTheJobWhenNoPdfCanBeMade) {
   const struct {
     const char* script;

@@ -146,6 +146,29 @@ check_unwritable_log() {
   expect_no_complaints
 }
 
+# A queue that an earlier version was set up for: its jobs stop with what to do, and
+# doing that helps.
+check_older_ppd() {
+  local queue job advice before stopped=()
+  for queue in "${queues[@]}"; do
+    before=$(print "$queue" "$work/two-inch.pdf" -o PdfPreprocess=yes)
+    sed 's/^\*FileVersion: .*/*FileVersion: "0.1"/' "$work/etc/ppd/$queue.ppd" >"$work/older.ppd"
+    lpadmin -p "$queue" -P "$work/older.ppd" 2>>"$work/lpadmin.log" ||
+      die "lpadmin does not take the older PPD: $(cat "$work/lpadmin.log")"
+    job=$(submit "$queue" "$work/two-inch.pdf" -o PdfPreprocess=yes)
+    stopped+=("$job")
+    wait_for_job "$queue" "$job"
+    is_stopped "$job" || fail "$queue: the older PPD is not told"
+    expect_nothing_left "$queue" "$job"
+    advice=$(sed -n "s/^E.*\[Job $job\].*after: \(lpadmin .*\)/\1/p" "$log" | head -n 1)
+    [[ $advice == "lpadmin -p $queue -m velka/velka-"* ]] || fail "$queue: no advice, $advice"
+    $advice 2>>"$work/lpadmin.log" || fail "$queue: bad advice, $advice"
+    expect_same "$queue, after the advice" "$before" \
+      "$(print "$queue" "$work/two-inch.pdf" -o PdfPreprocess=yes)"
+  done
+  expect_no_complaints "${stopped[@]}"
+}
+
 # Both printers hold their jobs until both are half-way.
 check_two_at_once() {
   local source queue

@@ -56,6 +56,7 @@ struct Descriptors {
   } else {
     unsetenv("PPD");
   }
+  if (job.path) setenv("PATH", job.path->c_str(), 1);
   execv(program.c_str(), argv.data());
   _exit(127);
 }

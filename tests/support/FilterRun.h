@@ -16,6 +16,8 @@ struct FilterJob {
   std::vector<std::string> arguments = {"7", "user", "title", "1", ""};
   /// Value of PPD; unset where there is none.
   std::optional<std::string> ppd;
+  /// Value of PATH; the test's own where there is none.
+  std::optional<std::string> path;
   Bytes input;  ///< standard input
   /// Descriptors closed when the program starts.
   std::vector<int> closedAtStart;

@@ -11,11 +11,12 @@ namespace velka::testing {
 
 std::string ppdText(const PpdText& ppd) {
   std::string text =
-      "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*FileVersion: \"1.0\"\n"
+      "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n"
       "*LanguageVersion: English\n*LanguageEncoding: ISOLatin1\n*PCFileName: \"VELKA.PPD\"\n"
       "*Product: \"(Velka)\"\n*Manufacturer: \"Velka\"\n*ModelName: \"Velka Test\"\n"
       "*ShortNickName: \"Velka Test\"\n*NickName: \"Velka Test\"\n*PSVersion: \"(3010.000) 0\"\n"
       "*LanguageLevel: \"3\"\n*ColorDevice: True\n*DefaultColorSpace: RGB\n";
+  if (!ppd.fileVersion.empty()) text += "*FileVersion: \"" + ppd.fileVersion + "\"\n";
   text += "*cupsModelNumber: " + std::to_string(ppd.modelNumber) + "\n";
   for (const auto& [keyword, code] : ppd.options) {
     std::ostringstream option;

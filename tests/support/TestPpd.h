@@ -15,6 +15,8 @@ struct PpdText {
   std::vector<std::pair<std::string, std::string>> options;
   /// Marks "PdfPreprocess" as yes.
   bool pdfPreprocess = false;
+  /// That of this build unless a test is about others; empty for none.
+  std::string fileVersion = VELKA_PPD_VERSION;
 };
 
 std::string ppdText(const PpdText& ppd);

@@ -20,6 +20,10 @@ namespace velka {
 /// Removes those of the files that are still empty.
 void removeEmptyPageFiles(const char* jobId, int page) noexcept;
 
+/// Removes those of the files that hold a picture with fewer pixels than its size line
+/// promises: the tool was stopped, or the disk is full.
+void removeHalfPageFiles(const char* jobId, int page) noexcept;
+
 /// Removes all files of the job's pages 1 to `pages`; none where the id is not plain.
 void removePageFiles(const char* jobId, int pages) noexcept;
 

@@ -7,6 +7,8 @@
 
 namespace velka {
 
+inline constexpr uint64_t kPixelBytes = 3;
+
 struct PpmHeader {
   bool hasSize = false;
   int32_t width = 0;  ///< 0 .. INT32_MAX, larger numbers are cut to that
@@ -17,6 +19,11 @@ struct PpmHeader {
 /// Reads a header. Only line ends and the first space after the magic line are
 /// looked for: the magic is not, the maxval is not, and a comment is misread.
 [[nodiscard]] PpmHeader readPpmHeader(std::span<const uint8_t> file) noexcept;
+
+/// Bytes of all pixels of a picture whose size is not negative.
+[[nodiscard]] constexpr uint64_t pixelBytes(int32_t width, int32_t height) noexcept {
+  return kPixelBytes * static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
+}
 
 /// Stores pixels as rows of `stride` bytes. Rows are cut to the stride; pixels that
 /// are missing are white, the bytes behind a row's pixels stay as they are. `page`

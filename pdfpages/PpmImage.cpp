@@ -1,20 +1,12 @@
 #include "PpmImage.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
-#include "GrowingBuffer.h"
-#include "OwnFile.h"
-#include "rastovelka.h"
-
 namespace velka {
 namespace {
 
-constexpr uint64_t kPixelBytes = 3;
 constexpr size_t kNone = std::numeric_limits<size_t>::max();
 
 // The place of the first `wanted` at or behind `from`.
@@ -45,25 +37,6 @@ int32_t numberAt(std::span<const uint8_t> file, size_t from) noexcept {
 
 size_t behind(size_t at) noexcept {
   return at == kNone ? kNone : at + 1;
-}
-
-void swapRedAndBlue(std::span<uint8_t> pixels) noexcept {
-  for (size_t i = 0; i + kPixelBytes <= pixels.size(); i += kPixelBytes)
-    std::swap(pixels[i], pixels[i + 2]);
-}
-
-uint64_t fileBytes(const UniqueFd& file) noexcept {
-  struct stat status = {};
-  return file && fstat(file.get(), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
-}
-
-// Reads until the buffer is full or the file ends.
-void readWhole(const UniqueFd& file, std::span<uint8_t> buffer) noexcept {
-  while (!buffer.empty()) {
-    const ssize_t length = read(file.get(), buffer.data(), buffer.size());
-    if (length <= 0) return;
-    buffer = buffer.subspan(static_cast<size_t>(length));
-  }
 }
 
 }  // namespace
@@ -98,31 +71,3 @@ void storePpmRows(std::span<const uint8_t> pixels, uint32_t width, uint32_t heig
 }
 
 }  // namespace velka
-
-void PpmFileData(const char* path, unsigned char** buffer, unsigned int* size) noexcept {
-  if (buffer == nullptr || size == nullptr) return;
-  const velka::UniqueFd file = velka::openOwnFile(path);
-  const uint64_t bytes = velka::fileBytes(file);
-  if (!file || bytes > std::numeric_limits<uint32_t>::max()) return;
-  velka::MallocBytes contents = bytes == 0 ? nullptr : velka::zeroedBytes(bytes);
-  if (bytes != 0 && contents == nullptr) return;
-  velka::readWhole(file, {contents.get(), bytes});
-  *size = static_cast<uint32_t>(bytes);
-  if (contents != nullptr) *buffer = contents.release();
-}
-
-unsigned char* PpmBitmapData(unsigned char* buffer, unsigned int size, int* width,
-                             int* height) noexcept {
-  if (buffer == nullptr || size == 0) return nullptr;
-  const velka::PpmHeader header = velka::readPpmHeader({buffer, size});
-  if (header.hasSize && width != nullptr && height != nullptr) {
-    *width = header.width;
-    *height = header.height;
-  }
-  if (header.pixels == 0) return nullptr;
-  const std::span<uint8_t> pixels(buffer + header.pixels, size - header.pixels);
-  const uint64_t count = static_cast<uint64_t>(header.width) * static_cast<uint64_t>(header.height);
-  // Never past the file, whatever its size line promises.
-  velka::swapRedAndBlue(pixels.first(std::min(count, pixels.size() / 3) * 3));
-  return buffer + header.pixels;
-}

@@ -1,7 +1,5 @@
 #include "OwnFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace velka {
@@ -13,35 +11,22 @@ constexpr mode_t kOwnerOnly = 0600;
 
 using Status = struct stat;
 
-// A file that lost its name since it was opened is still ours; one with a second
-// name may be anybody's.
-bool isOwn(const Status& status) noexcept {
-  return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_nlink <= 1;
-}
-
-UniqueFd openOwn(const char* path, int flags) noexcept {
-  UniqueFd file(path == nullptr ? -1 : open(path, flags | kSafeFlags, kOwnerOnly));
-  Status status = {};
-  const bool own = file && fstat(file.get(), &status) == 0 && isOwn(status);
-  return own ? std::move(file) : UniqueFd();
-}
-
 bool isOwnPath(const char* path, Status& status) noexcept {
   return path != nullptr && lstat(path, &status) == 0 && isOwn(status);
 }
 
 }  // namespace
 
-UniqueFd::~UniqueFd() {
-  if (fd_ >= 0) close(fd_);
+bool isOwn(const struct stat& status, OrRoots orRoots) noexcept {
+  const bool owned = status.st_uid == geteuid() || (orRoots == OrRoots::Yes && status.st_uid == 0);
+  return S_ISREG(status.st_mode) && owned && status.st_nlink <= 1;
 }
 
-UniqueFd openOwnFile(const char* path) noexcept {
-  return openOwn(path, O_RDONLY);
-}
-
-UniqueFd openOrMakeOwnFile(const char* path) noexcept {
-  return openOwn(path, O_RDWR | O_CREAT);
+UniqueFd openOwnFile(const char* path, int flags, mode_t mode) noexcept {
+  UniqueFd file(path == nullptr ? -1 : open(path, flags | kSafeFlags, mode));
+  Status status = {};
+  const bool own = file && fstat(file.get(), &status) == 0 && isOwn(status);
+  return own ? std::move(file) : UniqueFd();
 }
 
 bool isNamed(const UniqueFd& file, const char* path) noexcept {

@@ -1,7 +1,10 @@
 #include "PageFiles.h"
 
+#include <array>
+
 #include "OwnFile.h"
 #include "PlainNames.h"
+#include "PpmImage.h"
 
 namespace velka {
 namespace {
@@ -12,6 +15,18 @@ int digitsOf(int page) noexcept {
   int digits = 1;
   for (; page > 9; page /= 10) ++digits;
   return digits;
+}
+
+// A tool's header has some 16 bytes; what has none in these has no pixels either.
+bool isHalfPicture(const char* path) noexcept {
+  std::array<uint8_t, 64> head = {};
+  struct stat status = {};
+  const UniqueFd file = openOwnFile(path);
+  if (!file || fstat(file.get(), &status) != 0) return false;
+  const size_t size = readAll(file.get(), head);
+  const PpmHeader header = readPpmHeader(std::span(head).first(size));
+  return header.pixels != 0 && static_cast<uint64_t>(status.st_size) <
+                                   header.pixels + pixelBytes(header.width, header.height);
 }
 
 template <typename Action>
@@ -39,6 +54,12 @@ bool reservePageFiles(const char* jobId, int page) noexcept {
 void removeEmptyPageFiles(const char* jobId, int page) noexcept {
   forEachName(jobId, page, [](const FixedText& name) {
     if (!name.cut) removeEmptyOwnFile(name.text());
+  });
+}
+
+void removeHalfPageFiles(const char* jobId, int page) noexcept {
+  forEachName(jobId, page, [](const FixedText& name) {
+    if (!name.cut && isHalfPicture(name.text())) removeOwnFile(name.text());
   });
 }
 

@@ -1,0 +1,127 @@
+#include "PageCount.h"
+
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <string>
+
+#include "FixedText.h"
+#include "JobPdf.h"
+#include "OwnFile.h"
+#include "PlainNames.h"
+#include "ShellCommand.h"
+
+namespace velka {
+namespace {
+
+constexpr int kMostDigits = 10;
+constexpr size_t kMostReport = 65536;
+constexpr size_t kMostCount = 256;
+constexpr const char* kCountFile = "/tmp/PdfPages";
+
+// The page-count file while this job alone may use it, emptied: what a job that was
+// killed left behind is no count. All jobs share the one name, so whoever holds the lock
+// on the file behind it has the word; a job that waited opens the name again, as the one
+// before has removed its file. None where somebody else's file stands there, or another
+// job does not come to its end.
+UniqueFd lockCountFile(const ToolWatch& watch) noexcept {
+  constexpr int kAttempts = 200;
+  constexpr useconds_t kPause = 5000;
+  for (int attempt = 0; attempt < kAttempts && watch.cancelled == 0; ++attempt) {
+    UniqueFd file = openOwnFile(kCountFile, O_RDWR | O_CREAT);
+    if (!file) break;
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+      usleep(kPause);
+    } else if (isNamed(file, kCountFile)) {
+      return ftruncate(file.get(), 0) == 0 ? std::move(file) : UniqueFd();
+    }
+  }
+  return UniqueFd();
+}
+
+struct CountText {
+  ToolEnd end;
+  std::string text;  ///< empty where there is none
+};
+
+// The pipeline's own redirection finds a file that is ours and locked, so it cannot
+// be led elsewhere, and another job's count cannot come in between.
+CountText countIntoFile(const UniqueFd& file, const char* command, const ToolWatch& watch) {
+  CountText count;
+  count.end = runShell(command, watch);
+  std::array<uint8_t, kMostCount> contents = {};
+  // What cannot be read counts as empty.
+  const size_t size = readAll(file.get(), contents);
+  count.text.assign(contents.begin(), contents.begin() + size);
+  unlink(kCountFile);
+  return count;
+}
+
+CountText countWithoutFile(const char* pipeline, const ToolWatch& watch) {
+  CountText count;
+  count.end = readShell(pipeline, watch, kMostCount, count.text);
+  return count;
+}
+
+CountText countText(const char* pipeline, const char* command, const ToolWatch& watch) {
+  const UniqueFd file = lockCountFile(watch);
+  return file ? countIntoFile(file, command, watch) : countWithoutFile(pipeline, watch);
+}
+
+PageDigits countByReport(const char* pdfPath, const ToolWatch& watch) {
+  std::string report;
+  const ToolEnd end =
+      readShell(formatText("pdfinfo %s", pdfPath).text(), watch, kMostReport, report);
+  return {digitsOfPagesLine(report), end.late, end.status != -1};
+}
+
+}  // namespace
+
+PageDigits countDigits(const char* pdfPath, const ToolWatch& watch) noexcept try {
+  if (!isPlainPath(pdfPath) || jobPdfAt(pdfPath).state == PdfState::Foreign) return {};
+  const FixedText pipeline =
+      formatText("pdfinfo %s | grep Pages | cut -d ':' -f 2 | cut -d ' ' -f 11", pdfPath);
+  const FixedText command = formatText("%s > %s", pipeline.text(), kCountFile);
+  if (pipeline.cut || command.cut) return {};
+  const CountText count = countText(pipeline.text(), command.text(), watch);
+  const std::optional<int> digits = digitsOfPageCountFile(count.text);
+  if (!digits) return countByReport(pdfPath, watch);
+  return {*digits, count.end.late, count.end.status != -1};
+} catch (const std::bad_alloc&) {
+  return {};
+}
+
+PageDigits knownDigits(const char* pdfPath, const ToolWatch& watch) noexcept {
+  static FileIdentity counted;
+  static PageDigits known;
+  const JobPdf pdf = jobPdfAt(pdfPath);
+  const bool same = pdf.state == PdfState::Ours && known.counted && pdf.identity == counted;
+  if (same) return known;
+  known = countDigits(pdfPath, watch);
+  counted = pdf.identity;
+  return known;
+}
+
+std::optional<int> digitsOfPageCountFile(std::string_view contents) noexcept {
+  if (contents.empty()) return -1;
+  if (contents == "\n") return std::nullopt;
+  return std::clamp(static_cast<int>(contents.size()) - 1, 1, kMostDigits);
+}
+
+int digitsOfPagesLine(std::string_view report) noexcept {
+  constexpr std::string_view kLabel = "Pages:";
+  size_t value = std::string_view::npos;
+  for (size_t line = 0; line < report.size(); line = report.find('\n', line) + 1) {
+    if (report.substr(line).starts_with(kLabel))
+      value = report.find_first_not_of(' ', line + kLabel.size());
+    if (report.find('\n', line) == std::string_view::npos) break;
+  }
+  if (value == std::string_view::npos) return 1;
+  const size_t end = std::min(report.find_first_not_of("0123456789", value), report.size());
+  return std::clamp(static_cast<int>(end - value), 1, kMostDigits);
+}
+
+}  // namespace velka

@@ -1,0 +1,218 @@
+// PDF jobs that are cancelled while a tool works, and whose tools, disks or neighbours
+// fail them.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "jobs/PdfJobFixture.h"
+
+namespace velka::testing {
+namespace {
+
+const std::vector<std::string> kTools = {"sh",   "grep",  "cut", "pdfinfo", "pdftoppm", "cat",
+                                         "head", "sleep", "rm",  "mv",      "kill"};
+
+size_t linesThatHold(const std::string& text) {
+  const std::vector<std::string> lines = logMessages();
+  return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const auto& line) {
+    return line.find(text) != std::string::npos;
+  }));
+}
+
+// A job of three pages; page 2 comes out white, the others as they are.
+void expectPageTwoWhite(const JobId& id, const FilterJob& job,
+                        const std::string& program = kFilter) {
+  const Pages pages = rasterPages(3);
+  Pictures pictures = picturesOf(id.pdf(), pages);
+  pictures[1] = std::nullopt;
+  const FilterResult result = runFilter(program, job);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, finished(3));
+  expectSameStream(result.output, expectedPdfStream(reference::defaultOptions(), pages, pictures));
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
+}
+
+// As on a disk that is full: the tool itself may see it or not.
+TEST(PdfJobs, AHalfPicturePrintsAWhitePageAndOneLineSaysSo) {
+  for (const char* status : {"0", "3"}) {
+    const JobId id("half");
+    ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(3)));
+    const ToolFolder tools(kTools);
+    tools.addScript("pdftoppm",
+                    "/usr/bin/pdftoppm \"$@\"; case \"$*\" in *'-f 2 '*) "
+                    "for root; do :; done; head -c 20000 \"$root-2.ppm\" >\"$root.half\"; "
+                    "cat \"$root.half\" >\"$root-2.ppm\"; rm \"$root.half\"; exit " +
+                        std::string(status) + ";; esac");
+    const TempFile ppd(ppdText({1, {}, true}));
+    FilterJob job = jobOf(id.text(), ppd, rasterPages(3));
+    job.path = tools.path();
+    expectPageTwoWhite(id, job);
+    EXPECT_EQ(linesThatHold("no page from the PDF: its picture holds 19985 of 45000 bytes"), 1U);
+    EXPECT_EQ(linesThatHold("no page"), 1U);
+  }
+}
+
+// The limit on files that the whole job has: the tool is ended at it.
+TEST(PdfJobs, APictureThatMayNotGrowPrintsAWhitePage) {
+  const JobId id("limit");
+  ASSERT_TRUE(
+      makePdf(id.pdf(), postscriptPage(1) + postscriptPage(2, 200, 200) + postscriptPage(3)));
+  const TempFile ppd(ppdText({1, {}, true}));
+  FilterJob job = jobOf(id.text(), ppd, rasterPages(3));
+  // 102,400 bytes: more than a small page, less than the large one.
+  job.arguments.insert(job.arguments.begin(), {"-c", "ulimit -f 200; exec \"$0\" \"$@\"", kFilter});
+  expectPageTwoWhite(id, job, "/bin/sh");
+  EXPECT_EQ(linesThatHold("no page from the PDF: its picture holds "), 1U);
+}
+
+TEST(PdfJobs, AnotherJobsHungCountDoesNotWhitenThem) {
+  const JobId id("neighbour");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(12)));
+  const int held = open("/tmp/PdfPages", O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
+  const Pages pages = rasterPages(3);
+  const Pictures pictures = picturesOf(id.pdf(), pages);
+  const TempFile ppd(ppdText({1, {}, true}));
+  const FilterResult result = runFilter(kFilter, jobOf(id.text(), ppd, pages));
+  expectSameStream(result.output, expectedPdfStream(reference::defaultOptions(), pages, pictures));
+  close(held);
+  unlink("/tmp/PdfPages");
+}
+
+TEST(PdfJobs, CountThePagesOnceAndLogThemPageByPage) {
+  const JobId id("once");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(12)));
+  const TempFolder notes;
+  const ToolFolder tools(kTools);
+  tools.addScript("pdfinfo", "echo run >>" + (notes / "runs") + "; echo 'Pages:          12'");
+  const TempFile ppd(ppdText({1, {}, true}));
+  FilterJob job = jobOf(id.text(), ppd, rasterPages(3));
+  job.path = tools.path();
+  ASSERT_EQ(runFilter(kFilter, job).status, 0);
+  EXPECT_EQ(textOf(notes / "runs"), "run\n");
+  EXPECT_EQ(linesThatHold("temp: /tmp/VK_TEMP_CUPS_" + id.text() + "-%.2d.ppm"), 3U);
+}
+
+TEST(PdfJobs, LogTheToolsStatusAlsoWhereTheCallerIgnoresItsChildren) {
+  const JobId id("children");
+  const TempFile ppd(ppdText({1, {}, true}));
+  FilterJob job = jobOf(id.text(), ppd, rasterPages(1));
+  job.arguments.insert(job.arguments.begin(), {"--ignore-signal=CHLD", kFilter});
+  EXPECT_EQ(runFilter("/usr/bin/env", job).status, 0);
+  EXPECT_EQ(linesThatHold(", ret: 256"), 1U);
+}
+
+// The state of a process as the kernel tells it; none where there is no such process.
+char stateOf(int pid) {
+  const std::string status = textOf("/proc/" + std::to_string(pid) + "/stat");
+  const size_t name = status.rfind(')');
+  return name == std::string::npos ? '-' : status.at(name + 2);
+}
+
+// Half a minute at most.
+bool hasEnded(int pid) {
+  for (int round = 0; round < 3000; ++round) {
+    const char state = stateOf(pid);
+    if (state == '-' || state == 'Z' || state == 'X') return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
+}
+
+// A tool that asks the filter to end and then hangs, with a child that hangs too; both
+// take no notice of being asked themselves. Page 2 is what it draws.
+class HangingTool {
+ public:
+  explicit HangingTool(const std::string& tool) : tools_(kTools) {
+    const std::string hang = "trap '' TERM; sleep 60 & echo $! >" + file("child") + "; echo $$ >" +
+                             file("tool") + "; kill -TERM $(cat " + file("filter") +
+                             "); sleep 60; echo late >" + file("late") + "; exit 1";
+    tools_.addScript(tool, "case \"$*\" in *" + std::string(tool == "pdfinfo" ? "" : "'-f 2 '") +
+                               "*) " + hang + ";; esac; exec /usr/bin/" + tool + " \"$@\"");
+  }
+  FilterResult cancel(FilterJob job) {
+    job.path = tools_.path();
+    feedAfter(job, [&](int pid) { writeText(file("filter"), std::to_string(pid)); });
+    return runFilter(kFilter, job);
+  }
+  void expectGone() const {
+    EXPECT_FALSE(TempFile::exists(file("late")));
+    for (const char* process : {"tool", "child"}) {
+      const int pid = std::atoi(textOf(file(process)).c_str());
+      ASSERT_GT(pid, 0) << process;
+      EXPECT_TRUE(hasEnded(pid)) << process;
+    }
+  }
+
+ private:
+  [[nodiscard]] std::string file(const std::string& name) const { return notes_ / name; }
+  TempFolder notes_;
+  ToolFolder tools_;
+};
+
+TEST(PdfJobs, ThatAreCancelledEndTheToolThatDrawsWithAllItStarted) {
+  const JobId id("hang");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(3)));
+  const Pages pages = rasterPages(3);
+  Pictures pictures = picturesOf(id.pdf(), pages);
+  pictures[1] = std::nullopt;
+  const TempFile ppd(ppdText({1, {}, true}));
+  HangingTool tool("pdftoppm");
+  const FilterResult result = tool.cancel(jobOf(id.text(), ppd, pages));
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, finished(1));
+  tool.expectGone();
+  expectSameStream(result.output,
+                   expectedPdfStream(reference::defaultOptions(), {pages[0], pages[1]}, pictures));
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
+}
+
+TEST(PdfJobs, ThatAreCancelledEndTheToolThatCountsAndDrawNothing) {
+  const JobId id("hangcount");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(3)));
+  const Pages pages = rasterPages(3);
+  const TempFile ppd(ppdText({1, {}, true}));
+  HangingTool tool("pdfinfo");
+  const FilterResult result = tool.cancel(jobOf(id.text(), ppd, pages));
+  EXPECT_EQ(result.status, 0);
+  tool.expectGone();
+  EXPECT_EQ(linesThatHold("no page from the PDF: the job is cancelled"), 1U);
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
+  EXPECT_FALSE(TempFile::exists("/tmp/PdfPages"));
+}
+
+// However few descriptors there are: the tools here write to standard output and would
+// read standard input.
+TEST(PdfJobs, NeverLetAToolWriteToThePrinter) {
+  const ToolFolder tools({"sh", "grep", "cut"});
+  for (const char* tool : {"pdfinfo", "pdftoppm"})
+    ASSERT_EQ(symlink("/bin/echo", (tools.path() + "/" + tool).c_str()), 0);
+  const TempFile ppd(ppdText({1, {}, true}));
+  const Pages pages = rasterPages(1);
+  int printed = 0;
+  for (int descriptors = 4; descriptors <= 10; ++descriptors) {
+    const JobId id("few");
+    writeText(id.pdf(), "a document");
+    FilterJob job = jobOf(id.text(), ppd, pages);
+    job.path = tools.path();
+    job.arguments.insert(
+        job.arguments.begin(),
+        {"-c", "ulimit -n " + std::to_string(descriptors) + "; exec \"$0\" \"$@\"", kFilter});
+    const FilterResult result = runFilter("/bin/sh", job);
+    // With too few of them not even the PPD or the raster can be opened.
+    if (result.errors != finished(1)) continue;
+    ++printed;
+    expectSameStream(result.output, expectedPdfStream(reference::defaultOptions(), pages,
+                                                      Pictures(1, std::nullopt)));
+  }
+  EXPECT_GE(printed, 5);
+}
+
+}  // namespace
+}  // namespace velka::testing
