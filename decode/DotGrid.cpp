@@ -20,9 +20,10 @@ int64_t dotWidth(const Block& block, int64_t cell) {
   return std::max<int64_t>(1, block.mode.columnPitch / cell);
 }
 
-// Units from a row of dots to the next; 0: no block.
+// Units from a row of dots to the next. A pass that struck nothing still tells of its
+// rows by the way to them.
 int64_t rowPitch(const Page& page) {
-  int64_t pitch = 0;
+  int64_t pitch = page.paperStep;
   for (const Block& block : page.blocks) {
     pitch = std::gcd(std::gcd(pitch, block.mode.dotPitch), block.y);
   }

@@ -22,8 +22,8 @@ struct Grid {
   [[nodiscard]] int64_t cell() const;
 };
 
-/// How many cells high a page's dots are: as its rows lie apart, whatever the rows of
-/// other pages on the same grid do.
+/// How many cells high a page's dots are: as the rows lie apart that it strikes or
+/// moves to, whatever the rows of other pages on the same grid do.
 [[nodiscard]] int64_t dotHeight(const Page& page, const Grid& grid);
 
 /// A rectangle in units; right and bottom lie outside.

@@ -28,7 +28,7 @@ void tell(const Stream& stream, const std::string& text) {
 }
 
 Problem takeGuess(const decode::ModelGuess& guess, Stream& stream) {
-  stream.modelKnown = guess.model.has_value();
+  stream.modelKnown = guess.proved;
   stream.model = guess.model.value_or(decode::Model::Standard);
   if (!guess.matters) return std::nullopt;
   if (!guess.model) {

@@ -122,6 +122,59 @@ TEST_F(Program, WithoutInkTheModelIsUnknownAndMattersNot) {
   EXPECT_NE(outputOf(result).find("model        unknown\n"), std::string::npos);
 }
 
+TEST_F(Program, AnOrloStreamWithoutInkIsNoModelsUntilItIsStated) {
+  put("white.prn", ExpectedStream().start(66).formFeed().end().bytes());
+  const auto modelOf = [](const std::vector<std::string>& options) {
+    std::vector<std::string> words = {"--stats", "white.prn"};
+    words.insert(words.end(), options.begin(), options.end());
+    const std::string said = outputOf(run(words));
+    return said.substr(said.find("model "));
+  };
+  EXPECT_EQ(modelOf({}), "model        unknown\n");
+  EXPECT_EQ(modelOf({"--model", "orlo-back"}), "model        orlo-back\n");
+  EXPECT_EQ(modelOf({"--model", "standard"}), "model        standard\n");
+}
+
+// One line of the numbers, by its key.
+std::string numberOf(const std::string& text, const std::string& key) {
+  const size_t at = ("\n" + text).find("\n" + key + " ");
+  if (at == std::string::npos) return "no line " + key;
+  const std::string line = text.substr(at, text.find('\n', at) - at);
+  return line.substr(line.find_first_not_of(' ', key.size()));
+}
+
+TEST_F(Program, TheNumbersTellMovesAndInkOfThePaper) {
+  // 60 x 8 black dots of 1/60 inch and a third as many red ones, on a form of one
+  // inch squared; 25.4 mm on and 12.7 mm back.
+  const auto job = ExpectedStream()
+                       .start(6)
+                       .block(0, 0, 60, testing::Bytes(60, 0xFF))
+                       .unit(10)
+                       .down(360)
+                       .down(-180)
+                       .toX(0)
+                       .block(1, 0, 20, testing::Bytes(20, 0xFF))
+                       .formFeed()
+                       .end();
+  put("job.prn", job.bytes());
+  const FilterResult result = run({"--stats", "--width", "25.4", "job.prn"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  const std::string said = outputOf(result);
+  EXPECT_EQ(numberOf(said, "pages"), "1");
+  EXPECT_EQ(numberOf(said, "bands"), "2");
+  EXPECT_EQ(numberOf(said, "black dots"), "480");
+  EXPECT_EQ(numberOf(said, "red dots"), "160");
+  EXPECT_EQ(numberOf(said, "black places"), "480");
+  EXPECT_EQ(numberOf(said, "red places"), "160");
+  EXPECT_EQ(numberOf(said, "blocks"), "2");
+  EXPECT_EQ(numberOf(said, "head passes"), "2");
+  EXPECT_EQ(numberOf(said, "paper moves"), "2");
+  EXPECT_EQ(numberOf(said, "moved on"), "25.4 mm");
+  EXPECT_EQ(numberOf(said, "moved back"), "12.7 mm");
+  EXPECT_EQ(numberOf(said, "black ink"), "13.33 % of the paper");
+  EXPECT_EQ(numberOf(said, "red ink"), "4.44 % of the paper");
+}
+
 TEST_F(Program, OneBadPageSpoilsNoOther) {
   // Far to the right, in an odd unit: 255/3600 inch.
   const auto bad = ExpectedStream().start(6).unit(255).add({0x1B, '$', 0xFF, 0xFF});
