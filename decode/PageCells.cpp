@@ -20,27 +20,11 @@ PageCells::PageCells(const Page& page, Model model, const Grid& grid, const Pape
       cell_(grid.cell()),
       high_(dotHeight(page, grid)),
       width_(cellsIn(grid, paper.width)),
-      height_(cellsIn(grid, paper.length)) {
-  for (const Block& block : page.blocks) {
-    const int64_t lowest = lowestPinY(block, model);
-    if (lowest < 0 || block.y >= paper.length) continue;
-    const int64_t top = std::max<int64_t>(0, block.y) / cell_;
-    reaches_.push_back({top, std::min(height_, lowest / cell_ + high_), &block});
-    tallest_ = std::max(tallest_, reaches_.back().bottom - top);
-  }
-  std::ranges::stable_sort(reaches_, {}, &Reach::top);
-}
-
-std::vector<PageCells::Reach>::const_iterator PageCells::firstReaching(int64_t row) const {
-  return std::ranges::lower_bound(reaches_, row - tallest_, {}, &Reach::top);
-}
+      height_(cellsIn(grid, paper.length)),
+      blocks_(page, model) {}
 
 bool PageCells::isBlank(int64_t top, int64_t rows) const {
-  for (auto reach = firstReaching(top); reach != reaches_.end() && reach->top < top + rows;
-       ++reach) {
-    if (reach->bottom > top) return false;
-  }
-  return true;
+  return blocks_.noneTouches(unitsAbove(top), (top + rows) * cell_);
 }
 
 std::array<PageCells::Struck, PageCells::kMostPins> PageCells::pinsOf(const Block& block) const {

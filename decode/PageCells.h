@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <span>
 #include <utility>
-#include <vector>
 
+#include "BlockIndex.h"
 #include "DotGrid.h"
 
 namespace velka::decode {
@@ -31,18 +31,11 @@ class PageCells {
   /// comes as often as it is struck.
   template <typename Mark>
   void forEachMark(int64_t top, int64_t bottom, Mark mark) const {
-    for (auto reach = firstReaching(top); reach != reaches_.end() && reach->top < bottom; ++reach) {
-      if (reach->bottom > top) markBlock(*reach->block, top, bottom, mark);
-    }
+    blocks_.forEachTouching(unitsAbove(top), bottom * cell_,
+                            [&](const Block& block) { markBlock(block, top, bottom, mark); });
   }
 
  private:
-  // The rows of cells that a block can touch.
-  struct Reach {
-    int64_t top;
-    int64_t bottom;
-    const Block* block;
-  };
   // Where a pin strikes: its first row of cells, and the bits there.
   struct Struck {
     int64_t row = 0;
@@ -51,13 +44,15 @@ class PageCells {
   };
   static constexpr size_t kMostPins = 72;
 
-  [[nodiscard]] std::vector<Reach>::const_iterator firstReaching(int64_t row) const;
+  // The highest place of a dot that still touches that row.
+  [[nodiscard]] int64_t unitsAbove(int64_t row) const { return (row - high_ + 1) * cell_; }
   [[nodiscard]] std::array<Struck, kMostPins> pinsOf(const Block& block) const;
 
   template <typename Mark>
   void markBlock(const Block& block, int64_t top, int64_t bottom, Mark mark) const {
     const std::array<Struck, kMostPins> pins = pinsOf(block);
     const size_t bytes = block.mode.bytesPerColumn;
+    const int64_t wide = dotWidth(block, grid_);
     for (size_t i = 0; i < block.data.size(); ++i) {
       unsigned dots = block.data[i];
       if (dots == 0) continue;
@@ -66,7 +61,7 @@ class PageCells {
       const int64_t left = x / cell_;
       for (; dots != 0; dots &= dots - 1) {
         const size_t bit = 7 - static_cast<size_t>(std::countr_zero(dots));
-        markDot(pins[i % bytes * 8 + bit], left, dotWidth(block, grid_), {top, bottom}, mark);
+        markDot(pins[i % bytes * 8 + bit], left, wide, {top, bottom}, mark);
       }
     }
   }
@@ -90,8 +85,7 @@ class PageCells {
   int64_t high_;  // of a dot
   int64_t width_;
   int64_t height_;
-  int64_t tallest_ = 0;  // rows that one block touches
-  std::vector<Reach> reaches_;
+  BlockIndex blocks_;
 };
 
 /// Dots of a page that are struck beside the paper.

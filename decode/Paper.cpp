@@ -22,14 +22,16 @@ Column pinsInUse(const Block& block) {
   return pins;
 }
 
+bool isSet(const Column& column, int32_t bit) {
+  return (column.at(static_cast<size_t>(bit / 8)) & (0x80U >> static_cast<unsigned>(bit % 8))) != 0;
+}
+
 // The place of the highest and of the lowest dot; none without a dot.
 std::optional<std::pair<int64_t, int64_t>> rowsOf(const Block& block, Model model) {
   const Column pins = pinsInUse(block);
   std::optional<std::pair<int64_t, int64_t>> rows;
   for (int32_t bit = 0; bit < 8 * block.mode.bytesPerColumn; ++bit) {
-    if ((pins.at(static_cast<size_t>(bit / 8)) & (0x80U >> static_cast<unsigned>(bit % 8))) == 0) {
-      continue;
-    }
+    if (!isSet(pins, bit)) continue;
     const int64_t y = block.y + int64_t{pinOf(model, bit, block.colour).slot} * block.mode.dotPitch;
     rows = {rows ? rows->first : y, y};
   }
@@ -77,6 +79,21 @@ Area inkedArea(const Page& page, Model model, const Grid& grid) {
   if (!page.blocks.empty()) take(page.blocks.back());
   for (const Block& block : page.blocks) take(block);
   return area.empty() ? Area{} : area;
+}
+
+InksInUse inksInUse(const Page& page, Model model) {
+  InksInUse inks;
+  for (const Block& block : page.blocks) {
+    if (inks.black && inks.red) break;
+    // On the standard head a block has one ink.
+    if (!isOrlo(model) && (block.colour == 1 ? inks.red : inks.black)) continue;
+    const Column pins = pinsInUse(block);
+    for (int32_t bit = 0; bit < 8 * block.mode.bytesPerColumn; ++bit) {
+      if (!isSet(pins, bit)) continue;
+      (pinOf(model, bit, block.colour).ink == Ink::Red ? inks.red : inks.black) = true;
+    }
+  }
+  return inks;
 }
 
 int64_t formLength(const Page& page) {

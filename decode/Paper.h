@@ -22,6 +22,13 @@ struct Area {
 /// where there is none. Looks at what lies at the area's edges, not at every dot.
 [[nodiscard]] Area inkedArea(const Page& page, Model model, const Grid& grid);
 
+/// The inks that a page strikes anywhere.
+struct InksInUse {
+  bool black = false;
+  bool red = false;
+};
+[[nodiscard]] InksInUse inksInUse(const Page& page, Model model);
+
 /// The length that a page's form is said to have, in units; 0: not said.
 [[nodiscard]] int64_t formLength(const Page& page);
 

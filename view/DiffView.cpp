@@ -75,13 +75,15 @@ class Comparison {
 
   int comparePair(const decode::Page& one, const decode::Page& other, uint64_t number,
                   Gallery& gallery) {
-    Change change;
-    Drawing drawing = comparePages({one, other}, view_, {first_.model, second_.model}, change);
     const std::string name = "page " + std::to_string(number);
+    const std::array<decode::Model, 2> models{first_.model, second_.model};
+    RowsDrawing drawing = changeRows({one, other}, view_, models);
     if (const auto* why = std::get_if<std::string>(&drawing)) return fail(name + ": " + *why);
-    printChange(text_, name, change);
-    total_.add(change);
-    const auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number);
+    const auto change = countChange({one, other}, view_, models);
+    if (!change) return fail(name + ": the pages are too large to compare");
+    printChange(text_, name, *change);
+    total_.add(*change);
+    const auto problem = gallery.add(*std::get<Rows>(drawing), number);
     return problem ? fail(*problem) : kDone;
   }
 

@@ -6,6 +6,7 @@
 #include "ContactSheet.h"
 #include "Files.h"
 #include "Gallery.h"
+#include "PageRows.h"
 #include "Report.h"
 #include "Views.h"
 
@@ -72,14 +73,13 @@ int drawPages(const Arguments& arguments) {
   uint64_t number = 0;
   while (const auto page = reader.next()) {
     if (!range.holds(++number)) continue;
-    uint64_t outside = 0;
-    Drawing drawing = drawPage(*page, view, outside);
+    RowsDrawing drawing = pageRows(*page, view);
     if (const auto* why = std::get_if<std::string>(&drawing)) {
       status = fail(pageText(stream, number, *page) + *why);
       continue;
     }
-    warnOutside(stream, number, *page, outside);
-    if (auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number)) {
+    warnOutside(stream, number, *page, dotsBesidePaper(*page, view));
+    if (auto problem = gallery.add(*std::get<Rows>(drawing), number)) {
       return fail(*problem);
     }
   }
@@ -103,7 +103,8 @@ int drawSheet(const Arguments& arguments) {
   const bool pdf = formatOf(arguments) == Format::Pdf;
   if (named.output.empty()) named.output = stem + "-sheet" + (pdf ? ".pdf" : ".png");
   Gallery gallery(named, stem, true);
-  if (auto problem = gallery.add(std::get<Picture>(std::move(drawing)), 1)) return fail(*problem);
+  const Rows rows = rowsOf(std::get<Picture>(std::move(drawing)));
+  if (auto problem = gallery.add(*rows, 1)) return fail(*problem);
   if (auto problem = gallery.finish()) return fail(*problem);
   return sheet.status;
 }

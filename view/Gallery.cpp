@@ -22,8 +22,8 @@ Gallery::Gallery(const Arguments& arguments, std::string stem, bool single)
   pdf_ = std::make_unique<PdfWriter>(output_.empty() ? stem_ + ".pdf" : output_);
 }
 
-Problem Gallery::add(Picture picture, uint64_t number) {
-  return pdf_ ? pdf_->add(std::move(picture)) : writePng(picture, nameOf(number));
+Problem Gallery::add(PictureRows& rows, uint64_t number) {
+  return pdf_ ? pdf_->add(rows) : writePng(rows, nameOf(number));
 }
 
 Problem Gallery::finish() {

@@ -18,7 +18,7 @@ class Gallery {
   Gallery(const Arguments& arguments, std::string stem, bool single);
 
   /// `number` is the page's in its stream.
-  [[nodiscard]] Problem add(Picture picture, uint64_t number);
+  [[nodiscard]] Problem add(PictureRows& rows, uint64_t number);
   [[nodiscard]] Problem finish();
 
  private:
