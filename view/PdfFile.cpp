@@ -11,8 +11,10 @@
 namespace velka::view {
 namespace {
 
-// The most pixels of one image in the file: an A4 page at 360 dpi is one.
+// The most pixels of a page that is one image in the file, as an A4 page at 360 dpi is,
+// and of each image of a larger page.
 constexpr int64_t kImagePixels = int64_t{1} << 24;
+constexpr int64_t kPartPixels = int64_t{1} << 22;
 
 // Rows that an image holds more than it shows, under the next one: where two meet
 // inside a pixel of the screen, paper would shine through.
@@ -116,7 +118,9 @@ Problem PdfWriter::addPage(PictureRows& rows, int64_t top, int64_t height) {
   // They are drawn when the page is shown.
   Drawn drawn;
   std::vector<Image> images;
-  const int64_t most = std::clamp<int64_t>(kImagePixels / rows.size().width, 2 * kOverlap, height);
+  const int64_t width = rows.size().width;
+  const bool single = height <= std::min<int64_t>(kImagePixels / width, kLongestSide);
+  const int64_t most = single ? height : std::max(kPartPixels / width, 2 * kOverlap);
   for (int64_t at = 0; at < height; at += most - kOverlap) {
     images.push_back({rows, drawn, top + at, std::min(most, height - at)});
     if (at + most >= height) break;
