@@ -13,17 +13,6 @@
 namespace velka::view {
 namespace {
 
-std::string pageText(const Stream& stream, uint64_t number, const decode::Page& page) {
-  return stream.name + ": page " + std::to_string(number) + " (offset " +
-         std::to_string(page.offset) + "): ";
-}
-
-void warnOutside(const Stream& stream, uint64_t number, const decode::Page& page,
-                 uint64_t outside) {
-  if (outside == 0) return;
-  (void)fail(pageText(stream, number, page) + std::to_string(outside) + " dots miss the paper");
-}
-
 struct Sheet {
   std::vector<uint8_t> pdf;
   std::vector<Labelled> variants;
@@ -78,7 +67,7 @@ int drawPages(const Arguments& arguments) {
       status = fail(pageText(stream, number, *page) + *why);
       continue;
     }
-    warnOutside(stream, number, *page, dotsBesidePaper(*page, view));
+    warnOfPage(stream, number, *page, dotsBesidePaper(*page, view));
     if (auto problem = gallery.add(*std::get<Rows>(drawing), number)) {
       return fail(*problem);
     }

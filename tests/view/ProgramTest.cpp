@@ -175,6 +175,37 @@ TEST_F(Program, TheNumbersTellMovesAndInkOfThePaper) {
   EXPECT_EQ(numberOf(said, "red ink"), "4.44 % of the paper");
 }
 
+TEST_F(Program, APageThatWillNotComeOutAsItWasMeantIsToldInOneLine) {
+  // Two bands that share two rows, left of the paper, on a form too short for them.
+  const std::vector<uint8_t> column = {0xFF, 0xFF, 0xFF};
+  const auto job = ExpectedStream()
+                       .start(1)
+                       .unit(10)
+                       .down(-2)
+                       .block(0, 39, 1, column)
+                       .unit(10)
+                       .down(44)
+                       .toX(0)
+                       .block(0, 39, 1, column)
+                       .unit(10)
+                       .down(360)
+                       .toX(0)
+                       .block(0, 39, 1, column)
+                       .formFeed()
+                       .end();
+  put("job.prn", job.bytes());
+  const std::string told =
+      "velkaview: job.prn: page 1 (offset 0): 2 rows are printed over others; prints 27.5 mm "
+      "beyond its form of 4.2 mm; 1 dot misses the paper\n";
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"job.prn", "--model", "standard"},
+        {"--stats", "job.prn", "--model", "standard"}}) {
+    const FilterResult result = run(words);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, told);
+  }
+}
+
 TEST_F(Program, OneBadPageSpoilsNoOther) {
   // Far to the right, in an odd unit: 255/3600 inch.
   const auto bad = ExpectedStream().start(6).unit(255).add({0x1B, '$', 0xFF, 0xFF});
