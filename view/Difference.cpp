@@ -45,14 +45,6 @@ Number numberOf(unsigned first, unsigned second) {
   return first != 0 ? kBothRed : kSame;
 }
 
-// The sheet that holds both pages.
-decode::Paper paperOfBoth(const PagePair& pages, const PaperView& view,
-                          const std::array<decode::Model, 2>& models) {
-  const auto first = decode::paperOf(pages.first, models[0], view.grid, view.width);
-  const auto second = decode::paperOf(pages.second, models[1], view.grid, view.width);
-  return {std::max(first.width, second.width), std::max(first.length, second.length)};
-}
-
 // The cells of both pages on one sheet.
 class CellPair {
  public:
@@ -120,6 +112,13 @@ void InkChange::add(const InkChange& other) {
 void Change::add(const Change& other) {
   for (size_t ink = 0; ink < inks.size(); ++ink) inks.at(ink).add(other.inks.at(ink));
   otherInk += other.otherInk;
+}
+
+decode::Paper paperOfBoth(const PagePair& pages, const PaperView& view,
+                          const std::array<decode::Model, 2>& models) {
+  const auto first = decode::paperOf(pages.first, models[0], view.grid, view.width);
+  const auto second = decode::paperOf(pages.second, models[1], view.grid, view.width);
+  return {std::max(first.width, second.width), std::max(first.length, second.length)};
 }
 
 std::optional<Change> countChange(const PagePair& pages, const PaperView& view,

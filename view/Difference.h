@@ -38,6 +38,10 @@ struct PagePair {
   const decode::Page& second;
 };
 
+/// The sheet that holds both pages.
+[[nodiscard]] decode::Paper paperOfBoth(const PagePair& pages, const PaperView& view,
+                                        const std::array<decode::Model, 2>& models);
+
 /// Counts what changed; none where the sheet has too many cells for that.
 [[nodiscard]] std::optional<Change> countChange(const PagePair& pages, const PaperView& view,
                                                 const std::array<decode::Model, 2>& models);

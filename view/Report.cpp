@@ -5,10 +5,12 @@
 #include <cstdio>
 
 #include "PageCheck.h"
+#include "Progress.h"
 
 namespace velka::view {
 
 int fail(const std::string& text, Status status) {
+  clearProgress();
   (void)std::fprintf(stderr, "velkaview: %s\n", text.c_str());
   return status;
 }

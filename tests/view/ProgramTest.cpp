@@ -283,6 +283,45 @@ TEST_F(Program, TellsTheDifferenceOfTwoStreams) {
   EXPECT_TRUE(isThere("a-b-diff-2.png"));
 }
 
+TEST_F(Program, TellsTheDifferenceInToneOnRequest) {
+  put("a.prn", page().end().bytes());
+  put("b.prn", page().end().bytes());
+  const FilterResult result = run({"--diff", "--tone", "a.prn", "b.prn", "-o", "x.png"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(outputOf(result),
+            "pages: 1 in the first, 1 in the second\n"
+            "page 1: black tone: 0.00 % and 0.00 % of the paper, fields differ by 0.00 % on "
+            "average, 0.00 % at most\n"
+            "page 1: red tone: 0.00 % and 0.00 % of the paper, fields differ by 0.00 % on "
+            "average, 0.00 % at most\n"
+            "all: black tone: 0.00 % and 0.00 % of the paper, fields differ by 0.00 % on "
+            "average, 0.00 % at most\n"
+            "all: red tone: 0.00 % and 0.00 % of the paper, fields differ by 0.00 % on "
+            "average, 0.00 % at most\n");
+  EXPECT_TRUE(isThere("x.png"));
+}
+
+TEST_F(Program, AfterAnErrorADifferenceHasNoTotals) {
+  put("a.prn", page().end().bytes());
+  put("b.prn", page().add({'x'}).bytes());
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"--diff", "a.prn", "b.prn"},
+        {"--diff", "--tone", "a.prn", "b.prn"},
+        {"--diff", "a.prn", "a.prn", "-o", "/nowhere/x.png"}}) {
+    const FilterResult result = run(words);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(outputOf(result).find("page 1: "), std::string::npos);
+    EXPECT_EQ(outputOf(result).find("all: "), std::string::npos) << outputOf(result);
+  }
+}
+
+TEST_F(Program, TellsHowFarItIsOnlyOnRequestWhereNoTerminalIs) {
+  put("job.prn", page().add(page()).end().bytes());
+  EXPECT_EQ(run({"job.prn", "--model", "standard"}).errors, "");
+  EXPECT_EQ(run({"job.prn", "--model", "standard", "--progress"}).errors,
+            "velkaview: 1 of 2: job-1.png\nvelkaview: 2 of 2: job-2.png\n");
+}
+
 TEST_F(Program, StandardOutputTakesOnePngOnly) {
   put("job.prn", page().add(page()).end().bytes());
   const FilterResult result = run({"job.prn", "-o", "-"});
