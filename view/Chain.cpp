@@ -155,7 +155,7 @@ class Chain {
     Step step;
     step.program = program;
     step.arguments = {folder_.id(), "velkaview", job_.name, "1", options};
-    // Numbers are written with a point, whoever looks at them.
+    // Numbers with a point and messages in our language, whoever looks at them.
     step.environment = {{"PPD", fs::absolute(job_.ppd)},
                         {"CONTENT_TYPE", type_},
                         {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"},

@@ -198,6 +198,8 @@ Drawing contactSheet(std::vector<Labelled> pictures, const SheetHead& head) {
           pen.draw(text.notes, kNote, layout.left(i), below));
   }
   cairo_surface_flush(surface.get());
+  // The library leaves in the highest byte what it likes.
+  for (uint32_t& pixel : sheet->pixels) pixel &= 0xFFFFFFU;
   if (cairo_status(context.get()) == CAIRO_STATUS_SUCCESS) return drawing;
   return cairo_status_to_string(cairo_status(context.get()));
 }
