@@ -103,6 +103,8 @@ TEST(Tone, TheColoursTellWhichHasMore) {
   const uint32_t darker = middleOf(screen(14, 0), screen(6, 0));
   EXPECT_LT(darker >> 16U, 0x40U);
   EXPECT_NEAR(darker & 0xFFU, 0xEA, 2);  // paled by what both have
+  // An eighth of the field is half of what shows in full.
+  EXPECT_NEAR(middleOf(screen(2, 0), screen(0, 0)) >> 16U, 0x80, 0x18);
   EXPECT_EQ(middleOf(screen(16, 0), screen(0, 0)), kOnlyFirst);
   EXPECT_EQ(middleOf(screen(0, 0), screen(16, 0)), kOnlySecond);
   EXPECT_EQ(middleOf(screen(16, 0), screen(16, 0, 1)), kOtherInk);
