@@ -1,14 +1,14 @@
 #include "PageCheck.h"
 
 #include <algorithm>
-#include <array>
 #include <cinttypes>
-#include <cstdio>
+#include <tuple>
 #include <vector>
 
 #include "BandGaps.h"
 #include "Carriage.h"
 #include "Paper.h"
+#include "TextFormat.h"
 
 namespace velka::decode {
 namespace {
@@ -32,7 +32,9 @@ struct StruckRow {
   int64_t y;
   int64_t head;
 
-  auto operator<=>(const StruckRow&) const = default;
+  bool operator<(const StruckRow& other) const {
+    return std::tie(colour, y, head) < std::tie(other.colour, other.y, other.head);
+  }
 };
 
 uint64_t countMergedRows(const Page& page) {
@@ -43,7 +45,7 @@ uint64_t countMergedRows(const Page& page) {
       rows.push_back({block.colour, block.y + int64_t{pin} * block.mode.dotPitch, block.y});
     }
   }
-  std::ranges::sort(rows);
+  std::sort(rows.begin(), rows.end());
   uint64_t merged = 0;
   for (auto first = rows.begin(); first != rows.end();) {
     const auto end = std::find_if(first, rows.end(), [&](const StruckRow& row) {
@@ -85,25 +87,20 @@ PageFlaws checkPage(const Page& page, Model model) {
 
 std::string textOf(const PageFlaws& flaws) {
   std::string text;
-  const auto add = [&](const char* form, auto... values) {
-    std::array<char, 160> part{};
-    (void)std::snprintf(part.data(), part.size(), form, values...);
-    text += (text.empty() ? "" : "; ") + std::string(part.data());
-  };
+  const auto add = [&](const std::string& part) { text += (text.empty() ? "" : "; ") + part; };
   const double widest = millimetres(flaws.widestGap);
   const double first = millimetres(flaws.firstGap);
-  if (flaws.gaps == 1) add("a gap in the print, %.2f mm at %.1f mm", widest, first);
+  if (flaws.gaps == 1) add(format("a gap in the print, %.2f mm at %.1f mm", widest, first));
   if (flaws.gaps > 1) {
-    add("%" PRIu64 " gaps in the print, up to %.2f mm, the first at %.1f mm", flaws.gaps, widest,
-        first);
+    add(format("%" PRIu64 " gaps in the print, up to %.2f mm, the first at %.1f mm", flaws.gaps,
+               widest, first));
   }
   if (flaws.mergedRows == 1) add("a row is printed over another");
-  if (flaws.mergedRows > 1) {
-    add("%" PRIu64 " rows are printed over others", flaws.mergedRows);
-  }
+  if (flaws.mergedRows > 1)
+    add(format("%" PRIu64 " rows are printed over others", flaws.mergedRows));
   if (flaws.beyondForm > 0) {
-    add("prints %.1f mm beyond its form of %.1f mm", millimetres(flaws.beyondForm),
-        millimetres(flaws.form));
+    add(format("prints %.1f mm beyond its form of %.1f mm", millimetres(flaws.beyondForm),
+               millimetres(flaws.form)));
   }
   return text;
 }

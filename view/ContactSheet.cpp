@@ -142,8 +142,9 @@ struct Layout {
     return kMargin + static_cast<double>(cell % columns) * (cellWidth + kMargin);
   }
   [[nodiscard]] double top(size_t cell) const {
+    const size_t row = cell / columns;
     return kMargin + headHeight() +
-           static_cast<double>(cell / columns) * (textHeight + pictureHeight + kMargin);
+           static_cast<double>(row) * (textHeight + pictureHeight + kMargin);
   }
 
  private:

@@ -1,14 +1,14 @@
 #include "Picture.h"
 
 #include <algorithm>
-#include <array>
+#include <cinttypes>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 #include "PageCells.h"
 #include "PageRows.h"
 #include "Scaling.h"
+#include "TextFormat.h"
 
 namespace velka::view {
 namespace {
@@ -21,12 +21,9 @@ Drawing wholeOrWhy(RowsDrawing drawing) {
 }  // namespace
 
 std::string tooLarge(double width, double height, int64_t side, int64_t all) {
-  std::array<char, 160> text{};
-  (void)std::snprintf(text.data(), text.size(),
-                      "a picture of %.0f x %.0f pixels is too large (at most %lld a side and "
-                      "%lld in all); a smaller --scale or --dpi may help",
-                      width, height, static_cast<long long>(side), static_cast<long long>(all));
-  return text.data();
+  return decode::format("a picture of %.0f x %.0f pixels is too large (at most %" PRId64
+                        " a side and %" PRId64 " in all); a smaller --scale or --dpi may help",
+                        width, height, side, all);
 }
 
 Drawing blankPicture(double width, double height, double dpi) {

@@ -70,7 +70,7 @@ class Stamps {
   const Stamp& at(double x, double y) {
     const int phaseX = phase(x);
     const int phaseY = phase(y);
-    Stamp& stamp = stamps_.at(static_cast<size_t>(phaseY * kPhases + phaseX));
+    Stamp& stamp = stamps_.at(static_cast<size_t>(phaseY) * kPhases + static_cast<size_t>(phaseX));
     if (stamp.size == 0) stamp = makeStamp(radius_, phaseX, phaseY);
     return stamp;
   }

@@ -173,9 +173,11 @@ class Reduced : public PictureRows {
       const Pixel pixel = *pixels++;
       if (pixel == paper) continue;
       const Lack lack = lackOfPixel(pixel);
-      for (size_t i = 0; i < lack.size(); ++i) row_[share.to + i] += lack[i] * share.parts;
+      for (size_t i = 0; i < lack.size(); ++i)
+        row_[share.to + i] += uint64_t{lack[i]} * share.parts;
       if (share.rest == 0) continue;
-      for (size_t i = 0; i < lack.size(); ++i) row_[share.to + 3 + i] += lack[i] * share.rest;
+      for (size_t i = 0; i < lack.size(); ++i)
+        row_[share.to + 3 + i] += uint64_t{lack[i]} * share.rest;
     }
   }
 

@@ -1,6 +1,5 @@
 // The view of one page printed in several ways.
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -15,6 +14,7 @@
 #include "PageCheck.h"
 #include "Progress.h"
 #include "Report.h"
+#include "TextFormat.h"
 #include "Views.h"
 
 namespace velka::view {
@@ -59,9 +59,7 @@ std::optional<Ink> inkOf(const decode::Page& page, const PaperView& view) {
 }
 
 std::string inkText(const Ink& ink) {
-  std::array<char, 80> text{};
-  (void)std::snprintf(text.data(), text.size(), "black %.2f %%, red %.2f %%", ink.black, ink.red);
-  return text.data();
+  return decode::format("black %.2f %%, red %.2f %%", ink.black, ink.red);
 }
 
 std::string baseOf(const std::string& path) {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 #include "Carriage.h"
 #include "PageCells.h"
+#include "TextFormat.h"
 
 namespace velka::view {
 namespace {
@@ -158,17 +158,14 @@ std::array<ToneChange, 2> changeOf(const TonePair& tones) {
 
 std::string textOf(const ToneChange& change, bool place) {
   const double fields = static_cast<double>(std::max<uint64_t>(1, change.fields));
-  std::array<char, 200> text{};
-  (void)std::snprintf(text.data(), text.size(),
-                      "%.2f %% and %.2f %% of the paper, fields differ by %.2f %% on average, "
-                      "%.2f %% at most",
-                      100 * change.first / fields, 100 * change.second / fields,
-                      100 * change.change / fields, 100 * change.largest);
-  std::string words = text.data();
-  if (!place || change.largest == 0) return words;
-  (void)std::snprintf(text.data(), text.size(), " (%.0f mm right, %.0f mm down)", change.x,
-                      change.y);
-  return words + text.data();
+  std::string text = decode::format(
+      "%.2f %% and %.2f %% of the paper, fields differ by %.2f %% on average, %.2f %% at most",
+      100 * change.first / fields, 100 * change.second / fields, 100 * change.change / fields,
+      100 * change.largest);
+  if (place && change.largest > 0) {
+    text += decode::format(" (%.0f mm right, %.0f mm down)", change.x, change.y);
+  }
+  return text;
 }
 
 RowsDrawing toneRows(TonePair tones, double dpi) {

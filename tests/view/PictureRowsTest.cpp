@@ -45,7 +45,7 @@ uint32_t literalMean(const Picture& source, int32_t width, int32_t height, int32
       const double wide = std::min((column + 1.0) * width, (x + 1.0) * source.width) -
                           std::max(1.0 * column * width, 1.0 * x * source.width);
       if (wide <= 0) continue;
-      const uint32_t pixel = source.pixels[static_cast<size_t>(row * source.width + column)];
+      const uint32_t pixel = source.pixels[size_t(row) * size_t(source.width) + size_t(column)];
       for (unsigned i = 0; i < 3; ++i) sum[i] += high * wide * ((pixel >> (16 - 8 * i)) & 0xFFU);
       area += high * wide;
     }

@@ -188,7 +188,7 @@ TEST(LongPdf, WhatIsLongerThanAPageMayBeTakesSeveral) {
     for (const int64_t number : numbersOnPage(folder / "long.pdf", page)) {
       ASSERT_EQ(number, next++);
     }
-    EXPECT_EQ(next, std::min<int64_t>(14400 * page, 28900));
+    EXPECT_EQ(next, std::min(int64_t{14400} * page, int64_t{28900}));
   }
 }
 
