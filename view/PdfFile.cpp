@@ -26,7 +26,8 @@ struct Drawn {
   std::vector<uint32_t> pixels;
 };
 
-// Rows of a picture that are one image; drawn when the file takes them.
+// Rows of a picture that are one image of several; drawn when the file takes them.
+// (The drawing library forgets to free some 200 bytes for each such image.)
 struct Image {
   PictureRows& rows;
   Drawn& drawn;
@@ -91,6 +92,41 @@ void paint(cairo_t* context, Image& image, int64_t pageTop) {
   cairo_pattern_destroy(pattern);
 }
 
+// A pixel is `points` large. What is drawn must outlive whoever draws it.
+cairo_status_t showWhole(cairo_surface_t* page, double points, Picture picture) {
+  const Surface image = surfaceOf(picture);
+  const Context context(cairo_create(page));
+  cairo_scale(context.get(), points, points);
+  cairo_set_source_surface(context.get(), image.get(), 0, 0);
+  cairo_pattern_set_filter(cairo_get_source(context.get()), CAIRO_FILTER_NEAREST);
+  cairo_paint(context.get());
+  cairo_show_page(context.get());
+  return cairo_status(context.get());
+}
+
+cairo_status_t showParts(cairo_surface_t* page, double points, PictureRows& rows, int64_t top,
+                         int64_t height) {
+  Drawn drawn;
+  std::vector<Image> images;
+  const int64_t most = std::max(kPartPixels / rows.size().width, 2 * kOverlap);
+  for (int64_t at = 0; at + kOverlap < height; at += most - kOverlap) {
+    images.push_back({rows, drawn, top + at, std::min(most, height - at)});
+  }
+  const Context context(cairo_create(page));
+  cairo_scale(context.get(), points, points);
+  for (Image& image : images) paint(context.get(), image, top);
+  cairo_show_page(context.get());  // only now they are drawn
+  return cairo_status(context.get());
+}
+
+Picture strip(PictureRows& rows, int64_t top, int64_t height) {
+  Picture picture{
+      static_cast<int32_t>(rows.size().width), static_cast<int32_t>(height), rows.size().dpi, {}};
+  picture.pixels.resize(static_cast<size_t>(height) * rows.width());
+  rows.draw(top, picture.pixels);
+  return picture;
+}
+
 }  // namespace
 
 struct PdfWriter::Parts {
@@ -115,22 +151,12 @@ Problem PdfWriter::addPage(PictureRows& rows, int64_t top, int64_t height) {
         cairo_pdf_surface_create_for_stream(writeTo, parts_->file.file(), wide, high));
   }
   cairo_pdf_surface_set_size(parts_->surface.get(), wide, high);
-  // They are drawn when the page is shown.
-  Drawn drawn;
-  std::vector<Image> images;
-  const int64_t width = rows.size().width;
-  const bool single = height <= std::min<int64_t>(kImagePixels / width, kLongestSide);
-  const int64_t most = single ? height : std::max(kPartPixels / width, 2 * kOverlap);
-  for (int64_t at = 0; at < height; at += most - kOverlap) {
-    images.push_back({rows, drawn, top + at, std::min(most, height - at)});
-    if (at + most >= height) break;
-  }
-  const Context context(cairo_create(parts_->surface.get()));
-  cairo_scale(context.get(), points, points);
-  for (Image& image : images) paint(context.get(), image, top);
-  cairo_show_page(context.get());
-  if (cairo_status(context.get()) == CAIRO_STATUS_SUCCESS) return std::nullopt;
-  return pdfTrouble(parts_->name, cairo_status(context.get()));
+  const bool single = height <= std::min<int64_t>(kImagePixels / rows.size().width, kLongestSide);
+  const cairo_status_t status =
+      single ? showWhole(parts_->surface.get(), points, strip(rows, top, height))
+             : showParts(parts_->surface.get(), points, rows, top, height);
+  if (status == CAIRO_STATUS_SUCCESS) return std::nullopt;
+  return pdfTrouble(parts_->name, status);
 }
 
 Problem PdfWriter::add(PictureRows& rows) {
