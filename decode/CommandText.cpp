@@ -1,23 +1,14 @@
 #include "CommandText.h"
 
 #include <array>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
+
+#include "TextFormat.h"
 
 namespace velka::decode {
 namespace {
 
 constexpr int64_t kUnitsPerLine = kUnitsPerInch / 6;
-
-[[gnu::format(printf, 1, 2)]] std::string format(const char* form, ...) {
-  std::array<char, 200> text{};
-  va_list arguments;
-  va_start(arguments, form);
-  (void)std::vsnprintf(text.data(), text.size(), form, arguments);
-  va_end(arguments);
-  return text.data();
-}
 
 std::string colourText(int32_t colour) {
   constexpr std::array<const char*, 3> kTexts{"black", "red", "black and red at once"};

@@ -1,6 +1,15 @@
 #include "PageReader.h"
 
+#include <numeric>
+
 namespace velka::decode {
+namespace {
+
+bool movesPaper(CommandKind kind) {
+  return kind == CommandKind::PaperMove || kind == CommandKind::PaperAdvance;
+}
+
+}  // namespace
 
 std::optional<Page> PageReader::next() {
   if (done_) return std::nullopt;
@@ -16,6 +25,7 @@ std::optional<Page> PageReader::next() {
     page.lines = carriage_.lines;
     page.headY = carriage_.y;
     carriage_.apply(*command);
+    if (movesPaper(command->kind)) page.paperStep = std::gcd(page.paperStep, carriage_.y);
     end_.note(command->kind);
     if (command->kind == CommandKind::FormFeed) {
       page.ended = true;

@@ -28,6 +28,7 @@ struct Page {
   size_t offset = 0;          ///< of its first command
   bool ended = false;         ///< by a form feed
   int64_t headY = 0;          ///< where the head's first dot was left before that
+  int64_t paperStep = 0;      ///< divides every place that the paper was moved to; 0: to none
 };
 
 /// Reads a stream page by page, holding one at a time. A page is what a form feed

@@ -33,7 +33,8 @@ class Tally {
       endPage(before);
     } else if (command.kind == CommandKind::PaperMove ||
                command.kind == CommandKind::PaperAdvance) {
-      move(carriage_.y - before.y + lost(command));
+      move(carriage_.y - before.y);
+      bandIsOver_ = bandIsOver_ || command.overwritten > 0;
     } else if (command.kind == CommandKind::Colour && before.colour != command.value) {
       endPass();
     }
@@ -42,9 +43,6 @@ class Tally {
   void finish() { endPass(); }
 
  private:
-  // What a long move overwrote is more than a band, for all that is left of it.
-  static int64_t lost(const Command& command) { return command.overwritten > 0 ? kBandStep : 0; }
-
   void move(int64_t units) {
     endPass();
     ++stats_.paperMoves;
@@ -54,6 +52,7 @@ class Tally {
   }
 
   [[nodiscard]] bool startsBand() const {
+    if (!pageHasBlocks_ || bandIsOver_) return true;
     if (isOrlo(model_)) return sinceBlock_ != 0 && sinceBlock_ != kPassStep;
     return std::abs(sinceBlock_) >= kBandStep;
   }
@@ -62,8 +61,9 @@ class Tally {
 
   void block(const Command& command, const Carriage& at) {
     ++stats_.blocks;
-    if (!pageHasBlocks_ || startsBand()) ++stats_.bands;
+    if (startsBand()) ++stats_.bands;
     pageHasBlocks_ = true;
+    bandIsOver_ = false;
     sinceBlock_ = 0;
     const Block struck{at.x, at.y, command.mode, at.colour, command.data, command.offset};
     forEachDot(struck, model_,
@@ -101,6 +101,7 @@ class Tally {
   int64_t right_ = 0;
   bool inPass_ = false;
   bool pageHasBlocks_ = false;
+  bool bandIsOver_ = false;  // a move was meant to be longer than what is left of it
 };
 
 // What lies on the paper of the pages so far; pages of one job may have cells of

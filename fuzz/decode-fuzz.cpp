@@ -7,6 +7,7 @@
 #include "CommandText.h"
 #include "DotGrid.h"
 #include "ModelGuess.h"
+#include "PageCheck.h"
 #include "PageReader.h"
 #include "StreamStats.h"
 
@@ -42,6 +43,8 @@ void drawPages(Bytes stream, Model model) {
     grid.add(*page);
     const Area area = inkedArea(*page, model, grid);
     require(area.left <= area.right && area.top <= area.bottom);
+    const PageFlaws flaws = checkPage(*page, model);
+    require(flaws.any() == !textOf(flaws).empty());
     const auto counts = countCells(*page, model, grid, kPaper);
     require(counts.has_value());
     const auto all = static_cast<uint64_t>(cellsIn(grid, kPaper));

@@ -26,11 +26,43 @@ Fault checkFiles(const Arguments& arguments) {
   return std::nullopt;
 }
 
+bool isPicture(const Arguments& arguments) {
+  return arguments.action != Action::List && arguments.action != Action::Stats;
+}
+
 Fault checkOutput(const Arguments& arguments) {
-  const std::string& output = arguments.output;
-  const bool otherPng = output.ends_with(".png") && arguments.format == Format::Pdf;
-  const bool otherPdf = output.ends_with(".pdf") && arguments.format == Format::Png;
-  if (otherPng || otherPdf) return "the name " + output + " contradicts --format";
+  const auto named = formatOfName(arguments.output);
+  if (arguments.format && named && *named != *arguments.format) {
+    return "the name " + arguments.output + " contradicts --format";
+  }
+  return std::nullopt;
+}
+
+Fault checkSave(const Arguments& arguments) {
+  if (arguments.save.empty()) return std::nullopt;
+  if (arguments.from.empty()) return "--save needs --from";
+  if (arguments.action == Action::Sheet) return "--save keeps one stream; --sheet makes several";
+  const bool taken = !isPicture(arguments) || arguments.output == "-";
+  if (arguments.save == "-" && taken) return "standard output can be only one of the two outputs";
+  return std::nullopt;
+}
+
+Fault checkSheet(const Arguments& arguments) {
+  if (arguments.action != Action::Sheet) return std::nullopt;
+  constexpr size_t kMostVariants = 1024;
+  if (arguments.sheet.size() > 2) return "--sheet can be given once, or twice for a grid";
+  size_t variants = 1;
+  for (const SheetOption& option : arguments.sheet) variants *= option.values.size();
+  if (variants > kMostVariants) {
+    return std::to_string(variants) + " variants are more than one sheet shows (" +
+           std::to_string(kMostVariants) + ")";
+  }
+  if (arguments.sheet.size() == 2 && arguments.sheet[0].name == arguments.sheet[1].name) {
+    return "the two options of --sheet must differ";
+  }
+  if (arguments.pages && arguments.pages->first != arguments.pages->last) {
+    return "--sheet shows one page, so --page takes one number";
+  }
   return std::nullopt;
 }
 
@@ -40,11 +72,18 @@ std::optional<std::string> whatContradicts(const Arguments& arguments) {
   if (auto fault = checkFiles(arguments)) return fault;
   if (arguments.dpi && arguments.scale) return "--dpi and --scale exclude each other";
   if (!arguments.options.empty() && arguments.ppd.empty()) return "--options needs --ppd";
-  if (arguments.action == Action::Sheet && arguments.pages &&
-      arguments.pages->first != arguments.pages->last) {
-    return "--sheet shows one page, so --page takes one number";
-  }
+  if (arguments.anyPpd && arguments.ppd.empty()) return "--any-ppd needs --ppd";
+  if (auto fault = checkSheet(arguments)) return fault;
+  if (auto fault = checkSave(arguments)) return fault;
   return checkOutput(arguments);
+}
+
+std::optional<std::string> whatHasNoFormat(const Arguments& arguments) {
+  const std::string& output = arguments.output;
+  if (output.empty() || output == "-" || arguments.format || formatOfName(output)) {
+    return std::nullopt;
+  }
+  return "the name " + output + " decides no format: end it in .png or .pdf, or state --format";
 }
 
 }  // namespace velka::view

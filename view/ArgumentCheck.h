@@ -12,4 +12,7 @@ namespace velka::view {
 /// none where all is fine.
 [[nodiscard]] std::optional<std::string> whatContradicts(const Arguments& arguments);
 
+/// Whether an output of pictures is named so that no format follows; what to do then.
+[[nodiscard]] std::optional<std::string> whatHasNoFormat(const Arguments& arguments);
+
 }  // namespace velka::view

@@ -23,14 +23,21 @@ struct PageRange {
   [[nodiscard]] bool holds(uint64_t page) const { return page >= first && page <= last; }
 };
 
+/// An option of the job and the values to compare.
+struct SheetOption {
+  std::string name;
+  std::vector<std::string> values;
+};
+
 struct Arguments {
   Action action = Action::Draw;
   std::vector<std::string> files;  ///< "-" is standard input; none with `from`
-  std::string from;                ///< a PDF to print first; empty: none
+  std::string from;                ///< a document to print first; empty: none
+  std::string save;                ///< where to keep its stream; empty: nowhere
   std::string ppd;
+  bool anyPpd = false;  ///< another maker's will do, too
   std::string options;
-  std::string sheetOption;
-  std::vector<std::string> sheetValues;
+  std::vector<SheetOption> sheet;  ///< one, or two that make a grid
   std::optional<decode::Model> model;
   std::optional<double> scale;
   std::optional<double> dpi;
@@ -39,6 +46,8 @@ struct Arguments {
   std::optional<Format> format;
   std::string output;  ///< "-" is standard output; empty: named after the input
   bool pins = false;
+  bool tone = false;      ///< of --diff: means, not dots
+  bool progress = false;  ///< tell how far it is, also where nobody looks
   decode::Speeds speeds;
 };
 
@@ -58,6 +67,9 @@ struct UsageError {
 /// What --help prints, and --version.
 [[nodiscard]] std::string helpText();
 [[nodiscard]] std::string versionText();
+
+/// The format that a file's name decides.
+[[nodiscard]] std::optional<Format> formatOfName(const std::string& name);
 
 /// PNG or PDF: as stated, else by the output's name.
 [[nodiscard]] Format formatOf(const Arguments& arguments);

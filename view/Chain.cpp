@@ -1,181 +1,192 @@
 #include "Chain.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <cups/cups.h>
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
+#include <algorithm>
+#include <array>
 #include <filesystem>
-#include <fstream>
+#include <string_view>
 
+#include "ChainTools.h"
 #include "Files.h"
 #include "Process.h"
+#include "Progress.h"
+#include "RasterPages.h"
+#include "WorkFolder.h"
 
 namespace velka::view {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A folder that goes with what is in it. Its name serves as the job's id: it is
-// nobody else's, and no real job's, whose ids are numbers.
-class WorkFolder {
+// Options as the print system splits them.
+class Options {
  public:
-  WorkFolder() {
-    std::error_code error;
-    std::string name = fs::temp_directory_path(error) / "velkaview-XXXXXX";
-    if (error) {
-      trouble_ = error.message();
-    } else if (mkdtemp(name.data()) == nullptr) {
-      trouble_ = std::strerror(errno);
-    } else {
-      path_ = name;
-    }
-  }
-  ~WorkFolder() {
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove_all(path_, ignored);
-  }
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
+  explicit Options(const std::string& text) : count_(cupsParseOptions(text.c_str(), 0, &all_)) {}
+  ~Options() { cupsFreeOptions(count_, all_); }
+  Options(const Options&) = delete;
+  Options& operator=(const Options&) = delete;
 
-  /// Why there is no folder; empty where there is one.
-  [[nodiscard]] const std::string& trouble() const { return trouble_; }
-  [[nodiscard]] const fs::path& path() const { return path_; }
-  [[nodiscard]] std::string id() const { return path_.filename(); }
-  [[nodiscard]] std::string operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  fs::path path_;
-  std::string trouble_;
-};
-
-Problem writeAll(int file, const std::string& name, std::span<const uint8_t> bytes) {
-  size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t count = write(file, bytes.data() + done, bytes.size() - done);
-    if (count < 0) return systemTrouble(name);
-    done += static_cast<size_t>(count);
-  }
-  return std::nullopt;
-}
-
-// A file that was not there before; `made` tells whether it is there now.
-Problem writeNew(const std::string& name, std::span<const uint8_t> bytes, bool& made) {
-  const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-  if (file < 0) return systemTrouble(name);
-  made = true;
-  Problem problem = writeAll(file, name, bytes);
-  if (close(file) != 0 && !problem) return systemTrouble(name);
-  return problem;
-}
-
-// The copy that the filter takes pages from: where it looks, ours alone, gone at the
-// end whatever the filter did.
-class PdfCopy {
- public:
-  explicit PdfCopy(const std::string& id) : path_("/tmp/VK_TEMP_CUPS_" + id + ".pdf") {}
-  ~PdfCopy() {
-    if (made_) (void)unlink(path_.c_str());
-  }
-  PdfCopy(const PdfCopy&) = delete;
-  PdfCopy& operator=(const PdfCopy&) = delete;
-
-  [[nodiscard]] Problem make(const std::string& from) {
-    std::vector<uint8_t> bytes;
-    if (auto problem = readFile(from, bytes)) return problem;
-    return writeNew(path_, bytes, made_);
+  // Empty where it is not stated.
+  [[nodiscard]] std::string valueOf(const char* name) const {
+    const char* value = cupsGetOption(name, count_, all_);
+    return value == nullptr ? "" : value;
   }
 
  private:
-  std::string path_;
-  bool made_ = false;
+  cups_option_t* all_ = nullptr;
+  int count_ = 0;
 };
 
-bool isProgram(const std::string& path) {
-  return access(path.c_str(), X_OK) == 0;
+// What pages on paper of their final size still need to be told, so that choosing some
+// of them changes nothing else.
+std::string paperOptions(const std::string& text) {
+  constexpr std::array kPaper{"PageSize", "PageRegion", "media"};
+  const Options options(text);
+  std::string paper;
+  for (const char* name : kPaper) {
+    const std::string value = options.valueOf(name);
+    if (!value.empty()) paper.append(name).append("=").append(value).append(" ");
+  }
+  return paper;
+}
+
+std::string rangeText(const PageRange& pages) {
+  constexpr uint64_t kLast = 999'999'999;
+  return std::to_string(std::min(pages.first, kLast)) + "-" +
+         std::to_string(std::min(pages.last, kLast));
+}
+
+// What the document must be where that filter is the first; some filters look at it.
+std::string typeBefore(const std::string& filter) {
+  if (filter == "texttopdf") return "text/plain";
+  if (filter == "gstopdf") return "application/postscript";
+  return filter.starts_with("image") ? "image/png" : "application/pdf";
 }
 
 class Chain {
  public:
-  explicit Chain(const ChainJob& job) : job_(job) {}
+  explicit Chain(const ChainJob& job) : job_(job), tools_(folder_, held_) {}
 
-  Problem run(std::vector<uint8_t>& stream) {
+  Problem run(Printed& printed) {
     if (!folder_.trouble().empty()) return "no temporary folder: " + folder_.trouble();
-    if (auto problem = findPrograms()) return problem;
-    bool made = false;
-    if (auto problem = writeNew(folder_ / "job.pdf", job_.pdf, made)) return problem;
-    if (auto problem = step(toPages_, folder_ / "job.pdf", "pages.pdf")) return problem;
-    if (auto problem = step(toRaster_, folder_ / "pages.pdf", "pages.raster")) return problem;
-    PdfCopy copy(folder_.id());
     if (job_.pdfPreprocess) {
-      if (auto problem = copy.make(folder_ / "pages.pdf")) return problem;
+      if (auto problem = missingPdfTool()) return problem;
     }
-    if (auto problem = step(toCommands_, folder_ / "pages.raster", "commands")) return problem;
-    return readFile(folder_ / "commands", stream);
+    if (auto problem = tools_.find()) return problem;
+    if (auto problem = layOutDocument()) return problem;
+    if (auto problem = makeRaster()) return problem;
+    if (auto problem = chooseFromRaster()) return problem;
+    if (auto problem = step(tools_.ownFilter(), job_.options, "commands")) return problem;
+    printed.pagesChosen = chosen_;
+    return readFile(now_, printed.stream);
   }
 
  private:
-  Problem step(const std::string& program, const std::string& input, const std::string& output) {
-    Step step;
-    step.program = program;
-    step.arguments = {folder_.id(), "velkaview", job_.title, "1", job_.options};
-    step.environment = {{"PPD", fs::absolute(job_.ppd)},
-                        {"CONTENT_TYPE", "application/pdf"},
-                        {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"},
-                        {"TMPDIR", folder_.path()}};
-    step.input = input;
-    step.output = folder_ / output;
-    step.errors = folder_ / "errors";
-    return runStep(step, held_);
-  }
-
-  // Where the print system keeps its filters; its own tool knows.
-  std::string filterFolder() {
-    for (const char* tool : {"/usr/bin/cups-config", "/usr/local/bin/cups-config"}) {
-      Step ask{tool, {"--serverbin"}, {}, "/dev/null", folder_ / "serverbin", folder_ / "errors"};
-      if (!isProgram(tool) || runStep(ask, held_)) continue;
-      std::string line;
-      std::ifstream file(ask.output);
-      if (std::getline(file, line) && !line.empty()) return line + "/filter/";
-    }
-    return "/usr/lib/cups/filter/";
-  }
-
-  Problem findPrograms() {
-    const std::string system = filterFolder();
+  // In a folder of its own, as it may have any name.
+  Problem layOutDocument() {
     std::error_code error;
-    const fs::path own = fs::read_symlink("/proc/self/exe", error).parent_path();
-    toPages_ = system + "pdftopdf";
-    toRaster_ = system + (isProgram(system + "gstoraster") ? "gstoraster" : "pdftoraster");
-    toCommands_ = system + "rastovelka";
-    // Beside us, in the build tree, and where an installation with a prefix of its own
-    // has put it.
-    for (const fs::path& place : {own / "rastovelka", own / "../filter/rastovelka",
-                                  own / VELKA_FILTERS_FROM_BIN / "rastovelka"}) {
-      if (isProgram(place)) {
-        toCommands_ = place;
-        break;
-      }
-    }
-    for (const std::string& program : {toPages_, toRaster_, toCommands_}) {
-      if (!isProgram(program)) return program + " is missing, and the chain needs it";
+    fs::create_directory(folder_.path() / "document", error);
+    now_ = folder_.path() / "document" / job_.name;
+    bool made = false;
+    if (auto problem = writeNew(now_, job_.document, made)) return problem;
+    const std::string type = Options(job_.options).valueOf("document-format");
+    if (auto problem = tools_.findWay(now_, type, way_)) return problem;
+    if (!way_.empty()) type_ = typeBefore(way_.front());
+    for (const std::string& filter : way_) {
+      if (auto problem = tools_.missing(filter)) return problem;
     }
     return std::nullopt;
+  }
+
+  Problem makeRaster() {
+    for (size_t i = 0; i < way_.size(); ++i) {
+      if (i + 1 == way_.size() && job_.pdfPreprocess) {
+        if (auto problem = leaveCopy(way_[i])) return problem;
+      }
+      const std::string output = "step-" + std::to_string(i);
+      if (auto problem = step(tools_.pathOf(way_[i]), job_.options, output)) return problem;
+      if (way_[i] != "pdftopdf" || !job_.pages || chosen_) continue;
+      if (auto problem = chooseFromPdf(output + "-pages")) return problem;
+    }
+    return std::nullopt;
+  }
+
+  // Of the pages as they are printed, so behind whatever the options do with them.
+  Problem chooseFromPdf(const std::string& output) {
+    const std::string options =
+        paperOptions(job_.options) + "page-ranges=" + rangeText(*job_.pages);
+    if (auto problem = step(tools_.pathOf("pdftopdf"), options, output, true)) return problem;
+    chosen_ = true;
+    std::error_code error;
+    if (fs::file_size(now_, error) > 0 || error) return std::nullopt;
+    return noSuchPage("fewer pages");
+  }
+
+  Problem chooseFromRaster() {
+    if (!job_.pages || chosen_ || job_.pdfPreprocess) return std::nullopt;
+    uint64_t pages = 0;
+    const std::string output = folder_ / "pages";
+    if (auto problem = keepPages(now_, *job_.pages, output, pages)) return problem;
+    now_ = output;
+    chosen_ = true;
+    if (pages >= job_.pages->first) return std::nullopt;
+    return noSuchPage(std::to_string(pages));
+  }
+
+  [[nodiscard]] Problem noSuchPage(const std::string& pages) const {
+    return "there is no page " + std::to_string(job_.pages->first) +
+           "; the document as it is printed has " + pages;
+  }
+
+  // Of what the last filter gets; a picture is made a PDF for it.
+  Problem leaveCopy(const std::string& last) {
+    if (last == "gziptoany") return std::nullopt;  // a raster has no PDF
+    if (last != "imagetoraster") return copy_.make(now_);
+    const std::string picture = now_;
+    if (auto problem = tools_.missing("imagetopdf")) return problem;
+    if (auto problem = step(tools_.pathOf("imagetopdf"), job_.options, "copy")) return problem;
+    const std::string pdf = std::exchange(now_, picture);
+    return copy_.make(pdf);
+  }
+
+  Problem step(const std::string& program, const std::string& options, const std::string& output,
+               bool mayBeSilent = false) {
+    Step step;
+    step.program = program;
+    step.arguments = {folder_.id(), "velkaview", job_.name, "1", options};
+    // Numbers with a point and messages in our language, whoever looks at them.
+    step.environment = {{"PPD", fs::absolute(job_.ppd)},
+                        {"CONTENT_TYPE", type_},
+                        {"FINAL_CONTENT_TYPE", "application/vnd.cups-raster"},
+                        {"CUPS_SERVERBIN", tools_.serverFolder()},
+                        {"CHARSET", "utf-8"},
+                        {"LC_ALL", "C.UTF-8"},
+                        {"TMPDIR", folder_.path()}};
+    step.input = now_;
+    step.output = folder_ / output;
+    step.errors = folder_ / "errors";
+    step.mayBeSilent = mayBeSilent;
+    tellStep(fs::path(program).filename());
+    now_ = step.output;
+    return runStep(step, held_);
   }
 
   const ChainJob& job_;
   SignalsHeld held_;  // until everything is removed
   WorkFolder folder_;
-  std::string toPages_;
-  std::string toRaster_;
-  std::string toCommands_;
+  ChainTools tools_;
+  PdfCopy copy_{folder_.id()};
+  std::vector<std::string> way_;
+  std::string type_ = "application/vnd.cups-raster";
+  std::string now_;  // the file that the next step takes
+  bool chosen_ = false;
 };
 
 }  // namespace
 
-Problem runChain(const ChainJob& job, std::vector<uint8_t>& stream) {
-  return Chain(job).run(stream);
+Problem runChain(const ChainJob& job, Printed& printed) {
+  return Chain(job).run(printed);
 }
 
 }  // namespace velka::view

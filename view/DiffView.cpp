@@ -7,7 +7,9 @@
 
 #include "Difference.h"
 #include "Gallery.h"
+#include "Progress.h"
 #include "Report.h"
+#include "Tone.h"
 #include "Views.h"
 
 namespace velka::view {
@@ -36,11 +38,11 @@ class Comparison {
 
   int run() {
     const PageRange wanted = arguments_.pages.value_or(PageRange{});
-    const Survey one = survey(first_, wanted);
-    const Survey other = survey(second_, wanted);
+    const Survey one = survey(first_, {wanted});
+    const Survey other = survey(second_, {wanted});
     uint64_t chosen = 0;
     const uint64_t pages = std::max(one.pages, other.pages);
-    if (auto problem = choosePages(arguments_, pages, chosen)) {
+    if (auto problem = choosePages(arguments_, false, pages, chosen)) {
       return fail((one.pages < other.pages ? second_ : first_).name + ": " + *problem);
     }
     view_ = paperView(arguments_, first_, {std::gcd(one.grid.step, other.grid.step)});
@@ -50,7 +52,8 @@ class Comparison {
                        one.pages, other.pages);
     Gallery gallery(arguments_, first_.stem + "-" + second_.stem + "-diff", chosen == 1);
     const int status = compareAll(gallery);
-    printChange(text_, "all", total_);
+    // Of pages that are not all there a sum would mislead.
+    if (status == kDone) printTotals();
     return status;
   }
 
@@ -65,24 +68,63 @@ class Comparison {
       const auto other = secondReader.next();
       if (!one && !other) break;
       if (!range.holds(number)) continue;
-      status = std::max(status, comparePair(one.value_or(decode::Page{}),
-                                            other.value_or(decode::Page{}), number, gallery));
+      tellProgress("page " + std::to_string(number) + ": " + gallery.nameOf(number));
+      const decode::Page none;
+      const PagePair pages{one ? *one : none, other ? *other : none};
+      const auto problem = comparePair(pages, number, gallery);
+      if (problem) status = fail("page " + std::to_string(number) + ": " + *problem);
     }
     if (auto problem = gallery.finish()) status = fail(*problem);
+    clearProgress();
     status = finish(first_, firstReader.fault(), status);
     return finish(second_, secondReader.fault(), status);
   }
 
-  int comparePair(const decode::Page& one, const decode::Page& other, uint64_t number,
-                  Gallery& gallery) {
-    Change change;
-    Drawing drawing = comparePages({one, other}, view_, {first_.model, second_.model}, change);
+  Problem comparePair(const PagePair& pages, uint64_t number, Gallery& gallery) {
     const std::string name = "page " + std::to_string(number);
-    if (const auto* why = std::get_if<std::string>(&drawing)) return fail(name + ": " + *why);
-    printChange(text_, name, change);
-    total_.add(change);
-    const auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number);
-    return problem ? fail(*problem) : kDone;
+    RowsDrawing drawing = arguments_.tone ? compareTones(pages, name) : compareDots(pages, name);
+    if (const auto* why = std::get_if<std::string>(&drawing)) return *why;
+    return gallery.add(*std::get<Rows>(drawing), number);
+  }
+
+  RowsDrawing compareDots(const PagePair& pages, const std::string& name) {
+    RowsDrawing drawing = changeRows(pages, view_, models());
+    if (std::holds_alternative<std::string>(drawing)) return drawing;
+    const auto change = countChange(pages, view_, models());
+    if (!change) return "the pages are too large to compare";
+    clearProgress();
+    printChange(text_, name, *change);
+    total_.add(*change);
+    return drawing;
+  }
+
+  RowsDrawing compareTones(const PagePair& pages, const std::string& name) {
+    auto tones = tonesOf(pages, view_, models());
+    if (!tones) return "the pages are too large to compare";
+    const auto changes = changeOf(*tones);
+    clearProgress();
+    printTones(name, changes, true);
+    for (size_t ink = 0; ink < changes.size(); ++ink) totalTone_.at(ink).add(changes.at(ink));
+    constexpr double kUsualDpi = 90;
+    const double own = arguments_.scale ? streamDpi(view_) * view_.scale : kUsualDpi;
+    return toneRows(std::move(*tones), view_.dpi.value_or(own));
+  }
+
+  void printTones(const std::string& name, const std::array<ToneChange, 2>& changes, bool place) {
+    constexpr std::array<const char*, 2> kInks{"black", "red"};
+    for (size_t ink = 0; ink < changes.size(); ++ink) {
+      (void)std::fprintf(text_, "%s: %s tone: %s\n", name.c_str(), kInks.at(ink),
+                         textOf(changes.at(ink), place).c_str());
+    }
+  }
+
+  void printTotals() {
+    if (arguments_.tone) return printTones("all", totalTone_, false);
+    printChange(text_, "all", total_);
+  }
+
+  [[nodiscard]] std::array<decode::Model, 2> models() const {
+    return {first_.model, second_.model};
   }
 
   const Arguments& arguments_;
@@ -91,6 +133,7 @@ class Comparison {
   std::FILE* text_;
   PaperView view_;
   Change total_;
+  std::array<ToneChange, 2> totalTone_;
 };
 
 }  // namespace

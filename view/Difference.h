@@ -3,9 +3,9 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
-#include "Picture.h"
-#include "Stream.h"
+#include "PictureRows.h"
 
 namespace velka::view {
 
@@ -38,8 +38,20 @@ struct PagePair {
   const decode::Page& second;
 };
 
-/// Counts what changed. `view` holds both streams' grid and the wider paper, `models`
-/// which head printed which. The picture's resolution is the streams' own.
+/// The sheet that holds both pages.
+[[nodiscard]] decode::Paper paperOfBoth(const PagePair& pages, const PaperView& view,
+                                        const std::array<decode::Model, 2>& models);
+
+/// Counts what changed; none where the sheet has too many cells for that.
+[[nodiscard]] std::optional<Change> countChange(const PagePair& pages, const PaperView& view,
+                                                const std::array<decode::Model, 2>& models);
+
+/// What changed as a picture, at the streams' own resolution unless another is wanted;
+/// the pages must outlive it.
+[[nodiscard]] RowsDrawing changeRows(const PagePair& pages, const PaperView& view,
+                                     const std::array<decode::Model, 2>& models);
+
+/// Both at once, the picture whole.
 [[nodiscard]] Drawing comparePages(const PagePair& pages, const PaperView& view,
                                    const std::array<decode::Model, 2>& models, Change& change);
 

@@ -1,57 +1,24 @@
-// The views in pictures: the pages of a stream, variants of one on a sheet.
-#include <cstdio>
+// The view of a stream's pages.
 #include <utility>
-#include <vector>
 
-#include "ContactSheet.h"
-#include "Files.h"
 #include "Gallery.h"
+#include "PageRows.h"
+#include "Progress.h"
 #include "Report.h"
 #include "Views.h"
 
 namespace velka::view {
 namespace {
 
-std::string pageText(const Stream& stream, uint64_t number, const decode::Page& page) {
-  return stream.name + ": page " + std::to_string(number) + " (offset " +
-         std::to_string(page.offset) + "): ";
-}
-
-void warnOutside(const Stream& stream, uint64_t number, const decode::Page& page,
-                 uint64_t outside) {
-  if (outside == 0) return;
-  (void)fail(pageText(stream, number, page) + std::to_string(outside) + " dots miss the paper");
-}
-
-struct Sheet {
-  std::vector<uint8_t> pdf;
-  std::vector<Labelled> variants;
-  bool anyPage = false;  // whether one of them prints the page
-  int status = kDone;
-};
-
-// One variant's page; white paper where it prints none.
-Problem addVariant(const Arguments& arguments, const std::string& setting, Sheet& sheet) {
-  Stream stream;
-  const std::string options = arguments.options + " " + setting;
-  if (auto problem = printStream(arguments, sheet.pdf, options, stream)) {
-    return setting + ": " + *problem;
-  }
-  const uint64_t wanted = arguments.pages.value_or(PageRange{}).first;
-  PaperView view = paperView(arguments, stream, survey(stream, {wanted, wanted}).grid);
-  if (!view.dpi && !arguments.scale) view.dpi = 90;  // several fit a screen
-  decode::PageReader reader(stream.bytes, stream.model);
-  std::optional<decode::Page> page;
-  for (uint64_t number = 1; number <= wanted; ++number) page = reader.next();
-  sheet.anyPage = sheet.anyPage || page;
-  Labelled result{page ? setting : setting + " (prints no such page)", {}};
-  uint64_t outside = 0;
-  Drawing drawing = drawPage(page.value_or(decode::Page{}), view, outside);
-  if (const auto* why = std::get_if<std::string>(&drawing)) return setting + ": " + *why;
-  result.picture = std::get<Picture>(std::move(drawing));
-  sheet.variants.push_back(std::move(result));
-  sheet.status = finish(stream, reader.fault(), sheet.status);
-  return std::nullopt;
+// Pages without ink may not be sent, and which of the wanted ones those are nobody tells.
+void tellMissing(const Stream& stream, const PageRange& range, uint64_t pages) {
+  if (!stream.pagesChosen || pages == 0 || range.last == UINT64_MAX) return;
+  const uint64_t wanted = range.last - range.first + 1;
+  if (pages == wanted) return;
+  (void)fail(stream.name + ": " + std::to_string(wanted - pages) + " of the " +
+             std::to_string(wanted) +
+             " pages are not sent, as they have no ink, or not there; the " +
+             "others are numbered on from " + std::to_string(range.first));
 }
 
 }  // namespace
@@ -59,53 +26,36 @@ Problem addVariant(const Arguments& arguments, const std::string& setting, Sheet
 int drawPages(const Arguments& arguments) {
   Stream stream;
   if (auto problem = onlyStream(arguments, stream)) return fail(*problem);
-  const PageRange range = arguments.pages.value_or(PageRange{});
-  const Survey found = survey(stream, range);
+  const PageChoice choice = choiceOf(arguments, stream);
+  const Survey found = survey(stream, choice);
   uint64_t chosen = 0;
-  if (auto problem = choosePages(arguments, found.pages, chosen)) {
+  if (auto problem = choosePages(arguments, stream.pagesChosen, found.pages, chosen)) {
     return fail(stream.name + ": " + *problem);
   }
+  tellMissing(stream, choice.range, found.pages);
   const PaperView view = paperView(arguments, stream, found.grid);
   Gallery gallery(arguments, stream.stem, chosen == 1);
   decode::PageReader reader(stream.bytes, stream.model);
   int status = kDone;
-  uint64_t number = 0;
+  uint64_t next = choice.first;
+  uint64_t done = 0;
   while (const auto page = reader.next()) {
-    if (!range.holds(++number)) continue;
-    uint64_t outside = 0;
-    Drawing drawing = drawPage(*page, view, outside);
+    const uint64_t number = next++;
+    if (!choice.range.holds(number)) continue;
+    RowsDrawing drawing = pageRows(*page, view);
     if (const auto* why = std::get_if<std::string>(&drawing)) {
       status = fail(pageText(stream, number, *page) + *why);
       continue;
     }
-    warnOutside(stream, number, *page, outside);
-    if (auto problem = gallery.add(std::get<Picture>(std::move(drawing)), number)) {
-      return fail(*problem);
-    }
+    tellProgress(std::to_string(++done) + " of " + std::to_string(chosen) + ": " +
+                 gallery.nameOf(number));
+    warnOfPage(stream, number, *page, dotsBesidePaper(*page, view));
+    if (auto problem = gallery.add(*std::get<Rows>(drawing), number)) return fail(*problem);
   }
   if (auto problem = gallery.finish()) return fail(*problem);
-  if (number == 0) status = fail(stream.name + ": no page, so nothing to draw");
+  if (next == choice.first) status = fail(stream.name + ": no page, so nothing to draw");
+  clearProgress();
   return finish(stream, reader.fault(), status);
-}
-
-int drawSheet(const Arguments& arguments) {
-  Sheet sheet;
-  if (auto problem = readFile(arguments.from, sheet.pdf)) return fail(*problem);
-  for (const std::string& value : arguments.sheetValues) {
-    const std::string setting = arguments.sheetOption + "=" + value;
-    if (auto problem = addVariant(arguments, setting, sheet)) return fail(*problem);
-  }
-  if (!sheet.anyPage) return fail("no variant prints that page (one without ink may not be sent)");
-  Drawing drawing = contactSheet(std::move(sheet.variants));
-  if (const auto* why = std::get_if<std::string>(&drawing)) return fail(*why);
-  Arguments named = arguments;
-  const std::string stem = stemOf(arguments.from);
-  const bool pdf = formatOf(arguments) == Format::Pdf;
-  if (named.output.empty()) named.output = stem + "-sheet" + (pdf ? ".pdf" : ".png");
-  Gallery gallery(named, stem, true);
-  if (auto problem = gallery.add(std::get<Picture>(std::move(drawing)), 1)) return fail(*problem);
-  if (auto problem = gallery.finish()) return fail(*problem);
-  return sheet.status;
 }
 
 }  // namespace velka::view

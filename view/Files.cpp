@@ -166,4 +166,13 @@ Problem NewFile::keep() {
   return std::nullopt;
 }
 
+Problem writeFile(const std::string& name, std::span<const uint8_t> bytes) {
+  NewFile file(name);
+  if (auto problem = file.open()) return problem;
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file.file()) != bytes.size()) {
+    return systemTrouble(shownName(name, "standard output"));
+  }
+  return file.keep();
+}
+
 }  // namespace velka::view

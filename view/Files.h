@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -69,5 +70,8 @@ class NewFile {
   std::string working_;
   std::FILE* file_ = nullptr;
 };
+
+/// Writes a whole file under its name, or standard output for "-".
+[[nodiscard]] Problem writeFile(const std::string& name, std::span<const uint8_t> bytes);
 
 }  // namespace velka::view

@@ -19,11 +19,11 @@ Gallery::Gallery(const Arguments& arguments, std::string stem, bool single)
       stem_(std::move(stem)),
       single_(single) {
   if (format_ != Format::Pdf) return;
-  pdf_ = std::make_unique<PdfWriter>(output_.empty() ? stem_ + ".pdf" : output_);
+  pdf_ = std::make_unique<PdfWriter>(nameOf(1));
 }
 
-Problem Gallery::add(Picture picture, uint64_t number) {
-  return pdf_ ? pdf_->add(std::move(picture)) : writePng(picture, nameOf(number));
+Problem Gallery::add(PictureRows& rows, uint64_t number) {
+  return pdf_ ? pdf_->add(rows) : writePng(rows, nameOf(number));
 }
 
 Problem Gallery::finish() {
@@ -31,15 +31,21 @@ Problem Gallery::finish() {
 }
 
 std::string Gallery::nameOf(uint64_t number) const {
+  if (format_ == Format::Pdf) return output_.empty() ? stem_ + ".pdf" : output_;
   if (single_ && !output_.empty()) return output_;
   std::string name = output_.empty() ? stem_ : output_;
-  if (!output_.empty() && output_.ends_with(".png")) name.resize(name.size() - 4);
-  return name.append("-").append(std::to_string(number)).append(".png");
+  std::string ending = ".png";
+  if (formatOfName(output_)) {
+    ending = name.substr(name.size() - ending.size());
+    name.resize(name.size() - ending.size());
+  }
+  return name.append("-").append(std::to_string(number)).append(ending);
 }
 
-Problem choosePages(const Arguments& arguments, uint64_t pages, uint64_t& chosen) {
-  const PageRange range = arguments.pages.value_or(PageRange{});
+Problem choosePages(const Arguments& arguments, bool picked, uint64_t pages, uint64_t& chosen) {
+  const PageRange range = picked ? PageRange{} : arguments.pages.value_or(PageRange{});
   chosen = range.first > pages ? 0 : std::min(range.last, pages) - range.first + 1;
+  if (chosen == 0 && picked) return "nothing is printed there: a page without ink is not sent";
   if (chosen == 0 && arguments.pages) {
     return "there is no page " + std::to_string(range.first) + "; the stream has " +
            std::to_string(pages) + " (pages without ink may not be sent)";

@@ -18,12 +18,13 @@ class Gallery {
   Gallery(const Arguments& arguments, std::string stem, bool single);
 
   /// `number` is the page's in its stream.
-  [[nodiscard]] Problem add(Picture picture, uint64_t number);
+  [[nodiscard]] Problem add(PictureRows& rows, uint64_t number);
   [[nodiscard]] Problem finish();
 
- private:
+  /// The file that a page goes to.
   [[nodiscard]] std::string nameOf(uint64_t number) const;
 
+ private:
   Format format_;
   std::string output_;
   std::string stem_;
@@ -34,7 +35,9 @@ class Gallery {
 /// The most pictures of one run, unless pages are chosen.
 inline constexpr uint64_t kMostPictures = 1000;
 
-/// How many of `pages` the command line wants drawn; what is wrong with that many.
-[[nodiscard]] Problem choosePages(const Arguments& arguments, uint64_t pages, uint64_t& chosen);
+/// How many of a stream's `pages` the command line wants drawn, all of them where they
+/// are `picked` already; what is wrong with that many.
+[[nodiscard]] Problem choosePages(const Arguments& arguments, bool picked, uint64_t pages,
+                                  uint64_t& chosen);
 
 }  // namespace velka::view

@@ -5,8 +5,8 @@ namespace velka::view {
 std::string helpText() {
   return R"(Usage: velkaview [OPTION]... FILE
   or:  velkaview --list|--stats [OPTION]... FILE
-  or:  velkaview --diff [OPTION]... FILE FILE
-  or:  velkaview --from FILE.pdf --ppd FILE.ppd [--options TEXT] [OPTION]...
+  or:  velkaview --diff [--tone] [OPTION]... FILE FILE
+  or:  velkaview --from FILE --ppd FILE.ppd [--options TEXT] [OPTION]...
 Draws the paper that a command stream prints. FILE - is standard input.
 
 What to do
@@ -15,11 +15,17 @@ What to do
       --diff             compare two streams on paper; white and pale: the same,
                          blue: only the first prints there, green: only the second,
                          magenta: both, but not with the same ink
-      --from PDF         print PDF through the system's filters and ours, show that
-      --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet
+      --tone             with --diff: compare the ink on fields of 2 mm, not dots
+      --from FILE        print any document that lp takes through the system's filters
+                         and ours, show that
+      --save FILE        with --from: keep the stream
+      --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet;
+                         also NAME=FROM..TO/STEP; twice for a grid
+      --progress         tell how far it is, also where no terminal is
 
 The printer
       --ppd FILE         the printer's PPD: its model and paper
+      --any-ppd          go on with a PPD of another maker
       --options TEXT     the job's options, as in 'RedMinValue=90 PageSize=A5'
       --model MODEL      standard, orlo-front or orlo-back; where it is not stated the
                          stream must prove it
@@ -28,19 +34,20 @@ The printer
       --feed-speed MM    millimetres a second along the paper, for the time (100)
 
 The picture
-      --page N[-M]       these pages only, also N- and -M; pages of the stream, which
-                         may leave out those of the PDF that have no ink
+      --page N[-M]       these pages only, also N- and -M; of a stream its own, which
+                         may leave out those without ink; with --from the document's
       --dpi N            dots per inch; the stream's own where not stated
       --scale F          times the stream's own dots per inch
       --pins             draw the round dots of the pins
       --format FORMAT    png (a file a page) or pdf (one file)
-  -o, --output FILE      write there; - is standard output
+  -o, --output FILE      write there, FILE.png or FILE.pdf; - is standard output
 
   -h, --help             show this
   -V, --version          show the version
 
 Pictures are written to FILE-1.png, FILE-2.png ... in the working folder, over what
-is there. What was guessed is told. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
+is there. What was guessed is told, and what of a page will not be on paper as it was
+meant. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
 )";
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <span>
 
+#include "NearestName.h"
 #include "Ppd.h"
 
 namespace velka::view {
@@ -96,11 +97,23 @@ bool lookUp(ppd_file_t* ppd, const std::string& name, const std::string& value, 
   return true;
 }
 
-std::string optionsOf(ppd_file_t* ppd) {
-  std::string text;
+std::vector<std::string> keywordsOf(ppd_file_t* ppd) {
+  std::vector<std::string> keywords;
   for (ppd_option_t* option = ppdFirstOption(ppd); option != nullptr; option = ppdNextOption(ppd)) {
-    text += (text.empty() ? "" : ", ") + std::string(option->keyword);
+    keywords.emplace_back(option->keyword);
   }
+  return keywords;
+}
+
+std::vector<std::string> knownNames(ppd_file_t* ppd) {
+  std::vector<std::string> names = keywordsOf(ppd);
+  names.insert(names.end(), kCommon.begin(), kCommon.end());
+  return names;
+}
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
   return text;
 }
 
@@ -113,11 +126,12 @@ OptionCheck checkOptions(const std::string& ppd, const std::string& options) {
   cups_option_t* parsed = nullptr;
   const int count = cupsParseOptions(options.c_str(), 0, &parsed);
   for (const cups_option_t& option : std::span(parsed, static_cast<size_t>(count))) {
-    if (lookUp(file.get(), option.name, option.value, check.wrong) || isCommon(option.name)) {
-      continue;
-    }
-    check.warnings.push_back("neither the PPD nor the print system knows the option " +
-                             std::string(option.name));
+    const std::string name = option.name;
+    if (lookUp(file.get(), name, option.value, check.wrong) || isCommon(name)) continue;
+    const std::string text = "neither the PPD nor the print system knows the option " + name;
+    const auto meant = nearestName(name, knownNames(file.get()));
+    if (!meant) check.warnings.push_back(text);
+    if (meant && !check.wrong) check.wrong = text + "; did you mean " + *meant + "?";
   }
   cupsFreeOptions(count, parsed);
   return check;
@@ -130,10 +144,22 @@ OptionCheck checkSheet(const std::string& ppd, const std::string& option,
   if (!file) return check;
   for (const std::string& value : values) {
     if (lookUp(file.get(), option, value, check.wrong) || isCommon(option)) continue;
-    check.wrong = "the PPD has no option " + option + "; it has " + optionsOf(file.get());
+    const auto meant = nearestName(option, knownNames(file.get()));
+    check.wrong = "the PPD has no option " + option + "; " +
+                  (meant ? "did you mean " + *meant + "? It has " : "it has ") +
+                  joined(keywordsOf(file.get()));
     break;
   }
   return check;
+}
+
+std::optional<std::string> defaultOf(const std::string& ppd, const std::string& option) {
+  Problem unreadable;
+  const PpdFile file = openPpd(ppd, unreadable);
+  if (!file) return std::nullopt;
+  const ppd_option_t* found = ppdFindOption(file.get(), option.c_str());
+  if (found == nullptr) return std::nullopt;
+  return found->defchoice;
 }
 
 }  // namespace velka::view

@@ -27,9 +27,13 @@ inline constexpr uint32_t kRed = 0xD00000;
 /// A picture, or why there is none.
 using Drawing = std::variant<Picture, std::string>;
 
-/// The most pixels on a side (what the drawing library can do) and in all.
+/// The most pixels on a side (what the drawing library can do) and in all of a picture
+/// that is held whole.
 inline constexpr int32_t kLongestSide = 32767;
 inline constexpr int64_t kMostPixels = decode::kMostCells;
+
+/// What is wrong with a picture of that size where these are the limits.
+[[nodiscard]] std::string tooLarge(double width, double height, int64_t side, int64_t all);
 
 /// A white picture of that size, which may be beyond the limits.
 [[nodiscard]] Drawing blankPicture(double width, double height, double dpi);
@@ -48,10 +52,10 @@ struct PaperView {
 /// pixels as it needs for that.
 [[nodiscard]] double streamDpi(const PaperView& view);
 
-/// White paper, a pixel a cell.
-[[nodiscard]] Drawing blankPaper(const PaperView& view, const decode::Paper& paper);
+/// Dots of a page that miss the paper.
+[[nodiscard]] uint64_t dotsBesidePaper(const decode::Page& page, const PaperView& view);
 
-/// Draws a page; `outside` counts the dots that miss the paper.
+/// Draws a page whole; `outside` counts the dots that miss the paper.
 [[nodiscard]] Drawing drawPage(const decode::Page& page, const PaperView& view, uint64_t& outside);
 
 /// The picture at another resolution.

@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "BlockIndex.h"
+#include "PageRows.h"
+#include "Scaling.h"
+
 namespace velka::view {
 namespace {
 
@@ -37,10 +41,15 @@ Cover coverOf(double x, double y, double radius) {
   return cover;
 }
 
+// Pixels that a dot can touch on each side of its middle one.
+int reachOf(double radius) {
+  return static_cast<int>(std::ceil(radius)) + 1;
+}
+
 // A disc whose middle lies `phaseX`, `phaseY` eighths of a pixel right of and below
 // the middle pixel's corner.
 Stamp makeStamp(double radius, int phaseX, int phaseY) {
-  const int reach = static_cast<int>(std::ceil(radius)) + 1;
+  const int reach = reachOf(radius);
   Stamp stamp;
   stamp.size = 2 * reach + 1;
   for (int y = 0; y < stamp.size; ++y) {
@@ -52,24 +61,18 @@ Stamp makeStamp(double radius, int phaseX, int phaseY) {
   return stamp;
 }
 
-// How much of each pixel an ink covers.
-class InkLayer {
+// The stamps of one size of dot, made when they are first wanted.
+class Stamps {
  public:
-  InkLayer(const Picture& picture, double radius)
-      : width_(picture.width),
-        height_(picture.height),
-        radius_(radius),
-        cover_(picture.pixels.size(), 0) {}
+  explicit Stamps(double radius) : radius_(radius) {}
 
-  void strike(double x, double y) {
-    const auto column = static_cast<int64_t>(std::floor(x));
-    const auto row = static_cast<int64_t>(std::floor(y));
-    put(stampAt(phase(x), phase(y)), column, row);
-  }
-
-  // Of kPlacesInAll.
-  [[nodiscard]] uint32_t at(size_t pixel) const {
-    return static_cast<uint32_t>(std::popcount(cover_[pixel]));
+  // For a dot whose middle lies at these parts of a pixel.
+  const Stamp& at(double x, double y) {
+    const int phaseX = phase(x);
+    const int phaseY = phase(y);
+    Stamp& stamp = stamps_.at(static_cast<size_t>(phaseY) * kPhases + static_cast<size_t>(phaseX));
+    if (stamp.size == 0) stamp = makeStamp(radius_, phaseX, phaseY);
+    return stamp;
   }
 
  private:
@@ -77,31 +80,44 @@ class InkLayer {
     return static_cast<int>((place - std::floor(place)) * kPhases) % kPhases;
   }
 
-  const Stamp& stampAt(int phaseX, int phaseY) {
-    Stamp& stamp = stamps_[static_cast<size_t>(phaseY) * kPhases + static_cast<size_t>(phaseX)];
-    if (stamp.size == 0) stamp = makeStamp(radius_, phaseX, phaseY);
-    return stamp;
+  double radius_;
+  std::array<Stamp, size_t{kPhases} * kPhases> stamps_;
+};
+
+// How much of each pixel of some rows an ink covers.
+class InkLayer {
+ public:
+  void clear(int64_t width, int64_t top, int64_t rows) {
+    width_ = width;
+    top_ = top;
+    rows_ = rows;
+    cover_.assign(static_cast<size_t>(width * rows), 0);
   }
 
   // Ink on ink of the same colour is no darker.
   void put(const Stamp& stamp, int64_t column, int64_t row) {
     const int64_t left = column - stamp.size / 2;
-    const int64_t top = row - stamp.size / 2;
-    for (int64_t y = std::max<int64_t>(0, -top); y < std::min<int64_t>(stamp.size, height_ - top);
+    const int64_t above = row - stamp.size / 2 - top_;
+    for (int64_t y = std::max<int64_t>(0, -above); y < std::min<int64_t>(stamp.size, rows_ - above);
          ++y) {
       for (int64_t x = std::max<int64_t>(0, -left);
            x < std::min<int64_t>(stamp.size, width_ - left); ++x) {
-        cover_[static_cast<size_t>((top + y) * width_ + left + x)] |=
+        cover_[static_cast<size_t>((above + y) * width_ + left + x)] |=
             stamp.cover[static_cast<size_t>(y * stamp.size + x)];
       }
     }
   }
 
-  int64_t width_;
-  int64_t height_;
-  double radius_;
+  // Of kPlacesInAll.
+  [[nodiscard]] size_t at(size_t pixel) const {
+    return static_cast<size_t>(std::popcount(cover_[pixel]));
+  }
+
+ private:
+  int64_t width_ = 0;
+  int64_t top_ = 0;
+  int64_t rows_ = 0;
   std::vector<Cover> cover_;
-  std::array<Stamp, size_t{kPhases} * kPhases> stamps_;
 };
 
 // An ink takes from each channel what its own colour lacks, as far as it covers it.
@@ -115,49 +131,94 @@ uint32_t inked(uint32_t colour, uint32_t ink, uint32_t amount) {
   return result;
 }
 
+// What a pixel looks like under so much red and so much black, of kPlacesInAll each.
+class Mixture {
+ public:
+  Mixture() {
+    for (uint32_t red = 0; red <= kPlacesInAll; ++red)
+      for (uint32_t black = 0; black <= kPlacesInAll; ++black)
+        colours_.at(red).at(black) = inked(inked(kWhite, kRed, red), kBlack, black);
+  }
+  [[nodiscard]] uint32_t of(size_t red, size_t black) const { return colours_[red][black]; }
+
+ private:
+  std::array<std::array<uint32_t, kPlacesInAll + 1>, kPlacesInAll + 1> colours_{};
+};
+
+class PinRows : public PictureRows {
+ public:
+  PinRows(const PictureSize& size, const decode::Page& page, const PaperView& view,
+          const decode::Paper& paper)
+      : PictureRows(size, {}),
+        model_(view.model),
+        paper_(paper),
+        perUnit_(size.dpi / static_cast<double>(decode::kUnitsPerInch)),
+        middle_(static_cast<double>(decode::dotHeight(page, view.grid) * view.grid.cell()) / 2),
+        reach_(reachOf(radiusAt(size.dpi)) + 1),
+        stamps_(radiusAt(size.dpi)),
+        blocks_(page, view.model) {}
+
+  [[nodiscard]] bool isBlank(int64_t top, int64_t rows) const override {
+    return blocks_.noneTouches(unitsAt(top - reach_), unitsAt(top + rows + reach_));
+  }
+
+  void draw(int64_t top, std::span<uint32_t> pixels) override {
+    const auto rows = static_cast<int64_t>(pixels.size() / width());
+    for (InkLayer& layer : layers_) layer.clear(size().width, top, rows);
+    blocks_.forEachTouching(unitsAt(top - reach_), unitsAt(top + rows + reach_),
+                            [&](const decode::Block& block) { strike(block, top, rows); });
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      pixels[i] = mixture_.of(layers_[1].at(i), layers_[0].at(i));
+    }
+  }
+
+ private:
+  static double radiusAt(double dpi) { return kPinDiameter / 2 / 25.4 * dpi; }
+
+  // A little above the pixel, so that no dot is passed over.
+  [[nodiscard]] int64_t unitsAt(int64_t row) const {
+    return static_cast<int64_t>(std::floor((static_cast<double>(row) / perUnit_) - middle_));
+  }
+
+  void strike(const decode::Block& block, int64_t top, int64_t rows) {
+    const double half = static_cast<double>(block.mode.columnPitch) / 2;
+    forEachDot(block, model_, [&](decode::Ink ink, int64_t x, int64_t y) {
+      if (x < 0 || y < 0 || x >= paper_.width || y >= paper_.length) return;
+      const double down = (static_cast<double>(y) + middle_) * perUnit_;
+      const auto row = static_cast<int64_t>(std::floor(down));
+      if (row < top - reach_ || row >= top + rows + reach_) return;
+      const double across = (static_cast<double>(x) + half) * perUnit_;
+      layers_.at(static_cast<size_t>(ink))
+          .put(stamps_.at(across, down), static_cast<int64_t>(std::floor(across)), row);
+    });
+  }
+
+  decode::Model model_;
+  decode::Paper paper_;
+  double perUnit_;  // pixels
+  double middle_;   // of a dot below its place, units
+  int64_t reach_;   // rows that a dot can touch above and below its own
+  Stamps stamps_;
+  decode::BlockIndex blocks_;
+  std::array<InkLayer, 2> layers_;
+  Mixture mixture_;
+};
+
 // What is drawn coarser than this is drawn at a multiple of it and made smaller.
 constexpr double kLeastDpi = 360;
 
-Drawing drawFine(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
-                 double dpi, uint64_t& outside) {
-  const double perUnit = dpi / static_cast<double>(decode::kUnitsPerInch);
-  Drawing drawing = blankPicture(std::ceil(static_cast<double>(paper.width) * perUnit),
-                                 std::ceil(static_cast<double>(paper.length) * perUnit), dpi);
-  auto* picture = std::get_if<Picture>(&drawing);
-  if (picture == nullptr) return drawing;
-  const double radius = kPinDiameter / 2 / 25.4 * dpi;
-  std::array<InkLayer, 2> layers{InkLayer(*picture, radius), InkLayer(*picture, radius)};
-  const double middle =
-      static_cast<double>(decode::dotHeight(page, view.grid) * view.grid.cell()) / 2;
-  outside = 0;
-  for (const decode::Block& block : page.blocks) {
-    const double half = static_cast<double>(block.mode.columnPitch) / 2;
-    forEachDot(block, view.model, [&](decode::Ink ink, int64_t x, int64_t y) {
-      if (x < 0 || y < 0 || x >= paper.width || y >= paper.length) {
-        ++outside;
-        return;
-      }
-      layers.at(static_cast<size_t>(ink))
-          .strike((static_cast<double>(x) + half) * perUnit,
-                  (static_cast<double>(y) + middle) * perUnit);
-    });
-  }
-  for (size_t i = 0; i < picture->pixels.size(); ++i) {
-    uint32_t& pixel = picture->pixels[i];
-    pixel = inked(inked(pixel, kRed, layers[1].at(i)), kBlack, layers[0].at(i));
-  }
-  return drawing;
-}
-
 }  // namespace
 
-Drawing drawPins(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
-                 double dpi, uint64_t& outside) {
-  Drawing drawing =
-      drawFine(page, view, paper, dpi * std::max(1.0, std::ceil(kLeastDpi / dpi)), outside);
-  auto* picture = std::get_if<Picture>(&drawing);
-  if (picture == nullptr || dpi == picture->dpi) return drawing;
-  return resample(std::move(*picture), dpi);
+RowsDrawing pinRows(const decode::Page& page, const PaperView& view, const decode::Paper& paper,
+                    double dpi) {
+  const double fine = dpi * std::max(1.0, std::ceil(kLeastDpi / dpi));
+  const double perUnit = fine / static_cast<double>(decode::kUnitsPerInch);
+  const auto pixels = [&](int64_t units) {
+    return std::ceil(static_cast<double>(units) * perUnit);
+  };
+  const PictureSize size = wholePixels(pixels(paper.width), pixels(paper.length), fine);
+  if (size.width > kWidestSource || size.height > kLongestSource) return kBeyondDrawing;
+  return scaled(std::make_unique<PinRows>(size, page, view, paper), dpi);
 }
 
 }  // namespace velka::view

@@ -1,7 +1,7 @@
 // Dots as the pins leave them.
 #pragma once
 
-#include "Picture.h"
+#include "PictureRows.h"
 
 namespace velka::view {
 
@@ -9,8 +9,9 @@ namespace velka::view {
 /// (0.141 mm) apart, so neighbours overlap.
 inline constexpr double kPinDiameter = 0.2;
 
-/// Draws a page on its paper with round dots at a resolution.
-[[nodiscard]] Drawing drawPins(const decode::Page& page, const PaperView& view,
-                               const decode::Paper& paper, double dpi, uint64_t& outside);
+/// Rows of a page on its paper with round dots, at a resolution; the page must outlive
+/// them.
+[[nodiscard]] RowsDrawing pinRows(const decode::Page& page, const PaperView& view,
+                                  const decode::Paper& paper, double dpi);
 
 }  // namespace velka::view

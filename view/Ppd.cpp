@@ -2,7 +2,9 @@
 
 #include <cups/cups.h>
 
+#include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace velka::view {
 namespace {
@@ -36,6 +38,20 @@ PpdFile openPpd(const std::string& name, Problem& problem) {
   problem = name + ": " + ppdErrorString(status);
   if (line > 0) *problem += " on line " + std::to_string(line);
   return ppd;
+}
+
+Problem otherMaker(const std::string& name) {
+  Problem unreadable;
+  const PpdFile ppd = openPpd(name, unreadable);
+  if (!ppd) return std::nullopt;
+  const std::string maker = ppd->manufacturer == nullptr ? "" : ppd->manufacturer;
+  const std::span filters(ppd->filters, static_cast<size_t>(ppd->num_filters));
+  const bool ours = maker == "Velka" || std::ranges::any_of(filters, [](const char* filter) {
+                      return std::string(filter).ends_with("rastovelka");
+                    });
+  if (ours) return std::nullopt;
+  return name + " is " + (maker.empty() ? "another maker" : maker) +
+         "'s PPD, whose printers take other commands; --any-ppd goes on with it";
 }
 
 Problem readPpd(const std::string& name, const std::string& options, PpdFacts& facts) {

@@ -20,6 +20,10 @@ using PpdFile = std::unique_ptr<ppd_file_t, ClosePpd>;
 /// Opens a PPD; null where it cannot be read, and why in `problem`.
 [[nodiscard]] PpdFile openPpd(const std::string& name, Problem& problem);
 
+/// Why a PPD is none of this system's printers: it names neither our filter nor us.
+/// None where it is, or cannot be read.
+[[nodiscard]] Problem otherMaker(const std::string& name);
+
 struct PpdFacts {
   decode::Model model = decode::Model::Standard;
   int64_t paperWidth = 0;      ///< units, of the page as it leaves the printer

@@ -4,9 +4,13 @@
 #include <cmath>
 #include <cstdio>
 
+#include "PageCheck.h"
+#include "Progress.h"
+
 namespace velka::view {
 
 int fail(const std::string& text, Status status) {
+  clearProgress();
   (void)std::fprintf(stderr, "velkaview: %s\n", text.c_str());
   return status;
 }
@@ -14,6 +18,20 @@ int fail(const std::string& text, Status status) {
 int finish(const Stream& stream, const std::optional<decode::Fault>& fault, int status) {
   if (!fault) return status;
   return std::max(status, fail(faultText(stream, *fault)));
+}
+
+std::string pageText(const Stream& stream, uint64_t number, const decode::Page& page) {
+  return stream.name + ": page " + std::to_string(number) + " (offset " +
+         std::to_string(page.offset) + "): ";
+}
+
+void warnOfPage(const Stream& stream, uint64_t number, const decode::Page& page, uint64_t outside) {
+  std::string text = decode::textOf(decode::checkPage(page, stream.model));
+  if (outside > 0) {
+    text += (text.empty() ? "" : "; ") + std::to_string(outside) +
+            (outside == 1 ? " dot misses the paper" : " dots miss the paper");
+  }
+  if (!text.empty()) (void)fail(pageText(stream, number, page) + text);
 }
 
 // Output that cannot be written (a full disk, say) must not pass for done.

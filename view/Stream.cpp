@@ -3,12 +3,14 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "Chain.h"
 #include "Files.h"
 #include "ModelGuess.h"
 #include "PageReader.h"
 #include "Ppd.h"
+#include "Progress.h"
 
 namespace velka::view {
 namespace {
@@ -24,11 +26,12 @@ std::string shownInput(const std::string& name) {
 }
 
 void tell(const Stream& stream, const std::string& text) {
+  clearProgress();
   (void)std::fprintf(stderr, "velkaview: %s: %s\n", stream.name.c_str(), text.c_str());
 }
 
 Problem takeGuess(const decode::ModelGuess& guess, Stream& stream) {
-  stream.modelKnown = guess.model.has_value();
+  stream.modelKnown = guess.proved;
   stream.model = guess.model.value_or(decode::Model::Standard);
   if (!guess.matters) return std::nullopt;
   if (!guess.model) {
@@ -81,30 +84,42 @@ Problem loadStream(const Arguments& arguments, size_t index, Stream& stream) {
   return describe(arguments, arguments.options, stream);
 }
 
-Problem printStream(const Arguments& arguments, std::span<const uint8_t> pdf,
-                    const std::string& options, Stream& stream) {
+Problem printStream(const Arguments& arguments, std::span<const uint8_t> document,
+                    const std::string& options, std::optional<PageRange> pages, Stream& stream) {
   PpdFacts facts;
   if (auto problem = readPpd(arguments.ppd, options, facts)) return problem;
   stream.name = shownInput(arguments.from);
   stream.stem = stemOf(arguments.from);
-  const std::string title = std::filesystem::path(stream.name).filename();
-  const ChainJob job{pdf, title, arguments.ppd, options, facts.pdfPreprocess};
-  if (auto problem = runChain(job, stream.bytes)) return stream.name + ": " + *problem;
+  const std::string name =
+      arguments.from == "-" ? "stdin" : std::filesystem::path(arguments.from).filename().string();
+  const ChainJob job{document, name, arguments.ppd, options, facts.pdfPreprocess, pages};
+  Printed printed;
+  if (auto problem = runChain(job, printed)) return stream.name + ": " + *problem;
+  stream.bytes = std::move(printed.stream);
+  stream.pagesChosen = printed.pagesChosen;
   return describe(arguments, options, stream);
 }
 
 Problem onlyStream(const Arguments& arguments, Stream& stream) {
   if (arguments.from.empty()) return loadStream(arguments, 0, stream);
-  std::vector<uint8_t> pdf;
-  if (auto problem = readFile(arguments.from, pdf)) return problem;
-  return printStream(arguments, pdf, arguments.options, stream);
+  std::vector<uint8_t> document;
+  if (auto problem = readFile(arguments.from, document)) return problem;
+  if (auto problem = printStream(arguments, document, arguments.options, arguments.pages, stream)) {
+    return problem;
+  }
+  return arguments.save.empty() ? std::nullopt : writeFile(arguments.save, stream.bytes);
 }
 
-Survey survey(const Stream& stream, const PageRange& wanted) {
+PageChoice choiceOf(const Arguments& arguments, const Stream& stream) {
+  const PageRange range = arguments.pages.value_or(PageRange{});
+  return {range, stream.pagesChosen ? range.first : 1};
+}
+
+Survey survey(const Stream& stream, const PageChoice& wanted) {
   Survey found;
   decode::PageReader reader(stream.bytes, stream.model);
   while (const auto page = reader.next()) {
-    if (wanted.holds(++found.pages)) found.grid.add(*page);
+    if (wanted.range.holds(wanted.first + found.pages++)) found.grid.add(*page);
   }
   return found;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,8 +18,9 @@ struct Stream {
   std::string stem;  ///< of the names of its pictures
   std::vector<uint8_t> bytes;
   decode::Model model = decode::Model::Standard;
-  bool modelKnown = true;  ///< otherwise nothing depends on it
-  int64_t leastWidth = 0;  ///< of the paper, units; what is printed beside it widens it
+  bool modelKnown = true;    ///< otherwise nothing depends on it
+  bool pagesChosen = false;  ///< of a document: it holds the wanted pages and no other
+  int64_t leastWidth = 0;    ///< of the paper, units; what is printed beside it widens it
 };
 
 /// What a first reading finds out.
@@ -36,16 +38,26 @@ struct Survey {
 /// Reads the file at `index` of the command line.
 [[nodiscard]] Problem loadStream(const Arguments& arguments, size_t index, Stream& stream);
 
-/// Prints `pdf`, the bytes of the command line's PDF, with these options.
-[[nodiscard]] Problem printStream(const Arguments& arguments, std::span<const uint8_t> pdf,
-                                  const std::string& options, Stream& stream);
+/// Prints `pages` of a document, the bytes of the command line's, with these options;
+/// all of it without pages.
+[[nodiscard]] Problem printStream(const Arguments& arguments, std::span<const uint8_t> document,
+                                  const std::string& options, std::optional<PageRange> pages,
+                                  Stream& stream);
 
-/// Loads a stream or prints the PDF, whichever the command line asks for.
+/// Loads a stream or prints the document, whichever the command line asks for, and
+/// keeps what was printed where it says.
 [[nodiscard]] Problem onlyStream(const Arguments& arguments, Stream& stream);
+
+/// The pages of the stream that are wanted, and the number of its first.
+struct PageChoice {
+  PageRange range;     ///< of numbers
+  uint64_t first = 1;  ///< of the stream's first page
+};
+[[nodiscard]] PageChoice choiceOf(const Arguments& arguments, const Stream& stream);
 
 /// Reads a stream's pages once, up to its first fault; what those beside `wanted` hold
 /// must not change how those are drawn.
-[[nodiscard]] Survey survey(const Stream& stream, const PageRange& wanted);
+[[nodiscard]] Survey survey(const Stream& stream, const PageChoice& wanted);
 
 /// "NAME: offset N: WHAT".
 [[nodiscard]] std::string faultText(const Stream& stream, const decode::Fault& fault);

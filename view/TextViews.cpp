@@ -4,6 +4,7 @@
 
 #include "CommandText.h"
 #include "JobEnd.h"
+#include "PageCells.h"
 #include "Report.h"
 #include "StreamStats.h"
 #include "Views.h"
@@ -42,6 +43,17 @@ void printStats(const decode::StreamStats& stats, const Stream& stream,
   (void)std::printf("model        %s\n", model.c_str());
 }
 
+void warnOfPages(const Stream& stream, decode::PaperWidth width) {
+  decode::PageReader reader(stream.bytes, stream.model);
+  uint64_t number = 0;
+  while (const auto page = reader.next()) {
+    decode::Grid grid;
+    grid.add(*page);
+    const decode::Paper paper = decode::paperOf(*page, stream.model, grid, width);
+    warnOfPage(stream, ++number, *page, decode::dotsOutside(*page, stream.model, paper));
+  }
+}
+
 }  // namespace
 
 int listCommands(const Arguments& arguments) {
@@ -65,6 +77,7 @@ int tellStats(const Arguments& arguments) {
   const auto stats = decode::readStats(stream.bytes, stream.model, arguments.speeds,
                                        paperWidth(arguments, stream));
   printStats(stats, stream, arguments.speeds);
+  warnOfPages(stream, paperWidth(arguments, stream));
   return finish(stream, stats.fault, flushed(kDone));
 }
 

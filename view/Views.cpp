@@ -1,6 +1,8 @@
 #include "Views.h"
 
 #include "OptionCheck.h"
+#include "Ppd.h"
+#include "Progress.h"
 #include "Report.h"
 
 namespace velka::view {
@@ -16,14 +18,20 @@ int judge(const OptionCheck& check) {
 // Before anything runs: a misspelt option would print like none at all.
 int checkSettings(const Arguments& arguments) {
   if (arguments.ppd.empty()) return kDone;
-  const int status = judge(checkOptions(arguments.ppd, arguments.options));
-  if (status != kDone || arguments.action != Action::Sheet) return status;
-  return judge(checkSheet(arguments.ppd, arguments.sheetOption, arguments.sheetValues));
+  if (!arguments.anyPpd) {
+    if (auto problem = otherMaker(arguments.ppd)) return fail(*problem, kWrongUse);
+  }
+  int status = judge(checkOptions(arguments.ppd, arguments.options));
+  for (const SheetOption& option : arguments.sheet) {
+    if (status == kDone) status = judge(checkSheet(arguments.ppd, option.name, option.values));
+  }
+  return status;
 }
 
 }  // namespace
 
 int show(const Arguments& arguments) {
+  askForProgress(arguments.progress);
   if (const int status = checkSettings(arguments); status != kDone) return status;
   switch (arguments.action) {
     case Action::List:

@@ -71,6 +71,23 @@ TEST(DotGrid, ASecondPassARowLowerMakesRowsHalfAsHigh) {
   EXPECT_EQ(drawn->cells, (Stream{kBlackInk, 0, kRedInk, 0, 0, 0}));
 }
 
+// The second pass struck nothing, but the paper moved on to it: rows are 1/360 inch.
+TEST(DotGrid, AMoveToRowsThatStayWhiteMakesRowsHalfAsHighToo) {
+  const Stream column = {0x80, 0, 0};
+  const auto drawnRows = [&](const ExpectedStream& stream) {
+    const Stream bytes = ExpectedStream(stream).formFeed().bytes();
+    const Page page = pageOf(bytes);
+    return drawCells(page, Model::Standard, gridOf(page), {10, 30})->cells;
+  };
+  const auto row100 = ExpectedStream().block(0, 40, 1, column).unit(10).down(1);
+  EXPECT_EQ(drawnRows(row100), (Stream{kBlackInk, 0, 0}));
+  const auto row101 = ExpectedStream(row100).toX(0).block(0, 40, 1, column);
+  EXPECT_EQ(drawnRows(row101), (Stream{kBlackInk, kBlackInk, 0}));
+  // Rows of 1/180 inch are as high as ever.
+  const auto coarse = ExpectedStream().block(0, 40, 1, column).unit(10).down(2);
+  EXPECT_EQ(drawnRows(coarse), (Stream{kBlackInk, kBlackCell, 0}));
+}
+
 TEST(DotGrid, DotsKeepTheirHeightBesideAPageOfFinerRows) {
   const Stream column = {0x80, 0, 0};
   const Stream fine = ExpectedStream()

@@ -7,6 +7,7 @@
 #include "CommandText.h"
 #include "DotGrid.h"
 #include "ModelGuess.h"
+#include "PageCheck.h"
 #include "PageReader.h"
 #include "StreamStats.h"
 #include "reference/ExpectedStream.h"
@@ -93,6 +94,8 @@ void readEveryWay(Bytes stream) {
       grid.add(*page);
       const Area area = inkedArea(*page, model, grid);
       EXPECT_LE(area.left, area.right);
+      const PageFlaws flaws = checkPage(*page, model);
+      EXPECT_EQ(flaws.any(), !textOf(flaws).empty());
       EXPECT_TRUE(drawCells(*page, model, grid, {2000, 2000}).has_value());
     }
     EXPECT_EQ(readStats(stream, model, {}, {29764, true}).pages, pages);

@@ -115,6 +115,25 @@ TEST(PageReader, AFormFeedStartsAtTheTopAndAnInitialisationLeavesThePaper) {
   EXPECT_EQ(pages[1].blocks.at(0).y, 0);
 }
 
+TEST(PageReader, TheHeadStandsAtTheTopWhereAPageStartsAndAnywhereWhereItEnds) {
+  const Stream stream = ExpectedStream()
+                            .unit(10)
+                            .down(50)
+                            .block(0, 0, 1, {1})
+                            .down(7)
+                            .formFeed()
+                            .formFeed()
+                            .block(0, 0, 1, {1})
+                            .unit(10)
+                            .down(3)
+                            .bytes();
+  const auto pages = pagesOf(stream, Model::Standard);
+  ASSERT_EQ(pages.size(), 3U);
+  EXPECT_EQ(pages[0].headY, 570);
+  EXPECT_EQ(pages[1].headY, 0);
+  EXPECT_EQ(pages[2].headY, 30);
+}
+
 TEST(PageReader, EveryFormFeedIsAPageAndWhatFollowsTheLastOnlyWithBlocks) {
   const Stream empty = {0x0C, 0x0C, 0x1B, '@'};
   EXPECT_EQ(pagesOf(empty, Model::Standard).size(), 2U);

@@ -107,6 +107,19 @@ TEST(Stats, AMoveThatOverwroteAnotherStartsABand) {
   EXPECT_EQ(statsOf(stream).bands, 2U);
 }
 
+// A move of 1000 units whose commands overlap counts as that, however it was sent.
+TEST(Stats, AMoveThatOverwroteAnotherCountsAsLongAsItIs) {
+  const Stream longMove = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 100, 0, 0, 0, 0, 0};
+  const Stream back = {0x0D, 0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 0xCE, 0xFF, 0, 0, 0, 0};
+  const StreamStats stats =
+      statsOf(ExpectedStream().start(6).unit(10).add(longMove).add(back).formFeed().bytes());
+  EXPECT_EQ(stats.paperMoves, 2U);
+  EXPECT_EQ(stats.movedOn, 1000);
+  EXPECT_EQ(stats.movedBack, 500);
+  // 1500 units of moves and the rest of a form of 3600 units, 500 from its top.
+  EXPECT_NEAR(stats.seconds, (1500 + 3100) * 25.4 / 3600 / 50, 1e-9);
+}
+
 TEST(Stats, BlocksOfOneInkWithoutAPaperMoveAreOnePass) {
   const Stream column = {0x80, 0, 0};
   const Stream one =

@@ -75,8 +75,37 @@ TEST(Arguments, ASheetNamesAnOptionAndItsValues) {
   const Arguments arguments =
       accepted({"--from", "a.pdf", "--ppd", "p.ppd", "--sheet", "RedMinValue=90,130,170"});
   EXPECT_EQ(arguments.action, Action::Sheet);
-  EXPECT_EQ(arguments.sheetOption, "RedMinValue");
-  EXPECT_EQ(arguments.sheetValues, (std::vector<std::string>{"90", "130", "170"}));
+  ASSERT_EQ(arguments.sheet.size(), 1U);
+  EXPECT_EQ(arguments.sheet[0].name, "RedMinValue");
+  EXPECT_EQ(arguments.sheet[0].values, (std::vector<std::string>{"90", "130", "170"}));
+}
+
+TEST(Arguments, TwoSheetsMakeAGrid) {
+  const Arguments arguments = accepted(
+      {"--from", "a", "--ppd", "p", "--sheet", "A=1..3/1", "--sheet", "B=x,y", "--page", "2"});
+  ASSERT_EQ(arguments.sheet.size(), 2U);
+  EXPECT_EQ(arguments.sheet[0].values.size(), 3U);
+  EXPECT_EQ(arguments.sheet[1].name, "B");
+}
+
+TEST(Arguments, ADocumentsPagesAreChosenWhateverIsShown) {
+  EXPECT_TRUE(accepted({"--from", "a", "--ppd", "p", "--list", "--page", "2"}).pages.has_value());
+  EXPECT_TRUE(accepted({"--from", "a", "--ppd", "p", "--stats", "--page", "2"}).pages.has_value());
+}
+
+TEST(Arguments, TheOutputsNameDecidesTheFormatInAnyCase) {
+  EXPECT_EQ(formatOf(accepted({"-o", "x.PDF", "a"})), Format::Pdf);
+  EXPECT_EQ(formatOf(accepted({"-o", "x.Png", "a"})), Format::Png);
+  EXPECT_EQ(formatOf(accepted({"-o", "-", "a"})), Format::Png);
+  EXPECT_EQ(formatOf(accepted({"--format", "png", "-o", "page.out", "a"})), Format::Png);
+}
+
+TEST(Arguments, SwitchesAndFilesAreTaken) {
+  const Arguments arguments =
+      accepted({"--from", "a", "--ppd", "p", "--any-ppd", "--progress", "--save", "a.prn"});
+  EXPECT_TRUE(arguments.anyPpd && arguments.progress && !arguments.tone);
+  EXPECT_EQ(arguments.save, "a.prn");
+  EXPECT_TRUE(accepted({"--diff", "--tone", "a", "b"}).tone);
 }
 
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsThere) {
@@ -98,22 +127,31 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--f", "a"}, "unknown or unclear option '--f'"},
       {{"-q", "a"}, "unknown option '-q'"},
       {{"a", "--model"}, "option '--model' needs a value"},
-      {{"--model", "other", "a"}, "invalid value 'other' for --model"},
-      {{"--format", "gif", "a"}, "invalid value 'gif' for --format"},
-      {{"--page", "0", "a"}, "invalid value '0' for --page"},
-      {{"--page", "3-2", "a"}, "invalid value '3-2' for --page"},
-      {{"--page", "-", "a"}, "invalid value '-' for --page"},
-      {{"--page", "", "a"}, "invalid value '' for --page"},
-      {{"--page", "1--2", "a"}, "invalid value '1--2' for --page"},
-      {{"--page", "-0", "a"}, "invalid value '-0' for --page"},
-      {{"--page", "1x", "a"}, "invalid value '1x' for --page"},
-      {{"--dpi", "nan", "a"}, "invalid value 'nan' for --dpi"},
-      {{"--dpi", "-5", "a"}, "invalid value '-5' for --dpi"},
-      {{"--scale", "1e9", "a"}, "invalid value '1e9' for --scale"},
-      {{"--width", "", "a"}, "invalid value '' for --width"},
+      {{"--model", "other", "a"},
+       "invalid value 'other' for --model: it takes standard, orlo-front or orlo-back"},
+      {{"--format", "gif", "a"}, "invalid value 'gif' for --format: it takes png or pdf"},
+      {{"--page", "0", "a"},
+       "invalid value '0' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "3-2", "a"},
+       "invalid value '3-2' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "-", "a"},
+       "invalid value '-' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "", "a"}, "invalid value '' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "1--2", "a"},
+       "invalid value '1--2' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "-0", "a"},
+       "invalid value '-0' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--page", "1x", "a"},
+       "invalid value '1x' for --page: it takes N, N-M, N- or -M, pages from 1"},
+      {{"--dpi", "nan", "a"}, "invalid value 'nan' for --dpi: it takes a number from 1 to 7200"},
+      {{"--dpi", "-5", "a"}, "invalid value '-5' for --dpi: it takes a number from 1 to 7200"},
+      {{"--scale", "1e9", "a"},
+       "invalid value '1e9' for --scale: it takes a number from 0.001 to 100"},
+      {{"--width", "", "a"}, "invalid value '' for --width: it takes millimetres from 1 to 5000"},
       {{"--pins=3", "a"}, "option '--pins' takes no value"},
       {{"--help=3"}, "option '--help' takes no value"},
-      {{"--head-speed", "0", "a"}, "invalid value '0' for --head-speed"},
+      {{"--head-speed", "0", "a"},
+       "invalid value '0' for --head-speed: it takes millimetres a second from 0.001 to 1000000"},
       {{"--dpi", "90", "--scale", "1", "a"}, "--dpi and --scale exclude each other"},
       {{"--list", "--stats", "a"}, "only one of --list, --stats, --diff and --sheet can be given"},
       {{"--list", "-o", "x", "a"}, "--output does nothing with --list"},
@@ -133,10 +171,35 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--from", "a.pdf", "--ppd", "p", "--diff"},
        "--diff compares two streams and goes without --from"},
       {{"--sheet", "A=1,2", "x"}, "--sheet needs --from"},
-      {{"--sheet", "A", "x"}, "invalid value 'A' for --sheet"},
-      {{"--sheet", "=1", "x"}, "invalid value '=1' for --sheet"},
-      {{"--sheet", "A=1,,2", "x"}, "invalid value 'A=1,,2' for --sheet"},
+      {{"--sheet", "A", "x"},
+       "invalid value 'A' for --sheet: it takes NAME=A,B,... or NAME=FROM..TO/STEP"},
+      {{"--sheet", "=1", "x"},
+       "invalid value '=1' for --sheet: it takes NAME=A,B,... or NAME=FROM..TO/STEP"},
+      {{"--sheet", "A=1,,2", "x"},
+       "invalid value 'A=1,,2' for --sheet: it takes NAME=A,B,... or NAME=FROM..TO/STEP"},
       {{"-o", "", "x"}, "an option's file has an empty name"},
+      {{"--modle", "standard", "x"}, "unknown or unclear option '--modle'; did you mean --model?"},
+      {{"--formt=png", "x"}, "unknown or unclear option '--formt=png'; did you mean --format?"},
+      {{"-o", "x.gif", "a"},
+       "the name x.gif decides no format: end it in .png or .pdf, or state --format"},
+      {{"-o", ".png", "a"},
+       "the name .png decides no format: end it in .png or .pdf, or state --format"},
+      {{"--format=png", "-o", "x.PDF", "a"}, "the name x.PDF contradicts --format"},
+      {{"--tone", "a"}, "--tone does nothing with a picture"},
+      {{"--any-ppd", "a"}, "--any-ppd needs --ppd"},
+      {{"--save", "x", "a"}, "--save needs --from"},
+      {{"--save", "x", "--from", "a", "--ppd", "p", "--sheet", "A=1"},
+       "--save keeps one stream; --sheet makes several"},
+      {{"--save", "-", "--from", "a", "--ppd", "p", "--stats"},
+       "standard output can be only one of the two outputs"},
+      {{"--save", "-", "--from", "a", "--ppd", "p", "-o", "-"},
+       "standard output can be only one of the two outputs"},
+      {{"--from", "a", "--ppd", "p", "--sheet", "A=1", "--sheet", "B=1", "--sheet", "C=1"},
+       "--sheet can be given once, or twice for a grid"},
+      {{"--from", "a", "--ppd", "p", "--sheet", "A=1", "--sheet", "A=2"},
+       "the two options of --sheet must differ"},
+      {{"--from", "a", "--ppd", "p", "--sheet", "A=1..200/1", "--sheet", "B=1..200/1"},
+       "40000 variants are more than one sheet shows (1024)"},
   };
   for (const auto& [words, text] : wrong) EXPECT_EQ(refusal(words), text);
 }

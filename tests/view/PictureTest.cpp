@@ -188,12 +188,60 @@ TEST(Pins, BlackInkCoversRed) {
 }
 
 TEST(ContactSheet, ShowsEveryPictureWholeAndSideBySide) {
-  const Labelled red{"label", {50, 40, 90, Pixels(size_t{50} * 40, kRed)}};
+  const Labelled red{"label", {50, 40, 90, Pixels(size_t{50} * 40, kRed)}, {}};
   const std::vector<Labelled> pictures(3, red);
   const Picture sheet = pictureOf(contactSheet(pictures));
   EXPECT_GT(sheet.width, 3 * 50);
   EXPECT_GT(sheet.height, 40);
   EXPECT_EQ(std::count(sheet.pixels.begin(), sheet.pixels.end(), kRed), 3 * 50 * 40);
+}
+
+// Ink of the texts alone, without the red picture and its grey frame.
+double inkOfTexts(const Labelled& cell, const SheetHead& head = {}) {
+  const Picture sheet = pictureOf(contactSheet({cell}, head));
+  double ink = 0;
+  for (const uint32_t pixel : sheet.pixels) {
+    if (pixel == kRed || pixel == 0x808080 || pixel == 0x7F7F7F) continue;
+    ink += 255 - (pixel & 0xFFU);
+  }
+  return ink;
+}
+
+TEST(ContactSheet, CutsNoTextHoweverNarrowThePicturesAre) {
+  const auto cellOf = [](int32_t width, const std::string& label) {
+    return Labelled{label, {width, 6, 90, Pixels(static_cast<size_t>(width) * 6, kRed)}, {}};
+  };
+  for (const std::string text : {"RedMinValue=130", "RedMinValue=130 (default) LevelsRed=17"}) {
+    const double all = inkOfTexts(cellOf(900, text));
+    EXPECT_GT(all, 10000) << "is a font installed?";
+    for (const int32_t width : {1, 40, 150, 250}) {
+      EXPECT_NEAR(inkOfTexts(cellOf(width, text)), all, all / 50) << text << ", " << width;
+    }
+  }
+  Labelled noted = cellOf(900, "A=1");
+  noted.notes = {"black 12.34 %, red 0.12 %", "the same as A=2"};
+  const SheetHead head{{"a-document-of-a-long-name.pdf, page 1"}, 0};
+  const double all = inkOfTexts(noted, head);
+  noted.picture = {3, 6, 90, Pixels(18, kRed)};
+  EXPECT_NEAR(inkOfTexts(noted, head), all, all / 50);
+}
+
+TEST(ContactSheet, PutsAsManyInARowAsItIsTold) {
+  const Labelled red{"x", {200, 10, 90, Pixels(size_t{200} * 10, kRed)}, {}};
+  const std::vector<Labelled> pictures(6, red);
+  const Picture three = pictureOf(contactSheet(pictures, {{}, 3}));
+  const Picture six = pictureOf(contactSheet(pictures, {{}, 6}));
+  EXPECT_GT(three.width, 600);
+  EXPECT_LT(three.width, 800);
+  EXPECT_GT(six.width, 1200);
+  EXPECT_LT(six.height, three.height);
+}
+
+TEST(ContactSheet, ThatWillBeTooLargeIsToldByItsFirstPicture) {
+  const Labelled red{"x", {3000, 3000, 90, Pixels(size_t{3000} * 3000, kRed)}, {}};
+  EXPECT_FALSE(tooLargeASheet(red, 4, {}).has_value());
+  ASSERT_TRUE(tooLargeASheet(red, 20, {}).has_value());
+  EXPECT_NE(tooLargeASheet(red, 20, {})->find("a smaller --scale or --dpi"), std::string::npos);
 }
 
 TEST(ContactSheet, NeedsAPicture) {

@@ -84,8 +84,13 @@ check_misspelt() {
   refused "RedMinValue has no choice '91'; it has 0, 5, 10" --options RedMinValue=91
   refused "RedMinValue has no choice '77777'" --sheet RedMinValue=90,77777
   refused "no option Nope; it has " --sheet Nope=1,2
-  said=$(stats velka-standard 'RedMinValeu=90 number-up=2 PageSize=Custom.100x200mm' 2>&1 >"$work/numbers")
-  [[ $said == *"knows the option RedMinValeu" && $said != *number-up* ]] || fail "warned: '$said'"
+  refused "no option RedMinValeu; did you mean RedMinValue? It has " --sheet RedMinValeu=90
+  refused "knows the option RedMinValeu; did you mean RedMinValue?" --options RedMinValeu=90
+  refused "knows the option numberup; did you mean number-up?" --options 'RedMinValue=90 numberup=2'
+  # What is no slip may be some other filter's.
+  said=$(stats velka-standard 'Zebra=90 number-up=2 PageSize=Custom.100x200mm' 2>&1 >"$work/numbers")
+  grep -q "knows the option Zebra$" <<<"$said" || fail "not warned of: '$said'"
+  [[ $said != *number-up* ]] || fail "warned: '$said'"
   [[ $(value pages "$(<"$work/numbers")") == 1 ]] || fail "a warning stopped the run"
 }
 

@@ -1,0 +1,289 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include "PageCheck.h"
+#include "decode/Dots.h"
+#include "decode/ExactPress.h"
+#include "escp/PageFixture.h"
+#include "reference/ExpectedStream.h"
+#include "reference/ReferenceSeparation.h"
+#include "support/Capture.h"
+
+namespace velka::decodetest {
+namespace {
+
+using decode::checkPage;
+using decode::Model;
+using decode::PageFlaws;
+using reference::ExpectedStream;
+using Stream = std::vector<uint8_t>;
+
+const Stream kFull = {0xFF, 0xFF, 0xFF};
+
+PageFlaws flawsOf(const Stream& stream, Model model = Model::Standard) {
+  const auto pages = pagesOf(stream, model);
+  return pages.empty() ? PageFlaws{} : checkPage(pages[0], model);
+}
+
+std::string saidOf(const Stream& stream, Model model = Model::Standard) {
+  return textOf(flawsOf(stream, model));
+}
+
+TEST(PageCheck, WhiteBetweenTwoLinesOfTextIsNoGap) {
+  ExpectedStream stream;
+  stream.start(66);
+  for (const int down : {0, 48, 48, 49, 100, 50, 1000, 48})
+    stream.unit(10).down(down).toX(9).block(down % 2, 39, 1, kFull);
+  EXPECT_EQ(saidOf(stream.formFeed().bytes()), "");
+}
+
+TEST(PageCheck, PrintBeyondTheFormIsToldUnlessItIsLessThanTheLengthIsRoundedBy) {
+  // The form is told as 6 lines; a page of 6.9 lines is, too.
+  const auto ending = [](int end, int lines) {
+    return ExpectedStream()
+        .start(lines)
+        .unit(10)
+        .down(end - 48)
+        .block(0, 39, 1, kFull)
+        .formFeed()
+        .bytes();
+  };
+  EXPECT_EQ(saidOf(ending(360, 6)), "");
+  EXPECT_EQ(saidOf(ending(420, 6)), "");
+  EXPECT_EQ(saidOf(ending(422, 6)), "prints 4.4 mm beyond its form of 25.4 mm");
+  EXPECT_EQ(saidOf(ending(422, 6), Model::OrloBack), "prints 5.8 mm beyond its form of 25.4 mm");
+  EXPECT_EQ(saidOf(ending(422, 0)), "");
+  // A form of 300 lines is told as 44.
+  EXPECT_EQ(saidOf(ending(299 * 60, 44)), "");
+}
+
+TEST(PageCheck, ThePaperThatRanPastItsFormIsToldToo) {
+  const Stream stream =
+      ExpectedStream().start(6).block(0, 39, 1, kFull).unit(10).down(720).formFeed().bytes();
+  EXPECT_EQ(saidOf(stream), "prints 25.4 mm beyond its form of 25.4 mm");
+}
+
+ExpectedStream twoBands(int apart, const Stream& second, int colour = 0) {
+  return ExpectedStream()
+      .start(66)
+      .block(0, 39, 1, kFull)
+      .unit(10)
+      .down(apart)
+      .toX(0)
+      .block(colour, 39, 1, second)
+      .formFeed();
+}
+
+TEST(PageCheck, RowsOfOneInkThatFallOnOthersAreTold) {
+  EXPECT_EQ(saidOf(twoBands(44, kFull).bytes()), "2 rows are printed over others");
+  EXPECT_EQ(saidOf(twoBands(46, kFull).bytes()), "a row is printed over another");
+  EXPECT_EQ(saidOf(twoBands(44, {0x3F, 0xFF, 0xFF}).bytes()), "");
+  EXPECT_EQ(saidOf(twoBands(44, kFull, 1).bytes()), "");
+  EXPECT_EQ(saidOf(twoBands(44, kFull).bytes(), Model::OrloBack), "");
+  // The same place struck twice is bold print, no lost row.
+  EXPECT_EQ(saidOf(twoBands(0, kFull).bytes()), "");
+}
+
+// Bands of two passes a row apart; what the paper moves from the second to the next.
+Stream passes(const std::vector<int>& moves, const Stream& first, const Stream& other) {
+  ExpectedStream stream;
+  stream.start(66);
+  for (size_t band = 0; band <= moves.size(); ++band) {
+    if (band > 0) stream.unit(10).down(moves[band - 1]);
+    const Stream& column = band % 2 == 0 ? first : other;
+    stream.toX(1).block(0, 40, 1, column).unit(10).down(1).toX(1).block(0, 40, 1, column);
+  }
+  return stream.formFeed().bytes();
+}
+
+TEST(PageCheck, AWhiteRowBetweenBandsThatStrokesCrossIsAGap) {
+  EXPECT_EQ(saidOf(passes({48, 48, 48}, kFull, kFull)),
+            "3 gaps in the print, up to 0.07 mm, the first at 3.4 mm");
+  EXPECT_EQ(flawsOf(passes({48, 48, 48, 300, 48}, kFull, kFull)).gaps, 4U);
+  EXPECT_EQ(saidOf(passes({47, 47}, kFull, kFull)), "");
+}
+
+TEST(PageCheck, OneWhiteRowIsAGapWhereWhiteIsSentThatNobodyNeeds) {
+  Stream columns(size_t{60}, 0);
+  columns.insert(columns.end(), kFull.begin(), kFull.end());
+  ExpectedStream stream;
+  stream.start(66).toX(0).block(0, 40, 21, columns).unit(10).down(1);
+  stream.toX(0).block(0, 40, 21, columns).unit(10).down(48).toX(0).block(0, 40, 21, columns);
+  EXPECT_EQ(saidOf(stream.formFeed().bytes()), "a gap in the print, 0.07 mm at 3.4 mm");
+}
+
+TEST(PageCheck, AWhiteRowThatNoStrokeCrossesOrThatIsTheExceptionIsNone) {
+  EXPECT_EQ(saidOf(passes({48, 48}, kFull, kFull)), "");
+  EXPECT_EQ(saidOf(passes({48, 48, 48}, {0xFF, 0xFF, 0xF0}, {0x0F, 0xFF, 0xFF})), "");
+  EXPECT_EQ(saidOf(passes({48, 47, 47}, kFull, kFull)), "");
+  EXPECT_EQ(saidOf(passes({51, 60}, kFull, kFull)), "");
+}
+
+Stream slices(const std::vector<int>& rows) {
+  ExpectedStream stream;
+  stream.start(66).block(0, 0, 1, {0xFF});
+  for (const int down : rows) stream.unit(10).down(6 * down).toX(0).block(0, 0, 1, {0xFF});
+  return stream.formFeed().bytes();
+}
+
+TEST(PageCheck, SlicesOfABandThatEightDotsNeverPrintAreGaps) {
+  EXPECT_EQ(saidOf(slices({24, 24, 30, 24})),
+            "3 gaps in the print, up to 6.77 mm, the first at 3.4 mm");
+  EXPECT_EQ(saidOf(slices({24, 24, 8, 24})), "");
+  EXPECT_EQ(saidOf(slices({24, 30, 31})), "");
+}
+
+// Bands 'b' and 'r' at rows of 1/180 inch, the way the original counts them: each ink
+// by itself, red from where black went.
+Stream countedByInk(const std::vector<std::pair<char, int>>& bands, size_t white) {
+  ExpectedStream stream;
+  stream.start(66);
+  Stream columns(3 * white, 0);
+  columns.insert(columns.end(), kFull.begin(), kFull.end());
+  int black = 0;
+  int red = 0;
+  for (const auto& [ink, row] : bands) {
+    int& reached = ink == 'b' ? black : red;
+    if (row > reached) stream.unit(10).down(2 * (row - reached));
+    reached = row;
+    if (ink == 'b') red = black;
+    stream.toX(0).block(ink == 'b' ? 0 : 1, 39, static_cast<int>(columns.size() / 3), columns);
+  }
+  return stream.formFeed().bytes();
+}
+
+TEST(PageCheck, BlackThatForgotTheWayOfRedLeavesGapsWhereThePageShowsItsWayOfCounting) {
+  const std::vector<std::pair<char, int>> bands = {
+      {'r', 100}, {'b', 200}, {'r', 300}, {'r', 324}, {'b', 400}};
+  // Black lies 100 rows too low, and 124 more from its third band on.
+  EXPECT_EQ(saidOf(countedByInk(bands, 20)),
+            "2 gaps in the print, up to 17.50 mm, the first at 17.5 mm");
+  // The same ways of the paper without white in front of the ink may be meant.
+  EXPECT_EQ(saidOf(countedByInk(bands, 2)), "");
+}
+
+TEST(PageCheck, BlackThatStandsNearerThanRedWentForgotNothing) {
+  const Stream white(size_t{60}, 0);
+  Stream columns = white;
+  columns.insert(columns.end(), kFull.begin(), kFull.end());
+  const Stream stream = ExpectedStream()
+                            .start(66)
+                            .unit(10)
+                            .down(600)
+                            .block(1, 39, 21, columns)
+                            .unit(10)
+                            .down(48)
+                            .toX(0)
+                            .block(0, 39, 21, columns)
+                            .formFeed()
+                            .bytes();
+  EXPECT_EQ(saidOf(stream), "");
+}
+
+constexpr HeadMode kModes[] = {{180, 180, 39, 24}, {360, 180, 40, 24}, {360, 360, 40, 24},
+                               {60, 180, 32, 24},  {90, 180, 38, 24},  {120, 180, 33, 24},
+                               {60, 60, 0, 8},     {80, 60, 4, 8},     {90, 60, 6, 8},
+                               {120, 60, 1, 8}};
+
+// Lines of glyphs, boxes, rules and tone in both inks.
+DotPlanes document(std::mt19937& random) {
+  const auto below = [&](int limit) { return static_cast<int>(random() % unsigned(limit)); };
+  DotPlanes page(40 + below(120), 30 + below(500));
+  const bool twoInks = random() % 4 != 0;
+  const int margin = below(30);
+  for (int y = below(60); y < page.height; y += 3 + below(90)) {
+    const int ink = twoInks && random() % 3 == 0 ? 1 : 0;
+    const int high = 1 + below(random() % 4 == 0 ? 120 : 30);
+    const unsigned kind = unsigned(below(4));
+    for (int row = y; row < y + high; ++row)
+      for (int x = margin; x < page.width; ++x) {
+        const bool edge = row == y || row == y + high - 1 || x == margin || x == page.width - 1;
+        const bool dot = kind == 0   ? random() % 3 == 0          // tone
+                         : kind == 1 ? edge                       // a box
+                         : kind == 2 ? (x * 7 + row / 9) % 5 < 2  // glyphs
+                                     : x % 11 < 3;                // bars
+        // No two rows are alike, so that one in another's place shows.
+        if (dot && random() % 10 != 0) page.put(ink, x, row);
+      }
+    if (random() % 2 == 0) y += high;
+  }
+  return page;
+}
+
+TEST(PageCheck, PagesWhoseEveryDotHasItsPlaceHaveNoFlaws) {
+  std::mt19937 random(31);  // NOLINT: the same pages each time
+  size_t dots = 0;
+  for (int run = 0; run < 3000 && !::testing::Test::HasFailure(); ++run) {
+    const HeadMode& mode = kModes[size_t(run) % std::size(kModes)];
+    const DotPlanes planes = document(random);
+    const Stream stream = exactJob(planes, mode);
+    EXPECT_EQ(saidOf(stream), "") << "run " << run << ", " << mode.xdpi << " x " << mode.ydpi;
+    for (const auto& plane : planes.inks)
+      dots += static_cast<size_t>(std::count(plane.begin(), plane.end(), 1));
+  }
+  EXPECT_GT(dots, 1000000U);
+}
+
+reference::SourceBitmap paintedPage(const DotPlanes& planes) {
+  reference::SourceBitmap page;
+  page.height = planes.height;
+  const size_t stride = reference::paddedStride(static_cast<uint32_t>(planes.width), 24);
+  page.bytes.assign(stride * static_cast<size_t>(planes.height), 0xFF);
+  for (int y = 0; y < planes.height; ++y)
+    for (int x = 0; x < planes.width; ++x) {
+      uint8_t* pixel = &page.bytes[static_cast<size_t>(y) * stride + static_cast<size_t>(x) * 3];
+      if (planes.at(0, x, y)) std::fill_n(pixel, 3, uint8_t{0});
+      if (planes.at(1, x, y)) pixel[0] = pixel[1] = 0;
+    }
+  return page;
+}
+
+Stream originalJob(const DotPlanes& planes, const HeadMode& mode) {
+  testing::Job job(static_cast<uint32_t>(planes.width), static_cast<uint32_t>(planes.height),
+                   static_cast<uint32_t>(mode.xdpi), static_cast<uint32_t>(mode.ydpi));
+  job.setPage(paintedPage(planes), 1);
+  const testing::Capture capture(STDOUT_FILENO);
+  RenderEscpData(&job.devobj);
+  return capture.bytes();
+}
+
+// Whether every dot that is on the paper belongs there, whatever is missing.
+bool isInPlace(const Stream& stream, const DotPlanes& planes, const HeadMode& mode) {
+  const auto pages = pagesOf(stream, Model::Standard);
+  if (pages.empty()) return true;
+  const Dots dots = dotsOf(pages[0], Model::Standard);
+  for (int ink = 0; ink < 2; ++ink)
+    for (const auto& [y, x] : dots[size_t(ink)]) {
+      const auto row = static_cast<int>(y * mode.ydpi / 3600);
+      const auto column = static_cast<int>(x * mode.xdpi / 3600);
+      if (y < 0 || row >= planes.height || column >= planes.width) return false;
+      const bool black = planes.at(0, column, row) && !planes.at(1, column, row);
+      if (!(ink == 0 ? black : planes.at(1, column, row))) return false;
+    }
+  return true;
+}
+
+// Of the original stream's pages those in place must not be blamed; of the others as
+// many are found as the stream gives away.
+TEST(PageCheck, PagesOfTheOriginalStreamAreBlamedOnlyWhereDotsAreDisplaced) {
+  std::mt19937 random(32);                     // NOLINT: the same pages each time
+  std::map<bool, std::pair<int, int>> blamed;  // by being in place: blamed, all
+  for (int run = 0; run < 1500; ++run) {
+    const HeadMode& mode = kModes[size_t(run) % 3];  // whose columns are exact
+    const DotPlanes planes = document(random);
+    const Stream stream = originalJob(planes, mode);
+    auto& [found, all] = blamed[isInPlace(stream, planes, mode)];
+    found += flawsOf(stream).any() ? 1 : 0;
+    ++all;
+  }
+  EXPECT_EQ(blamed[true].first, 0) << "of " << blamed[true].second;
+  EXPECT_GT(blamed[true].second, 100);
+  EXPECT_GT(blamed[false].first, blamed[false].second * 2 / 3) << "of " << blamed[false].second;
+}
+
+}  // namespace
+}  // namespace velka::decodetest
