@@ -87,7 +87,7 @@ class Group {
 
   void finish(const WaveSteps& steps) noexcept {
     if (writesInput_) write(in_, transposed(steps.values));
-    writeRow(in_, lastRow(steps.values), kLanes - 1);
+    writeLastRow(lastRow(steps.values));
     write(out_, transposed(steps.dots));
     received_ = steps.received;
     next();
@@ -124,6 +124,7 @@ class Group {
     const uint8_t* from = in_ + step;
     for (Lanes& row : rows.at) {
       row = loadLanes(from);
+      __builtin_prefetch(from + 128, 1);
       from += rowStep_;
     }
     return rows;
@@ -155,6 +156,12 @@ class Group {
     }
   }
 
+  /// The row that the next group starts with.
+  void writeLastRow(Lanes values) const noexcept {
+    if (isEdge(step_)) return writeRow(in_, values, kGroupRows);
+    storeLanes(in_ + step_ + static_cast<ptrdiff_t>(kGroupRows) * rowStep_, values);
+  }
+
   void writeRow(uint8_t* plane, Lanes values, size_t lane) const noexcept {
     const Inside inside(columnOf(step_, lane), columns_);
     if (inside.size == 0) return;
@@ -181,6 +188,7 @@ class Group {
     if (now_.paper) return isFull(received_.here & received_.next & received_.afterNext);
     Lanes quiet = equal(received_.here, now_.at[0]) & equal(received_.next, now_.at[1]) &
                   equal(received_.afterNext, now_.at[2]);
+    if (!isFull(quiet)) return false;
     for (const Lanes& value : now_.at) quiet &= equal(value, Lanes{}) | equal(value, allLanes(255));
     return isFull(quiet);
   }
