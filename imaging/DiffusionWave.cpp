@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "CpuLevel.h"
+#include "WavePair.h"
 #include "WaveSteps.h"
 
 namespace velka {
@@ -80,7 +82,39 @@ class Group {
     lower.finish(second);
   }
 
+  /// How many times sixteen steps advanceFar can make of two groups now.
+  static size_t farBlocks(const Group& upper, const Group& lower) noexcept {
+    // It reads two blocks ahead and writes dots alone.
+    const bool inside = lower.step_ >= kLag && upper.step_ + 2 * kLanes < upper.columns_;
+    return inside && !upper.writesInput_ ? (upper.columns_ - upper.step_) / kLanes - 2 : 0;
+  }
+
+#ifdef VELKA_SIMD
+  static void advanceFar(Group& upper, Group& lower, size_t blocks) noexcept {
+    WavePair pair = {{upper.rows(), lower.rows()}, upper.rowStep_, upper.threshold_[0]};
+    advancePairAvx2(pair, blocks);
+    upper.moveOn(blocks, pair.groups[0]);
+    lower.moveOn(blocks, pair.groups[1]);
+  }
+#endif
+
  private:
+  [[nodiscard]] WaveRows rows() const noexcept {
+    WaveRows rows = {in_ + step_, {}};
+    storeLanes(rows.received[0], received_.here);
+    storeLanes(rows.received[1], received_.next);
+    storeLanes(rows.received[2], received_.afterNext);
+    return rows;
+  }
+
+  void moveOn(size_t blocks, const WaveRows& rows) noexcept {
+    step_ += blocks * kLanes;
+    received_ = {loadLanes(rows.received[0]), loadLanes(rows.received[1]),
+                 loadLanes(rows.received[2])};
+    now_ = read(step_);
+    look();
+  }
+
   [[nodiscard]] WaveSteps beginSteps() const noexcept {
     return {now_, ahead_, threshold_, received_};
   }
@@ -228,6 +262,13 @@ void diffuseTwo(const DiffusionRows& plane, size_t top, uint8_t threshold) noexc
   for (size_t step = 0; step < kBehind; step += kLanes) upper.advance();
   Group lower(plane, top + kGroupRows, threshold);
   while (!lower.isDone()) {
+#ifdef VELKA_SIMD
+    const size_t far = cpuLevel() >= CpuLevel::Avx2 ? Group::farBlocks(upper, lower) : 0;
+    if (far > 0) {
+      Group::advanceFar(upper, lower, far);
+      continue;
+    }
+#endif
     if (upper.isBusy() && lower.isBusy()) {
       Group::advanceBoth(upper, lower);
     } else {
