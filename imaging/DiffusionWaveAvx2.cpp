@@ -8,7 +8,6 @@ namespace velka {
 namespace {
 
 constexpr size_t kLanes = 16;
-constexpr size_t kAhead = 128;  // bytes between what is read and what is fetched for later
 
 struct Block {
   __m256i at[kLanes];
@@ -118,8 +117,6 @@ class Pair {
     const uint8_t* lower = pair_.groups[1].first + step;
     for (__m256i& row : rows.at) {
       row = signedBytes(loadBoth(upper, lower));
-      _mm_prefetch(upper + kAhead, _MM_HINT_T0);
-      _mm_prefetch(lower + kAhead, _MM_HINT_T0);
       upper += pair_.rowStep;
       lower += pair_.rowStep;
     }

@@ -1,5 +1,5 @@
-// Two groups of a diffusion wave that advance together, for the kernels that make the
-// steps of both at once.
+// Two groups of a diffusion wave as plain data, for kernels that make the steps of both
+// in one vector.
 #pragma once
 
 #include <cstddef>
@@ -21,7 +21,8 @@ struct WavePair {
 };
 
 /// Makes `blocks` times sixteen steps of both groups, and moves them on. The rows must
-/// hold two more blocks for every one of their sixteen.
-void advancePairAvx2(WavePair& pair, size_t blocks) noexcept;
+/// hold two blocks more.
+using AdvancePair = void(WavePair& pair, size_t blocks) noexcept;
+AdvancePair advancePairAvx2;
 
 }  // namespace velka
