@@ -138,7 +138,7 @@ void pagesRow(const Setup& setup, const std::string& label, const FilterRun& job
 }
 
 void pages(const Setup& setup) {
-  constexpr const char* kGoals[] = {"7", "7", "13", "2.5"};  // in the order of the kinds
+  constexpr const char* kGoals[] = {"3.5", "7", "8", "8", "2.5"};  // in the order of the kinds
   const FilterRun standard = {setup.filter, setup.standardPpd, "", ""};
   const FilterRun orlo = {setup.filter, setup.orloPpd, "", ""};
   pagesHeading("A page beyond the first, A4 at 360 x 360 dpi");

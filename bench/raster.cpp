@@ -13,6 +13,7 @@ int main(int argc, char* argv[]) {
                                      number(4))
                ? 0
                : 1;
-  std::fputs("usage: velka-bench-raster text|receipt|photo|white XDPI YDPI PAGES FILE\n", stderr);
+  std::fputs("usage: velka-bench-raster text|receipt|photo|camera|white XDPI YDPI PAGES FILE\n",
+             stderr);
   return 2;
 }
