@@ -8,6 +8,8 @@ namespace velka {
 namespace {
 
 constexpr size_t kLanes = 16;
+// Columns ahead that are asked for: more rows are under way than the processor foresees.
+constexpr size_t kFetched = 128;
 
 struct Block {
   __m256i at[kLanes];
@@ -97,7 +99,8 @@ class Pair {
   Pair(const Pair&) = delete;
   Pair& operator=(const Pair&) = delete;
 
-  void advance() noexcept {
+  /// Makes sixteen steps, with that many more to make after them.
+  void advance(size_t stepsLeft) noexcept {
     if (isQuiet()) {
       for (size_t i = 0; i < 3; ++i) received_[i] = ahead_.at[i];
     } else {
@@ -105,18 +108,20 @@ class Pair {
     }
     for (WaveRows& group : pair_.groups) group.first += kLanes;
     now_ = ahead_;
-    ahead_ = read(kLanes);
+    ahead_ = read(kLanes, stepsLeft < kFetched ? 0 : kFetched);
   }
 
  private:
   static __m256i signedBytes(__m256i bytes) noexcept { return _mm256_xor_si256(bytes, all(128)); }
 
-  [[nodiscard]] Block read(size_t step) const noexcept {
+  [[nodiscard]] Block read(size_t step, size_t fetched = 0) const noexcept {
     Block rows;
     const uint8_t* upper = pair_.groups[0].first + step;
     const uint8_t* lower = pair_.groups[1].first + step;
     for (__m256i& row : rows.at) {
       row = signedBytes(loadBoth(upper, lower));
+      _mm_prefetch(upper + fetched, _MM_HINT_T0);
+      _mm_prefetch(lower + fetched, _MM_HINT_T0);
       upper += pair_.rowStep;
       lower += pair_.rowStep;
     }
@@ -187,7 +192,7 @@ class Pair {
 
 void advancePairAvx2(WavePair& pair, size_t blocks) noexcept {
   Pair both(pair);
-  for (; blocks > 0; --blocks) both.advance();
+  while (blocks-- > 0) both.advance(blocks * kLanes);
 }
 
 }  // namespace velka

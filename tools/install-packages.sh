@@ -17,7 +17,13 @@ packages=(
 case "${1:-}" in
   '') ;;
   --lint) packages+=(clang-format clang-tidy libbenchmark-dev) ;;
-  --bench) packages+=(libbenchmark-dev valgrind printer-driver-gutenprint) ;;
+  --bench)
+    packages+=(
+      libbenchmark-dev valgrind
+      printer-driver-gutenprint           # filters to measure beside ours
+      lomiri-wallpapers-16.04             # photographs
+    )
+    ;;
   *)
     echo "usage: $0 [--lint | --bench]" >&2
     exit 2
