@@ -8,19 +8,18 @@ namespace {
 
 constexpr size_t kPixelBytes = 3;
 
-using Light = std::array<float, kPixelBytes>;
+using Light = CameraPicture::Light;
 
 // Red, green and blue light that the surfaces throw back: sky, leaves, stone, earth,
 // skin and bark.
 constexpr Light kSurfaces[] = {{0.28F, 0.45F, 0.80F}, {0.10F, 0.20F, 0.04F}, {0.34F, 0.32F, 0.30F},
                                {0.30F, 0.15F, 0.07F}, {0.62F, 0.36F, 0.26F}, {0.16F, 0.11F, 0.08F}};
 
-struct Patch {
-  double inches;
-  float weight;
-};
-constexpr Patch kTexture[] = {{0.9, 0.45F}, {0.21, 0.30F}, {0.06, 0.22F}, {0.017, 0.15F}};
-constexpr double kSurfaceInches[] = {2.6, 0.35, 1.7};
+// Sizes of patches, in inches: of light and shade on the surfaces, and how strong; of the
+// surfaces themselves, coarse and fine; of the light on the scene.
+constexpr std::array<double, 4> kTextureInches = {0.9, 0.21, 0.06, 0.017};
+constexpr std::array<float, 4> kTextureWeights = {0.45F, 0.30F, 0.22F, 0.15F};
+constexpr std::array<double, 3> kSceneInches = {2.6, 0.35, 1.7};
 
 uint32_t mixed(uint32_t a, uint32_t b, uint32_t c) noexcept {
   uint32_t h = a * 0x9E3779B1U ^ b * 0x85EBCA77U ^ c * 0xC2B2AE3DU;
@@ -92,29 +91,35 @@ void CameraPicture::patches(double inches, unsigned seed, unsigned y,
   }
 }
 
+CameraPicture::Light CameraPicture::lightAt(size_t x) const {
+  const float place = 1.6F * (0.75F * scene_[0][x] + 0.25F * scene_[1][x]) - 0.3F;
+  float strength = 0.1F + 3.2F * scene_[2][x] * scene_[2][x];
+  for (size_t i = 0; i < kTextureInches.size(); ++i)
+    strength *= 1 + 2 * kTextureWeights[i] * (texture_[i][x] - 0.5F);
+  Light light = surfaceAt(std::clamp(place, 0.0F, 0.999F));
+  for (float& channel : light) channel *= strength;
+  return light;
+}
+
 void CameraPicture::draw(unsigned y, std::span<uint8_t> row) {
   const size_t width = row.size() / kPixelBytes;
-  for (size_t i = 0; i < texture_.size(); ++i) {
+  unsigned seed = 0;
+  for (size_t i = 0; i < kTextureInches.size(); ++i) {
     texture_[i].resize(width);
-    patches(kTexture[i].inches, static_cast<unsigned>(i), y, texture_[i]);
+    patches(kTextureInches[i], ++seed, y, texture_[i]);
   }
-  for (size_t i = 0; i < surface_.size(); ++i) {
-    surface_[i].resize(width);
-    patches(kSurfaceInches[i], 100 + static_cast<unsigned>(i), y, surface_[i]);
+  for (size_t i = 0; i < kSceneInches.size(); ++i) {
+    scene_[i].resize(width);
+    patches(kSceneInches[i], ++seed, y, scene_[i]);
   }
-  std::array<float, kPixelBytes> before{};
+  Light before{};  // the noise of the pixel to the left
   for (size_t x = 0; x < width; ++x) {
-    const Light surface = surfaceAt(
-        std::clamp(1.6F * (0.75F * surface_[0][x] + 0.25F * surface_[1][x]) - 0.3F, 0.0F, 0.999F));
-    float light = 0.1F + 3.2F * surface_[2][x] * surface_[2][x];
-    for (size_t i = 0; i < texture_.size(); ++i)
-      light *= 1 + 2 * kTexture[i].weight * (texture_[i][x] - 0.5F);
+    const Light light = lightAt(x);
     for (size_t c = 0; c < kPixelBytes; ++c) {
       // Half of a pixel's noise is its neighbour's too: a sensor has one colour a cell.
       const float noise =
-          normal(mixed(static_cast<uint32_t>(x), y, 200 + static_cast<uint32_t>(c)));
-      const float seen = surface[c] * light;
-      const float counted = seen + 0.7F * (noise + before[c]) * deviation(seen);
+          normal(mixed(static_cast<uint32_t>(x), y, seed + 1 + static_cast<uint32_t>(c)));
+      const float counted = light[c] + 0.7F * (noise + before[c]) * deviation(light[c]);
       before[c] = noise;
       row[kPixelBytes * x + c] =
           gamma_[static_cast<size_t>(std::clamp(counted, 0.0F, 1.0F) * 4095)];

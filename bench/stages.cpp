@@ -190,7 +190,7 @@ void registerAll() {
     add("rotate/" + std::to_string(90 * turns), [=](benchmark::State& s) { rotate(s, turns); });
   for (const Kind kind : kKinds)
     add("separate/" + std::string(nameOf(kind)), [=](benchmark::State& s) { separate(s, kind); });
-  for (const Kind kind : {Kind::Text, Kind::Photo}) {
+  for (const Kind kind : {Kind::Text, Kind::Photo, Kind::Camera}) {
     const std::string page(nameOf(kind));
     for (const int mode : {1, 3, 4, 5, 6})
       add("screen mode " + std::to_string(mode) + "/" + page,
