@@ -1,5 +1,6 @@
 // Whole jobs of the built filters against a program that only reads their raster.
 #include <getopt.h>
+#include <malloc.h>
 #include <sys/vfs.h>
 
 #include <algorithm>
@@ -104,6 +105,9 @@ int run(const Setup& setup) {
 }  // namespace velka::bench
 
 int main(int argc, char* argv[]) {
+  // A child's peak counts what its parent held when it was forked: large blocks go back to
+  // the system as soon as they are freed.
+  mallopt(M_MMAP_THRESHOLD, 1 << 20);
   velka::bench::Setup setup;
   if (velka::bench::parse(argc, argv, setup)) return velka::bench::run(setup);
   std::fprintf(stderr,
