@@ -6,7 +6,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 namespace velka::bench {
 namespace {
@@ -36,19 +38,18 @@ cups_page_header2_t headerOf(const Format& format, unsigned bitsPerColour, unsig
   return header;
 }
 
-using RowOf = std::function<std::span<const uint8_t>(TestPage&, unsigned)>;
+using RowOf = std::function<std::span<const uint8_t>(unsigned)>;
 
-bool write(const std::string& path, Kind kind, const Format& format, unsigned pages,
-           cups_page_header2_t header, const RowOf& rowOf) {
+bool write(const std::string& path, unsigned pages, cups_page_header2_t header,
+           const RowOf& rowOf) {
   const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (fd < 0) return false;
   const UniqueRaster raster(cupsRasterOpen(fd, CUPS_RASTER_WRITE));
   bool whole = raster != nullptr;
   for (unsigned page = 0; whole && page < pages; ++page) {
     whole = cupsRasterWriteHeader2(raster.get(), &header) != 0;
-    TestPage rows(kind, format);
-    for (unsigned y = 0; whole && y < format.height; ++y) {
-      const auto row = rowOf(rows, y);
+    for (unsigned y = 0; whole && y < header.cupsHeight; ++y) {
+      const auto row = rowOf(y);
       whole = cupsRasterWritePixels(raster.get(), const_cast<uint8_t*>(row.data()),
                                     static_cast<unsigned>(row.size())) != 0;
     }
@@ -56,22 +57,54 @@ bool write(const std::string& path, Kind kind, const Format& format, unsigned pa
   return close(fd) == 0 && whole;
 }
 
+struct Page {
+  cups_page_header2_t header = {};
+  std::vector<uint8_t> bytes;
+};
+
+std::optional<Page> readPage(const std::string& path) {
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return std::nullopt;
+  Page page;
+  {
+    const UniqueRaster raster(cupsRasterOpen(fd, CUPS_RASTER_READ));
+    if (raster != nullptr && cupsRasterReadHeader2(raster.get(), &page.header) != 0) {
+      page.bytes.resize(size_t{page.header.cupsBytesPerLine} * page.header.cupsHeight);
+      for (size_t at = 0; at < page.bytes.size(); at += page.header.cupsBytesPerLine)
+        cupsRasterReadPixels(raster.get(), page.bytes.data() + at, page.header.cupsBytesPerLine);
+    }
+  }
+  close(fd);
+  if (page.bytes.empty()) return std::nullopt;
+  return page;
+}
+
 }  // namespace
 
 bool writeRaster(const std::string& path, Kind kind, const Format& format, unsigned pages) {
-  return write(path, kind, format, pages, headerOf(format, 8, 3),
-               [](TestPage& page, unsigned y) { return page.row(y); });
+  TestPage page(kind, format);
+  return write(path, pages, headerOf(format, 8, 3), [&](unsigned y) { return page.row(y); });
 }
 
 bool writeOneBitRaster(const std::string& path, Kind kind, const Format& format, unsigned pages) {
   const cups_page_header2_t header = headerOf(format, 1, 1);
   std::vector<uint8_t> bits(header.cupsBytesPerLine);
-  return write(path, kind, format, pages, header, [&](TestPage& page, unsigned y) {
+  TestPage page(kind, format);
+  return write(path, pages, header, [&](unsigned y) {
     const auto row = page.row(y);
     bits.assign(bits.size(), 0);
     for (size_t x = 0; x < format.width; ++x)
       if (row[3 * x + 1] < 128) bits[x / 8] |= static_cast<uint8_t>(0x80U >> (x % 8));
     return std::span<const uint8_t>(bits);
+  });
+}
+
+bool repeatRaster(const std::string& page, const std::string& path, unsigned pages) {
+  const auto source = readPage(page);
+  if (!source) return false;
+  const size_t stride = source->header.cupsBytesPerLine;
+  return write(path, pages, source->header, [&](unsigned y) {
+    return std::span<const uint8_t>(source->bytes).subspan(y * stride, stride);
   });
 }
 

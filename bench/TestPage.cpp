@@ -11,7 +11,7 @@ constexpr unsigned kPixelBytes = 3;
 constexpr uint8_t kBlack[3] = {20, 20, 20};
 constexpr uint8_t kRed[3] = {230, 10, 20};
 
-constexpr std::string_view kNames[] = {"text", "receipt", "photo", "white"};
+constexpr std::string_view kNames[] = {"text", "receipt", "photo", "camera", "white"};
 
 unsigned dots(double inches, unsigned dpi) noexcept {
   return static_cast<unsigned>(std::lround(inches * dpi));
@@ -53,11 +53,16 @@ Format roll(unsigned millimetres) noexcept {
 }
 
 TestPage::TestPage(Kind kind, const Format& format)
-    : kind_(kind), format_(format), row_(size_t{format.width} * kPixelBytes, 255) {}
+    : kind_(kind),
+      format_(format),
+      row_(size_t{format.width} * kPixelBytes, 255),
+      camera_(format.xdpi, format.ydpi) {}
 
 std::span<const uint8_t> TestPage::row(unsigned y) {
   if (kind_ == Kind::Photo) {
     drawPhoto(y);
+  } else if (kind_ == Kind::Camera) {
+    camera_.draw(y, row_);
   } else if (kind_ != Kind::White) {
     std::ranges::fill(row_, uint8_t{255});
     drawText(y);

@@ -8,11 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "CameraPicture.h"
+
 namespace velka::bench {
 
-enum class Kind : uint8_t { Text, Receipt, Photo, White };
+enum class Kind : uint8_t { Text, Receipt, Photo, Camera, White };
 
-inline constexpr Kind kKinds[] = {Kind::Text, Kind::Receipt, Kind::Photo, Kind::White};
+inline constexpr Kind kKinds[] = {Kind::Text, Kind::Receipt, Kind::Photo, Kind::Camera,
+                                  Kind::White};
 
 [[nodiscard]] std::string_view nameOf(Kind kind) noexcept;
 [[nodiscard]] std::optional<Kind> kindOf(std::string_view name) noexcept;
@@ -37,7 +40,8 @@ class TestPage {
 
   /// Three bytes a pixel: red, green, blue. Valid until the next call. Text: 60
   /// lines of glyphs with soft edges on an A4 page; receipt: the same with every
-  /// fifth line and a bar red; photo: gradients with grain; white: nothing.
+  /// fifth line and a bar red; photo: gradients with grain; camera: a CameraPicture;
+  /// white: nothing.
   [[nodiscard]] std::span<const uint8_t> row(unsigned y);
 
  private:
@@ -48,6 +52,7 @@ class TestPage {
   Kind kind_;
   Format format_;
   std::vector<uint8_t> row_;
+  CameraPicture camera_;
 };
 
 }  // namespace velka::bench

@@ -37,13 +37,14 @@ function(velka_library name)
   target_link_libraries(velka_${name} PUBLIC ${ARG_LINKS} PRIVATE velka_options)
 endfunction()
 
-# velka_ssse3(NAME SOURCES...): faster siblings of a library's kernels, each with the
-# instructions of its suffix. They include nothing of ours that has code of its own,
-# which would otherwise be compiled twice, once for processors that lack them.
-function(velka_ssse3 name)
+# velka_simd(NAME FLAG SOURCES...): faster siblings of a library's kernels, each with the
+# instructions of its suffix, which FLAG turns on. They include nothing of ours that has
+# code of its own, which would otherwise be compiled twice, once for processors that
+# lack them.
+function(velka_simd name flag)
   if(VELKA_SIMD AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     target_sources(velka_${name} PRIVATE ${ARGN})
-    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -mssse3)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS ${flag})
     target_compile_definitions(velka_${name} PRIVATE VELKA_SIMD)
   endif()
 endfunction()

@@ -1,12 +1,18 @@
 #include "RowKernel.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
 #include "ByteLanes.h"
 #include "GrayScale.h"
 
 namespace velka {
 namespace {
 
+static_assert(RowSteps::kPixels == kLanes);
 constexpr uint8_t kNearGrey = 9;
+constexpr size_t kPixelBytes = 3;
 
 Lanes atLeast(Lanes value, Lanes limit) noexcept {
   return equal(most(value, limit), value);
@@ -14,6 +20,10 @@ Lanes atLeast(Lanes value, Lanes limit) noexcept {
 
 Lanes atMost(Lanes value, Lanes limit) noexcept {
   return equal(least(value, limit), value);
+}
+
+Lanes isInk(Lanes ink, Ink wanted) noexcept {
+  return equal(ink, allLanes(static_cast<uint8_t>(wanted)));
 }
 
 /// Sixteen pixels, a vector for each of their bytes.
@@ -33,36 +43,35 @@ Pixels byChannel(const uint8_t* bytes) noexcept {
   return p;
 }
 
-class Separator {
+class Sorter {
  public:
-  Separator(const RowRules& rules, uint8_t* black, uint8_t* red, RowInk& found) noexcept
-      : rules_(rules), black_(black), red_(red), found_(found) {
+  Sorter(const RowRules& rules, RowSteps& steps) noexcept : steps_(steps) {
     for (size_t i = 0; i < 4; ++i) route_[i] = allLanes(static_cast<uint8_t>(rules.route[i]));
     for (size_t i = 0; i < 3; ++i) {
       low_[i] = allLanes(rules.low[i]);
       high_[i] = allLanes(rules.high[i]);
       solid_[i] = allLanes(rules.solid[i]);
+      black_[i] = allLanes(rules.black[i]);
     }
     solidApplies_ = allLanes(rules.solidApplies ? 0xFF : 0);
   }
 
-  /// The pixels of columns x to x + 15.
-  void separate(const uint8_t* bytes, size_t x) noexcept {
+  /// The pixels of columns x to x + 15, as step `step` unless they have no ink. Returns
+  /// the next one's number.
+  size_t sort(const uint8_t* bytes, size_t x, size_t step) noexcept {
     const Lanes every =
         loadLanes(bytes) & loadLanes(bytes + kLanes) & loadLanes(bytes + 2 * kLanes);
-    if (isFull(every)) return;
+    if (isFull(every)) return step;
     const Pixels p = byChannel(bytes);
     const Lanes ink = inkOf(p);
-    if (isEmpty(ink)) return;
-    const Lanes toBlack = equal(ink, allLanes(static_cast<uint8_t>(Ink::Black)));
-    const Lanes toRed = equal(ink, allLanes(static_cast<uint8_t>(Ink::Red)));
-    const Lanes value = valueOf(p, ink, toRed);
-    if (put(black_ + x, toBlack, value)) {
-      note(toBlack, x, found_.firstBlackColumn, found_.lastBlackColumn);
+    const size_t at = step * kLanes;
+    storeLanes(steps_.inks + at, ink);
+    if (!isFull(settle(p, ink, at))) {
+      const Lanes red = isInk(ink, Ink::Red) & 1;
+      for (size_t i = 0; i < 3; ++i) storePairs(steps_.tones[i] + at, p.at[i], red);
     }
-    if (put(red_ + x, toRed, value)) {
-      note(toRed, x, found_.firstRedColumn, found_.lastRedColumn);
-    }
+    steps_.columns[step] = x;
+    return step + (isEmpty(ink) ? 0 : 1);
   }
 
  private:
@@ -83,87 +92,117 @@ class Separator {
     return ink & ~white;
   }
 
-  /// The plane values of the pixels that have an ink; those of the others may be any.
-  [[nodiscard]] Lanes valueOf(const Pixels& p, Lanes ink, Lanes toRed) const noexcept {
+  /// Full ink for the solid colour, its own value for pure black. Returns which pixels
+  /// need no grey.
+  Lanes settle(const Pixels& p, Lanes ink, size_t at) noexcept {
     Lanes solid = solidApplies_;
     for (size_t i = 0; i < 3; ++i) solid &= equal(p.at[i], solid_[i]);
     const Lanes pure = equal(p.at[0] | p.at[1] | p.at[2], Lanes{});
-    const Lanes known = solid | pure | equal(ink, Lanes{});
-    Lanes value{};
-    if (!isFull(known)) value = graded(p, toRed);
-    const Lanes black =
-        select(toRed, allLanes(rules_.tones[2].black), allLanes(rules_.tones[1].black));
-    return select(pure, black, value) & ~solid;
+    const Lanes black = select(isInk(ink, Ink::Red), black_[2], black_[1]);
+    const Lanes settled = solid | pure | isInk(ink, Ink::None);
+    storeLanes(steps_.settled + at, settled);
+    storeLanes(steps_.values + at, black & pure & ~solid);
+    return settled;
   }
 
-  /// The greys of all pixels in their ink's tone.
-  [[nodiscard]] Lanes graded(const Pixels& p, Lanes toRed) const noexcept {
-    uint8_t bytes[3][kLanes];
-    uint8_t values[kLanes];
-    for (size_t i = 0; i < 3; ++i) storeLanes(bytes[i], p.at[i]);
-    if (isFull(toRed)) {
-      grade(bytes, rules_.tones[static_cast<size_t>(Ink::Red)], values);
-      return loadLanes(values);
-    }
-    grade(bytes, rules_.tones[static_cast<size_t>(Ink::Black)], values);
-    const Lanes black = loadLanes(values);
-    if (isEmpty(toRed)) return black;
-    grade(bytes, rules_.tones[static_cast<size_t>(Ink::Red)], values);
-    return select(toRed, loadLanes(values), black);
+  /// Sixteen numbers of two bytes: `low` + 256 `high`.
+  static void storePairs(uint16_t* numbers, Lanes low, Lanes high) noexcept {
+    constexpr bool kLowFirst = std::endian::native == std::endian::little;
+    const Lanes pairs[2] = {kLowFirst ? zipFirst(low, high) : zipFirst(high, low),
+                            kLowFirst ? zipLast(low, high) : zipLast(high, low)};
+    std::memcpy(numbers, pairs, sizeof pairs);
   }
 
-  // Not inlined: the compiler would keep the arrays in registers, at twice the work.
-  [[gnu::noinline]] void grade(const uint8_t (&bytes)[3][kLanes], const RowTone& tone,
-                               uint8_t* values) const noexcept {
-    const uint32_t* first = tone.contributions[0];
-    const uint32_t* second = tone.contributions[1];
-    const uint32_t* third = tone.contributions[2];
-    const uint32_t* steps = rules_.graySteps;
-    constexpr unsigned kShift = GrayScale::kCellShift;
-#pragma GCC unroll 4
-    for (size_t i = 0; i < kLanes; ++i) {
-      const uint32_t luminance = first[bytes[0][i]] + second[bytes[1][i]] + third[bytes[2][i]];
-      values[i] = static_cast<uint8_t>((steps[luminance >> kShift] + luminance) >> kShift);
-    }
-  }
-
-  /// Whether there was anything to put.
-  static bool put(uint8_t* plane, Lanes mask, Lanes value) noexcept {
-    if (isEmpty(mask)) return false;
-    storeLanes(plane, select(mask, value, loadLanes(plane)));
-    return true;
-  }
-
-  static void note(Lanes mask, size_t x, int64_t& first, int64_t& last) noexcept {
-    uint8_t marks[kLanes];
-    storeLanes(marks, mask);
-    size_t begin = 0;
-    size_t end = kLanes;
-    while (first < 0 && marks[begin] == 0) ++begin;
-    while (marks[end - 1] == 0) --end;
-    if (first < 0) first = static_cast<int64_t>(x + begin);
-    last = static_cast<int64_t>(x + end - 1);
-  }
-
-  const RowRules& rules_;
-  uint8_t* black_;
-  uint8_t* red_;
-  RowInk& found_;
+  RowSteps& steps_;
   Lanes route_[4]{};
   Lanes low_[3]{};
   Lanes high_[3]{};
   Lanes solid_[3]{};
+  Lanes black_[3]{};
   Lanes solidApplies_{};
 };
 
+/// The greys of all steps that need any. Not inlined: the compiler would keep numbers in
+/// vectors and take them out again one by one.
+[[gnu::noinline]] void grade(const RowRules& rules, RowSteps& steps) noexcept {
+  const uint32_t* const first = rules.contributions[0];
+  const uint32_t* const second = rules.contributions[1];
+  const uint32_t* const third = rules.contributions[2];
+  const uint32_t* const cells = rules.graySteps;
+  constexpr unsigned kShift = GrayScale::kCellShift;
+  for (size_t at = 0; at < steps.count * kLanes; at += kLanes) {
+    if (isFull(loadLanes(steps.settled + at))) continue;
+#pragma GCC unroll 16
+    for (size_t i = at; i < at + kLanes; ++i) {
+      const uint32_t luminance =
+          first[steps.tones[0][i]] + second[steps.tones[1][i]] + third[steps.tones[2][i]];
+      steps.greys[i] = static_cast<uint8_t>((cells[luminance >> kShift] + luminance) >> kShift);
+    }
+  }
+}
+
+/// An ink's plane and the columns that were put into it.
+class PlaneRow {
+ public:
+  PlaneRow(uint8_t* row, int64_t& first, int64_t& last) noexcept
+      : row_(row), first_(first), last_(last) {}
+
+  void put(size_t x, Lanes mask, Lanes value) noexcept {
+    storeLanes(row_ + x, select(mask, value, loadLanes(row_ + x)));
+    if (isEmpty(mask)) return;
+    if (first_ < 0) first_ = static_cast<int64_t>(x + firstIn(mask));
+    lastStep_ = x;
+    lastMask_ = mask;
+  }
+
+  void finish() noexcept {
+    if (!isEmpty(lastMask_)) last_ = static_cast<int64_t>(lastStep_ + lastIn(lastMask_));
+  }
+
+ private:
+  uint8_t* row_;
+  int64_t& first_;
+  int64_t& last_;
+  size_t lastStep_ = 0;
+  Lanes lastMask_{};
+};
+
+void putSteps(const RowSteps& steps, PlaneRow& black, PlaneRow& red) noexcept {
+  for (size_t step = 0; step < steps.count; ++step) {
+    const size_t at = step * kLanes;
+    const Lanes ink = loadLanes(steps.inks + at);
+    const Lanes value = select(loadLanes(steps.settled + at), loadLanes(steps.values + at),
+                               loadLanes(steps.greys + at));
+    black.put(steps.columns[step], isInk(ink, Ink::Black), value);
+    red.put(steps.columns[step], isInk(ink, Ink::Red), value);
+  }
+}
+
 }  // namespace
 
-size_t separatePixels(const RowRules& rules, const uint8_t* pixels, size_t count, uint8_t* black,
-                      uint8_t* red, RowInk& found) noexcept {
-  Separator separator(rules, black, red, found);
-  size_t x = 0;
-  for (; x + kLanes <= count; x += kLanes) separator.separate(pixels + 3 * x, x);
-  return x;
+void sortPixels(const RowRules& rules, const uint8_t* pixels, size_t x, size_t count,
+                RowSteps& steps) noexcept {
+  Sorter sorter(rules, steps);
+  size_t sorted = 0;
+  for (const size_t end = x + count * kLanes; x < end; x += kLanes)
+    sorted = sorter.sort(pixels + x * kPixelBytes, x, sorted);
+  steps.count = sorted;
+}
+
+size_t separatePixels(SortPixels& sort, const RowRules& rules, const uint8_t* pixels, size_t count,
+                      uint8_t* black, uint8_t* red, RowInk& found) noexcept {
+  RowSteps steps;
+  PlaneRow blackRow(black, found.firstBlackColumn, found.lastBlackColumn);
+  PlaneRow redRow(red, found.firstRedColumn, found.lastRedColumn);
+  const size_t end = count / kLanes;
+  for (size_t step = 0; step < end; step += RowSteps::kMost) {
+    sort(rules, pixels, step * kLanes, std::min(RowSteps::kMost, end - step), steps);
+    grade(rules, steps);
+    putSteps(steps, blackRow, redRow);
+  }
+  blackRow.finish();
+  redRow.finish();
+  return end * kLanes;
 }
 
 }  // namespace velka

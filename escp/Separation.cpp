@@ -48,11 +48,12 @@ size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
 size_t separateFirstPixels(const InkRules& rules, std::span<const uint8_t> pixels, uint8_t* black,
                            uint8_t* red, RowInk& found) noexcept {
   if (cpuLevel() == CpuLevel::Plain) return 0;
-  auto separate = separatePixels;
+  auto* sort = sortPixels;
 #ifdef VELKA_SIMD
-  if (cpuLevel() >= CpuLevel::Ssse3) separate = separatePixelsSsse3;
+  if (cpuLevel() >= CpuLevel::Ssse3) sort = sortPixelsSsse3;
 #endif
-  return separate(rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black, red, found);
+  return separatePixels(*sort, rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black,
+                        red, found);
 }
 
 }  // namespace
@@ -81,6 +82,8 @@ InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const Ink
       if (v > tintedWhite) mark |= kPastTintedWhite;
       if (valid && low[channel] <= v && v <= high[channel]) mark |= kInRange;
     }
+    for (size_t ink = 0; ink < tones_.size(); ++ink)
+      std::copy_n(tones_[ink].contributions(channel), 256, &contributions_[channel][256 * ink]);
   }
 }
 
@@ -91,15 +94,13 @@ RowRules InkRules::rowRules() const noexcept {
     rules.low[i] = valid ? channels(rangeLow_)[i] : 255;
     rules.high[i] = valid ? channels(rangeHigh_)[i] : 0;
     rules.solid[i] = channels(solid_)[i];
-    for (const Ink ink : {Ink::None, Ink::Black, Ink::Red})
-      rules.tones[static_cast<size_t>(ink)].contributions[i] =
-          tones_[ink == Ink::Red ? 1 : 0].contributions(i);
+    rules.contributions[i] = contributions_[i].data();
   }
   rules.solidApplies = solidApplies_;
   for (const unsigned index : {0U, 1U, 2U, 3U})
     rules.route[index] = route_[(index & 1U) | ((index & 2U) != 0 ? kNearGreyMark : 0U)];
-  rules.tones[static_cast<size_t>(Ink::Black)].black = tones_[0].black();
-  rules.tones[static_cast<size_t>(Ink::Red)].black = tones_[1].black();
+  rules.black[static_cast<size_t>(Ink::Black)] = tones_[0].black();
+  rules.black[static_cast<size_t>(Ink::Red)] = tones_[1].black();
   rules.graySteps = GrayScale::instance().steps();
   return rules;
 }

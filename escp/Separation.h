@@ -69,7 +69,8 @@ class InkRules {
   tagRGBQUAD solid_{};
   tagRGBQUAD rangeLow_{};
   tagRGBQUAD rangeHigh_{};
-  std::array<ToneTable, 2> tones_;  // of black and red
+  std::array<ToneTable, 2> tones_;                            // of black and red
+  std::array<std::array<uint32_t, 512>, 3> contributions_{};  // the same by channel, then ink
 };
 
 /// The rules that the options record asks for.

@@ -12,10 +12,7 @@ namespace velka {
 
 const char* whyNotOpened(const char* path, int error) noexcept {
   struct stat status = {};
-  if (lstat(path, &status) == 0) {
-    if (S_ISLNK(status.st_mode)) return "it is a symbolic link";
-    if (!S_ISREG(status.st_mode)) return "it is no regular file";
-  }
+  if (lstat(path, &status) == 0 && !S_ISREG(status.st_mode)) return nullptr;
   // Not in the user's language: the line is for the administrator.
   return error == 0 ? "it is not this user's alone" : strerrordesc_np(error);
 }
@@ -23,11 +20,11 @@ const char* whyNotOpened(const char* path, int error) noexcept {
 bool emptyJobLog() noexcept {
   errno = 0;
   if (openRegularForWriting(kJobLog, true) != nullptr) return true;
-  const int error = errno;
+  const char* why = whyNotOpened(kJobLog, errno);
+  if (why == nullptr) return false;
   // Other filters share the stream, and our own texts end without a line end: the
   // warning begins and ends with one, else the scheduler would not know its prefix.
-  std::fprintf(stderr, "\nWARNING: The job log %s cannot be opened: %s.\n", kJobLog,
-               whyNotOpened(kJobLog, error));
+  std::fprintf(stderr, "\nWARNING: The job log %s cannot be opened: %s.\n", kJobLog, why);
   return false;
 }
 

@@ -2,6 +2,7 @@
 // whatever the processor has.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -71,14 +72,37 @@ inline Lanes subtractDownTo0(Lanes a, Lanes b) noexcept {
 
 /// Whether all bytes are 255.
 inline bool isFull(Lanes mask) noexcept {
+#if defined(VELKA_SIMD) && defined(__SSE2__)
+  return _mm_movemask_epi8(reinterpret_cast<__m128i>(equal(mask, allLanes(255)))) == 0xFFFF;
+#else
   uint64_t halves[2];
   std::memcpy(halves, &mask, sizeof halves);
   return (halves[0] & halves[1]) == ~uint64_t{0};
+#endif
 }
 
 /// Whether all bytes are 0.
 inline bool isEmpty(Lanes mask) noexcept {
-  return isFull(~mask);
+  return isFull(equal(mask, Lanes{}));
+}
+
+/// The first or last byte of a mask, of 0 and 255 and not empty, that is 255.
+inline size_t firstIn(Lanes mask) noexcept {
+  uint64_t halves[2];
+  std::memcpy(halves, &mask, sizeof halves);
+  const size_t half = halves[0] != 0 ? 0 : 1;
+  const int zeros = std::endian::native == std::endian::little ? std::countr_zero(halves[half])
+                                                               : std::countl_zero(halves[half]);
+  return 8 * half + static_cast<size_t>(zeros) / 8;
+}
+
+inline size_t lastIn(Lanes mask) noexcept {
+  uint64_t halves[2];
+  std::memcpy(halves, &mask, sizeof halves);
+  const size_t half = halves[1] != 0 ? 1 : 0;
+  const int zeros = std::endian::native == std::endian::little ? std::countl_zero(halves[half])
+                                                               : std::countr_zero(halves[half]);
+  return 8 * half + 7 - static_cast<size_t>(zeros) / 8;
 }
 
 /// The last eight bytes of `a`, then the first eight of `b`.

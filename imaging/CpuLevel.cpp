@@ -14,6 +14,7 @@ CpuLevel& levelInUse() noexcept {
 
 CpuLevel highestCpuLevel() noexcept {
 #ifdef VELKA_SIMD
+  if (__builtin_cpu_supports("avx2") != 0) return CpuLevel::Avx2;
   if (__builtin_cpu_supports("ssse3") != 0) return CpuLevel::Ssse3;
 #endif
   return CpuLevel::Vectors;

@@ -14,6 +14,7 @@ enum class CpuLevel : uint8_t {
   Plain,
   Vectors,  ///< vectors of the compiler's own
   Ssse3,    ///< shuffles of 16 bytes
+  Avx2,     ///< vectors of 32 bytes
 };
 
 /// The highest level that this build holds and this processor has.

@@ -58,11 +58,13 @@ inline WaveBlock transposed(WaveBlock block) noexcept {
   return block;
 }
 
-/// What the last lane holds at each step.
+/// What the last lane holds at each step: the last of the rows that `transposed` makes.
 inline Lanes lastRow(const WaveBlock& steps) noexcept {
-  uint8_t row[kLanes];
-  for (size_t i = 0; i < kLanes; ++i) row[i] = steps.at[i][kLanes - 1];
-  return loadLanes(row);
+  Lanes last[kLanes / 2];
+  for (size_t i = 0; i < kLanes / 2; ++i) last[i] = zipLast(steps.at[i], steps.at[i + kLanes / 2]);
+  for (size_t size = kLanes / 4; size > 0; size /= 2)
+    for (size_t i = 0; i < size; ++i) last[i] = zipLast(last[i], last[i + size]);
+  return last[0];
 }
 
 /// What has been received so far for a step and the two after it.

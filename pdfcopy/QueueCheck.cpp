@@ -38,9 +38,10 @@ bool isOnPath(const std::string& tool) {
   return false;
 }
 
+// A PPD without one is of somebody's own making.
 std::string versionOf(ppd_file_t* ppd) {
   const ppd_attr_t* version = ppdFindAttr(ppd, "FileVersion", nullptr);
-  return version == nullptr || version->value == nullptr ? "none" : version->value;
+  return version == nullptr || version->value == nullptr ? VELKA_PPD_VERSION : version->value;
 }
 
 // The first two numbers; 0 for what is none.

@@ -18,7 +18,13 @@ packages=(
 case "${1:-}" in
   '') ;;
   --lint) packages+=(clang-format clang-tidy libbenchmark-dev) ;;
-  --bench) packages+=(libbenchmark-dev valgrind printer-driver-gutenprint) ;;
+  --bench)
+    packages+=(
+      libbenchmark-dev valgrind
+      printer-driver-gutenprint           # filters to measure beside ours
+      lomiri-wallpapers-16.04             # photographs
+    )
+    ;;
   --other-release) packages=(debootstrap) ;;
   *)
     echo "usage: $0 [--lint | --bench | --other-release]" >&2

@@ -55,7 +55,9 @@ void diffuseRandomPlanes(unsigned rounds) {
     if (below(random, 3) == 0) s.threshold = 128;
     if (below(random, 8) == 0)
       s.factor = static_cast<short>(static_cast<int>(below(random, 111)) - 10);
-    expectSameDots(randomPlane(random, 50, 90), s);
+    // Two groups of rows go together from 31 rows on, far from the edges of wide planes.
+    const bool wide = below(random, 8) == 0;
+    expectSameDots(randomPlane(random, wide ? 80 : 50, wide ? 400 : 90), s);
   }
 }
 
@@ -85,6 +87,37 @@ TEST(Levels, EverySmallShapeGetsTheSameDots) {
       const Bytes bytes = content(random, size_t{rows} * width, width);
       expectSameDots({bytes, rows, width, width}, {2, 0, 128});
     }
+  }
+}
+
+TEST(Levels, PlanesOfEveryWidthGetTheSameDots) {
+  std::mt19937 random(8);
+  for (unsigned width = 51; width <= 330 && !HasFatalFailure(); ++width) {
+    const unsigned rows = 31 + below(random, 40);
+    const Bytes bytes = content(random, size_t{rows} * width, width);
+    expectSameDots({bytes, rows, width, width}, {2, 0, static_cast<short>(below(random, 255))});
+  }
+}
+
+// Of a photograph in two inks, each plane holds noise where its ink is and paper where the
+// other one is.
+Bytes photographedPlane(std::mt19937& random, unsigned rows, unsigned width) {
+  Bytes plane(size_t{rows} * width, 255);
+  for (size_t y = 0; y < rows; ++y)
+    for (size_t x = 0; x < width; ++x) {
+      const size_t hue = (x / 3 + 2 * y) % 255 + below(random, 40);
+      if (hue > 140) plane[y * width + x] = asPhotographed(random, static_cast<int>(x % 256), 9);
+    }
+  return plane;
+}
+
+TEST(Levels, PhotographsGetTheSameDotsAtEveryThreshold) {
+  constexpr int kStep = kColourStep == 1 ? 1 : 51;
+  std::mt19937 random(9);
+  for (int threshold = 0; threshold <= 255 && !HasFatalFailure(); threshold += kStep) {
+    const unsigned width = 300 + below(random, 40);
+    expectSameDots({photographedPlane(random, 65, width), 65, width, width},
+                   {2, 0, static_cast<short>(threshold)});
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -56,9 +57,17 @@ inline unsigned below(std::mt19937& random, unsigned end) {
   return static_cast<unsigned>(random() % end);
 }
 
-/// Noise, a gradient, runs, text or nearly nothing.
+/// What a camera makes of `value`: noise in every pixel, seldom far from it, and the ends
+/// of the scale where it is over- or underexposed.
+inline uint8_t asPhotographed(std::mt19937& random, int value, int noise) {
+  int sum = value;
+  for (int i = 0; i < 4; ++i) sum += static_cast<int>(random() % static_cast<unsigned>(noise + 1));
+  return static_cast<uint8_t>(std::clamp(sum - 2 * noise, 0, 255));
+}
+
+/// Noise, a gradient, runs, text, nearly nothing or a photograph.
 inline Bytes content(std::mt19937& random, size_t size, size_t stride) {
-  const unsigned kind = below(random, 6);
+  const unsigned kind = below(random, 7);
   Bytes bytes(size);
   uint8_t value = 255;
   for (size_t i = 0; i < size; ++i) {
@@ -70,6 +79,10 @@ inline Bytes content(std::mt19937& random, size_t size, size_t stride) {
     if (kind == 3 && below(random, 9) == 0) value = any < 128 ? 0 : 255;
     if (kind == 4 && seldom) value = any < 60 ? any : (any < 128 ? 0 : 255);
     if (kind == 5) value = seldom && below(random, 8) == 0 ? any : 255;
+    if (kind == 6) {
+      const size_t light = 300 * (i % stride) / stride + i / stride / 2;
+      value = asPhotographed(random, static_cast<int>(light % 300) - 20, 12);
+    }
     bytes[i] = value;
   }
   return bytes;

@@ -50,7 +50,7 @@ TEST(Levels, PagesOfEverySmallShapeAreTurnedAlike) {
 }
 
 TEST(Level, IsNeverAboveTheHighest) {
-  const AtLevel forced(CpuLevel::Ssse3);
+  const AtLevel forced(CpuLevel::Avx2);
   EXPECT_LE(cpuLevel(), highestCpuLevel());
   forceCpuLevel(CpuLevel::Plain);
   EXPECT_EQ(cpuLevel(), CpuLevel::Plain);

@@ -96,6 +96,48 @@ Bytes randomPixels(std::mt19937& random, size_t pixels) {
   return bytes;
 }
 
+// A surface whose colour wanders, as a camera sees it: each channel with noise of its own,
+// so that the ink changes from pixel to pixel near the borders of the rules.
+Bytes photographedPixels(std::mt19937& random, size_t pixels) {
+  const int noise = 1 + static_cast<int>(below(random, 25));
+  int colour[3] = {static_cast<int>(below(random, 256)), static_cast<int>(below(random, 256)),
+                   static_cast<int>(below(random, 256))};
+  if (below(random, 3) == 0) colour[0] = colour[1] = colour[2];
+  Bytes bytes;
+  while (bytes.size() < pixels * 3) {
+    for (int& level : colour) {
+      bytes.push_back(asPhotographed(random, level, noise));
+      level = std::clamp(level + static_cast<int>(below(random, 9)) - 4, -20, 275);
+    }
+  }
+  return bytes;
+}
+
+TEST(Levels, PhotographedRowsAreSeparatedAlike) {
+  std::mt19937 random(10);
+  for (unsigned round = 0; round < kRounds / 20 && !HasFatalFailure(); ++round) {
+    const InkRules rules =
+        round % 2 == 0 ? compileInkRules(reference::defaultOptions()) : randomRules(random);
+    for (int row = 0; row < 8; ++row)
+      expectSameRow(rules, photographedPixels(random, below(random, 700)));
+  }
+}
+
+// Several rounds of steps, some with no ink at all.
+TEST(Levels, LongRowsWithGapsAreSeparatedAlike) {
+  std::mt19937 random(11);
+  for (unsigned round = 0; round < kRounds / 20 && !HasFatalFailure(); ++round) {
+    const InkRules rules = randomRules(random);
+    Bytes pixels;
+    for (unsigned part = 1 + below(random, 6); part > 0; --part) {
+      pixels.insert(pixels.end(), 3 * size_t{below(random, 400)}, 255);
+      const Bytes run = randomPixels(random, below(random, 200));
+      pixels.insert(pixels.end(), run.begin(), run.end());
+    }
+    expectSameRow(rules, pixels);
+  }
+}
+
 TEST(Levels, RandomRowsAreSeparatedAlike) {
   std::mt19937 random(5);
   for (unsigned round = 0; round < kRounds / 4 && !HasFatalFailure(); ++round) {

@@ -89,12 +89,14 @@ TEST(PageLimit, IsNeverMoreThan32Bits) {
   EXPECT_EQ(limitOf(pageSize("-7200 3600"), 360, 360), kGibibyte);
 }
 
-TEST(JobLogWarning, SaysWhatTheSystemSaidOrWhatIsInTheWay) {
+TEST(JobLogWarning, SaysWhatTheSystemSaidOrNothingWhereSomethingElseStandsThere) {
   const TempFile file("");
   EXPECT_STREQ(whyNotOpened(file.path().c_str(), EACCES), "Permission denied");
   EXPECT_STREQ(whyNotOpened("/nonexistent/log", ENOENT), "No such file or directory");
   EXPECT_STREQ(whyNotOpened(file.path().c_str(), 0), "it is not this user's alone");
-  EXPECT_STREQ(whyNotOpened("/tmp", EISDIR), "it is no regular file");
+  EXPECT_EQ(whyNotOpened("/tmp", EISDIR), nullptr);
+  EXPECT_EQ(whyNotOpened("/dev/null", 0), nullptr);
+  EXPECT_EQ(whyNotOpened("/proc/self", ELOOP), nullptr);
 }
 
 }  // namespace

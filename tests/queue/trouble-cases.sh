@@ -133,15 +133,16 @@ check_unwritable_log() {
   local queue job said
   for queue in "${queues[@]}"; do
     rm -rf "$filter_log"
-    mkdir "$filter_log"
+    (umask 077 && : >"$filter_log")
+    chmod 000 "$filter_log"
     job=$(submit "$queue" "$work/three.pdf")
     wait_for_job "$queue" "$job"
     expect_counts "$queue, without a log" "$(stream_of "$queue" "$job")" 3 - -
-    said=$(grep -c "^W .*\[Job $job\] The job log $filter_log cannot be opened: it is no regular file" \
+    said=$(grep -c "^W .*\[Job $job\] The job log $filter_log cannot be opened: Permission denied" \
       "$log") || true
     ((said == 1)) || fail "$queue: the server's log says $said times that there is no job log"
     expect_same "$queue, without a log" "$(stream_of "$queue" "$job")" \
-      "$(rmdir "$filter_log" && print "$queue" "$work/three.pdf")"
+      "$(rm -f "$filter_log" && print "$queue" "$work/three.pdf")"
   done
   expect_no_complaints
 }
