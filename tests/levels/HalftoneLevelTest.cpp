@@ -1,6 +1,6 @@
 // Halftoning at every level.
 #include "Halftone.h"
-#include "escp/Levels.h"
+#include "levels/Levels.h"
 
 namespace velka::testing {
 namespace {

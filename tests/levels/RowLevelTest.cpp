@@ -1,6 +1,6 @@
 // Separation at every level.
 #include "Separation.h"
-#include "escp/Levels.h"
+#include "levels/Levels.h"
 #include "reference/ReferenceOptions.h"
 
 namespace velka::testing {

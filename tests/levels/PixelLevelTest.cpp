@@ -3,7 +3,7 @@
 
 #include "BmpProcessing.h"
 #include "RasterLines.h"
-#include "escp/Levels.h"
+#include "levels/Levels.h"
 
 namespace velka::testing {
 namespace {
