@@ -152,8 +152,8 @@ void orloBands(benchmark::State& state, const HeadLayout& layout) {
   while (state.KeepRunning()) {
     unsigned char* bytes = nullptr;
     unsigned int length = 0;
-    BandWalk walk(layout, *resolution, {black.data(), width, height}, {red.data(), width, height},
-                  {&bytes, &length, &length});
+    BandWalk walk(layout, *resolution, {black.data(), width, height, height},
+                  {red.data(), width, height, height}, {&bytes, &length, &length});
     if (!walk.prepare() || !walk.print({true, true, true}, -60)) state.SkipWithError("no bands");
     std::free(bytes);
   }
