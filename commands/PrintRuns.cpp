@@ -1,6 +1,7 @@
 #include "PrintRuns.h"
 
 #include <algorithm>
+#include <array>
 
 #include "PassColumns.h"
 
@@ -20,6 +21,15 @@ constexpr int64_t longestRun(int64_t step) noexcept {
 static_assert(longestRun(1) == 65535 && longestRun(6) == 65532 && longestRun(65536) == 65535);
 
 }  // namespace
+
+bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
+                 std::span<const uint8_t> data) noexcept {
+  const auto columns = static_cast<uint16_t>(run.right - run.left + 1);
+  const std::array<uint8_t, 5> header = {kEsc, '*', static_cast<uint8_t>(mode),
+                                         static_cast<uint8_t>(columns),
+                                         static_cast<uint8_t>(columns >> 8U)};
+  return sink.append(header) && sink.append(data);
+}
 
 bool PrintRuns::isBlank(int64_t column) const noexcept {
   const uint8_t* bytes = columns_.data() + static_cast<size_t>(column) * PassColumns::kColumnBytes;

@@ -6,6 +6,8 @@
 #include <optional>
 #include <span>
 
+#include "CommandBuilders.h"
+
 namespace velka {
 
 /// Columns of a block, both inclusive.
@@ -13,6 +15,10 @@ struct PrintRun {
   int64_t left;
   int64_t right;
 };
+
+/// Appends a raster block; `run` is what its column count is taken from.
+[[nodiscard]] bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
+                               std::span<const uint8_t> data) noexcept;
 
 /// Yields a pass's runs from left to right.
 class PrintRuns {

@@ -1,10 +1,7 @@
 #include "BandWalk.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
-
-#include "BitImageMode.h"
 
 namespace velka {
 namespace {
@@ -12,22 +9,6 @@ namespace {
 constexpr int64_t kAboveAllRows = std::numeric_limits<int64_t>::min();
 
 }  // namespace
-
-std::optional<HeadResolution> headResolution(int horizontalDpi, int verticalDpi) noexcept {
-  // A column of this head has three bytes in every mode.
-  const auto mode = columnBitImageMode(verticalDpi, horizontalDpi);
-  if (!mode) return std::nullopt;
-  return HeadResolution{horizontalDpi, verticalDpi, mode->mode, verticalDpi == 360 ? 2 : 1};
-}
-
-bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
-                 std::span<const uint8_t> data) noexcept {
-  const auto columns = static_cast<uint16_t>(run.right - run.left + 1);
-  const std::array<uint8_t, 5> header = {kEsc, '*', static_cast<uint8_t>(mode),
-                                         static_cast<uint8_t>(columns),
-                                         static_cast<uint8_t>(columns >> 8U)};
-  return sink.append(header) && sink.append(data);
-}
 
 bool BandWalk::prepare() noexcept {
   return blackRows_.scan(black_) && redRows_.scan(red_) &&

@@ -13,34 +13,12 @@
 
 #include "CommandBuilders.h"
 #include "HeadLayout.h"
+#include "HeadResolution.h"
 #include "InkRows.h"
 #include "PassColumns.h"
 #include "PrintRuns.h"
 
 namespace velka {
-
-/// Resolutions, and what the printer needs to know of them.
-struct HeadResolution {
-  int horizontalDpi;
-  int verticalDpi;
-  uint16_t mode;  ///< of ESC *
-  int passes;     ///< a band
-
-  /// Columns in 1/60 inch.
-  [[nodiscard]] int64_t step() const noexcept {
-    return horizontalDpi < 60 ? 1 : horizontalDpi / 60;
-  }
-  [[nodiscard]] float xDivisor() const noexcept {
-    return static_cast<float>(horizontalDpi) / 60.0F;
-  }
-};
-/// Nothing for a pair of resolutions that the model does not print.
-[[nodiscard]] std::optional<HeadResolution> headResolution(int horizontalDpi,
-                                                           int verticalDpi) noexcept;
-
-/// Appends a raster block; `run` is what its column count is taken from.
-[[nodiscard]] bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
-                               std::span<const uint8_t> data) noexcept;
 
 /// The inks of a sweep, and whether it ends early at the bottom of the page.
 struct Sweep {

@@ -1,8 +1,8 @@
 // The processor's single commands and builders, and the size of its output.
 #include <cstring>
 
-#include "BandWalk.h"
 #include "OrloProcesser.h"
+#include "PrintRuns.h"
 
 namespace {
 

@@ -15,6 +15,7 @@
 #include "DataTree.h"
 #include "DeviceRecords.h"
 #include "OrloPlane.h"
+#include "OrloSweeps.h"
 #include "PageLoss.h"
 
 /// One ink's colour levels: items and tables for red (0), green (1), blue (2) and
@@ -210,6 +211,9 @@ class COrloProcesser {
  private:
   [[nodiscard]] velka::CommandSink sink() noexcept {
     return {&m_pCmdBuf, &m_dwCmdLen, &m_dwCmdLen};
+  }
+  [[nodiscard]] velka::OrloInks inks() const noexcept {
+    return {m_BlackBuf, m_RedBuf, m_PageWidth, m_PageHeight};
   }
   [[nodiscard]] bool allocatePlanes() noexcept;
   void prepareTone() noexcept;
