@@ -123,6 +123,10 @@ std::optional<std::array<uint8_t, 4>> ejectMode(const tagOEMCFG& options, uint32
   }
 }
 
+std::array<uint8_t, 3> selectColour(int colour) noexcept {
+  return {kEsc, 'r', lowByte(static_cast<uint32_t>(colour))};
+}
+
 std::array<uint8_t, kBlockHeaderBytes> blockHeader(int colour, uint16_t mode,
                                                    uint32_t columns) noexcept {
   return {kEsc,

@@ -81,6 +81,9 @@ class AdvanceYMove {
 [[nodiscard]] std::optional<std::array<uint8_t, 4>> ejectMode(const tagOEMCFG& options,
                                                               uint32_t page) noexcept;
 
+/// ESC r c: the ink of the blocks that follow; `colour` is 0 black, 1 red, 2 both.
+[[nodiscard]] std::array<uint8_t, 3> selectColour(int colour) noexcept;
+
 /// ESC r c, ESC * m n: the header of a raster block. `colour` is 0 black, 1 red;
 /// `columns` goes out with its low 16 bits.
 inline constexpr size_t kBlockHeaderBytes = 8;

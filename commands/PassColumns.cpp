@@ -4,9 +4,10 @@
 
 namespace velka {
 
-bool PassColumns::allocate(int64_t width) noexcept {
+bool PassColumns::allocate(int64_t width, size_t bytesPerColumn) noexcept {
   width_ = width < 0 ? 0 : static_cast<size_t>(width);
-  columns_ = zeroedBytes(kColumnBytes * (width_ + kShortestRunSpan));
+  bytesPerColumn_ = bytesPerColumn;
+  columns_ = zeroedBytes(bytesPerColumn_ * (width_ + kShortestRunSpan));
   return columns_ != nullptr;
 }
 
@@ -21,8 +22,8 @@ void PassColumns::addRow(const uint8_t* row, int bit) noexcept {
 }
 
 std::span<const uint8_t> PassColumns::pack() noexcept {
-  const std::span<uint8_t> columns(columns_.get(), kColumnBytes * (width_ + kShortestRunSpan));
-  packRows(rows_, width_, columns);
+  const std::span<uint8_t> columns(columns_.get(), bytesPerColumn_ * (width_ + kShortestRunSpan));
+  packRows(std::span(rows_).first(8 * bytesPerColumn_), width_, columns);
   return columns;
 }
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "PassColumns.h"
-
 namespace velka {
 namespace {
 
@@ -32,23 +30,24 @@ bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
 }
 
 bool PrintRuns::isBlank(int64_t column) const noexcept {
-  const uint8_t* bytes = columns_.data() + static_cast<size_t>(column) * PassColumns::kColumnBytes;
-  return (bytes[0] | bytes[1] | bytes[2]) == 0;
+  const uint8_t* bytes = columns_.data() + static_cast<size_t>(column) * bytesPerColumn_;
+  if (bytesPerColumn_ == 3) return (bytes[0] | bytes[1] | bytes[2]) == 0;
+  return std::all_of(bytes, bytes + bytesPerColumn_, [](uint8_t byte) { return byte == 0; });
 }
 
 int64_t PrintRuns::widened(int64_t left, int64_t right) const noexcept {
-  if (right - left >= kShortestRunSpan) return right;
-  const int64_t wide = left + kShortestRunSpan;
-  return clamp_ ? std::min(wide, width_ - 1) : wide;
+  if (right - left >= rules_.shortest) return right;
+  const int64_t wide = left + rules_.shortest;
+  return rules_.clamp ? std::min(wide, width_ - 1) : wide;
 }
 
 std::optional<PrintRun> PrintRuns::next() noexcept {
   while (at_ < width_ && isBlank(at_)) ++at_;
   if (at_ >= width_) return std::nullopt;
-  const int64_t left = at_ < step_ ? 0 : at_ / step_ * step_;
+  const int64_t left = at_ / rules_.step * rules_.step;
   int64_t right = left;
   int64_t blanks = 0;
-  const int64_t end = std::min(width_, left + longestRun(step_));
+  const int64_t end = std::min(width_, left + longestRun(rules_.step));
   for (++at_; at_ < end && blanks <= kMostBlankColumns; ++at_) {
     if (isBlank(at_)) {
       ++blanks;

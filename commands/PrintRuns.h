@@ -16,18 +16,27 @@ struct PrintRun {
   int64_t right;
 };
 
+<<<<<<< HEAD:commands/PrintRuns.h
 /// Appends a raster block; `run` is what its column count is taken from.
 [[nodiscard]] bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
                                std::span<const uint8_t> data) noexcept;
+=======
+/// What makes a run of a pass's ink.
+struct RunRules {
+  int64_t step;      ///< columns between the places where blocks may start; at least 1
+  int64_t shortest;  ///< a run ends at least as many columns behind its first; below step - 1
+                     ///< the column that opens a run could lie behind its end
+  bool clamp;        ///< whether a run that is widened for that ends at the page's last column
+};
+>>>>>>> 2232884 (Plan the head's stops so that every dot is struck once, on its place):orlo/PrintRuns.h
 
 /// Yields a pass's runs from left to right.
 class PrintRuns {
  public:
-  /// @param columns three bytes a column, of which the first `width` are the page's
-  /// @param step columns in 1/60 inch, where blocks start; at least 1
-  /// @param clamp whether a widened run ends at the page's last column
-  PrintRuns(std::span<const uint8_t> columns, int64_t width, int64_t step, bool clamp) noexcept
-      : columns_(columns), width_(width), step_(step), clamp_(clamp) {}
+  /// @param columns `bytesPerColumn` bytes a column, of which the first `width` are the page's
+  PrintRuns(std::span<const uint8_t> columns, size_t bytesPerColumn, int64_t width,
+            const RunRules& rules) noexcept
+      : columns_(columns), bytesPerColumn_(bytesPerColumn), width_(width), rules_(rules) {}
 
   [[nodiscard]] std::optional<PrintRun> next() noexcept;
 
@@ -36,9 +45,9 @@ class PrintRuns {
   [[nodiscard]] int64_t widened(int64_t left, int64_t right) const noexcept;
 
   std::span<const uint8_t> columns_;
+  size_t bytesPerColumn_;
   int64_t width_;
-  int64_t step_;
-  bool clamp_;
+  RunRules rules_;
   int64_t at_ = 0;
 };
 

@@ -81,7 +81,8 @@ void BandWalk::addSlots(const Ink& ink, int64_t firstRow, int64_t coveredTo) noe
 bool BandWalk::sendRuns() noexcept {
   if (columns_.isBlank()) return true;
   const auto bytes = columns_.pack();
-  PrintRuns runs(bytes, std::max(black_.width, red_.width), resolution_.step(), layout_.clampsRuns);
+  PrintRuns runs(bytes, columns_.bytesPerColumn(), std::max(black_.width, red_.width),
+                 {resolution_.step(), kShortestRunSpan, layout_.clampsRuns});
   while (const auto run = runs.next()) {
     const auto from = static_cast<size_t>(run->left) * PassColumns::kColumnBytes;
     const auto size = static_cast<size_t>(run->right - run->left + 1) * PassColumns::kColumnBytes;
