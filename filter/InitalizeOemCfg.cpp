@@ -194,6 +194,55 @@ void InitLevelsBlack(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
   VELKA_LOG_DEBUG("Init sLevels black: %d", record->LevelsBlack);
 }
 
+void InitHalftoneBlack(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "HalftoneBlack");
+  if (!value) return;
+  record->sDitherBlack = low16(*value);
+  VELKA_LOG_DEBUG("Init sDitherBlack: %d", record->sDitherBlack);
+}
+
+void InitHalftoneRed(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "HalftoneRed");
+  if (!value) return;
+  record->sDitherRed = low16(*value);
+  VELKA_LOG_DEBUG("Init sDitherRed: %d", record->sDitherRed);
+}
+
+void InitDiffusionThreshold(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "DiffusionThreshold");
+  if (!value) return;
+  record->sDiffusionThreshold = low16(*value);
+  VELKA_LOG_DEBUG("Init sDiffusionThreshold: %d", record->sDiffusionThreshold);
+}
+
+void InitDotWeight(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "DotWeight");
+  if (!value) return;
+  record->sDotErrorFactor = low16(*value);
+  VELKA_LOG_DEBUG("Init sDotErrorFactor: %d", record->sDotErrorFactor);
+}
+
+void InitPaperEnd(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "PaperEnd");
+  if (!value) return;
+  record->sEjectMode = low16(*value);
+  VELKA_LOG_DEBUG("Init sEjectMode: %d", record->sEjectMode);
+}
+
+void InitPaperEndFirstPages(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "PaperEndFirstPages");
+  if (!value) return;
+  record->sEjectFirstCount = low16(*value);
+  VELKA_LOG_DEBUG("Init sEjectFirstCount: %d", record->sEjectFirstCount);
+}
+
+void InitPaperEndSecondPages(tagOEMCFG* record, ppd_file_t* ppd) noexcept {
+  const auto value = integerOption(record, ppd, "PaperEndSecondPages");
+  if (!value) return;
+  record->sEjectSecondCount = low16(*value);
+  VELKA_LOG_DEBUG("Init sEjectSecondCount: %d", record->sEjectSecondCount);
+}
+
 void InitalizeOemCfg(tagOEMCFG* record, ppd_file_t* ppd,
                      const cups_page_header2_t* /*header*/) noexcept {
   // Deliberate: without a PPD not even the defaults are copied.
@@ -215,5 +264,12 @@ void InitalizeOemCfg(tagOEMCFG* record, ppd_file_t* ppd,
   InitContrastBlack(record, ppd);
   InitLevelsRed(record, ppd);
   InitLevelsBlack(record, ppd);
+  InitHalftoneBlack(record, ppd);
+  InitHalftoneRed(record, ppd);
+  InitDiffusionThreshold(record, ppd);
+  InitDotWeight(record, ppd);
+  InitPaperEnd(record, ppd);
+  InitPaperEndFirstPages(record, ppd);
+  InitPaperEndSecondPages(record, ppd);
   record->sConfigured = 1;
 }

@@ -63,3 +63,17 @@ void InitContrastBlack(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
 /// Levels: codes 0 to 100 become 0 to 300 hundredths.
 void InitLevelsRed(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
 void InitLevelsBlack(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+/// "HalftoneBlack" and "HalftoneRed", a mode of velka::dither, to `sDitherBlack` and
+/// `sDitherRed`.
+void InitHalftoneBlack(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+void InitHalftoneRed(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+/// "DiffusionThreshold": the lightest value that error diffusion of the standard model
+/// prints, to `sDiffusionThreshold`.
+void InitDiffusionThreshold(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+/// "DotWeight": what a dot of it counts as, in tenths of its value, to `sDotErrorFactor`.
+void InitDotWeight(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+/// "PaperEnd", the rule of the eject-mode command, to `sEjectMode`; its cycle of
+/// "PaperEndFirstPages" and "PaperEndSecondPages" to the two counts.
+void InitPaperEnd(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+void InitPaperEndFirstPages(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
+void InitPaperEndSecondPages(tagOEMCFG* record, ppd_file_t* ppd) noexcept;
