@@ -16,11 +16,10 @@ struct PrintRun {
   int64_t right;
 };
 
-<<<<<<< HEAD:commands/PrintRuns.h
 /// Appends a raster block; `run` is what its column count is taken from.
 [[nodiscard]] bool appendBlock(const CommandSink& sink, uint16_t mode, const PrintRun& run,
                                std::span<const uint8_t> data) noexcept;
-=======
+
 /// What makes a run of a pass's ink.
 struct RunRules {
   int64_t step;      ///< columns between the places where blocks may start; at least 1
@@ -28,7 +27,6 @@ struct RunRules {
                      ///< the column that opens a run could lie behind its end
   bool clamp;        ///< whether a run that is widened for that ends at the page's last column
 };
->>>>>>> 2232884 (Plan the head's stops so that every dot is struck once, on its place):orlo/PrintRuns.h
 
 /// Yields a pass's runs from left to right.
 class PrintRuns {

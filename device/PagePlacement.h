@@ -34,6 +34,8 @@ struct BitmapView {
   uint32_t stride;
   /// Bytes from the start that were written to; those behind are white and not looked at.
   size_t stored = std::numeric_limits<size_t>::max();
+  /// Pixels of a row; what a row holds behind them is padding.
+  int64_t width = std::numeric_limits<int32_t>::max();
 };
 
 /// Copies a page into a white output bitmap of `rows` rows, moved by the offset.

@@ -6,6 +6,7 @@
 
 #include "BlockPacking.h"
 #include "CheckedMath.h"
+#include "CommandBuffer.h"
 #include "CommandBuilders.h"
 #include "DeviceHandle.h"
 #include "ESCPSML.h"
@@ -75,22 +76,10 @@ int32_t keepRedBands(_OEMPDEV& pdev, std::span<const _RECTL> bands) noexcept {
 
 }  // namespace
 
-// The commands of a page as they are collected, and the rows that the blocks of
-// each colour have reached.
-struct CESCPSML::PageStream {
-  unsigned char* bytes = nullptr;
-  unsigned int length = 0;
-  unsigned int writePosition = 0;
+// A page's commands, and the rows that the blocks of each colour have reached.
+struct CESCPSML::PageStream : velka::CommandBuffer {
   unsigned int blackY = 0;
   unsigned int redY = 0;
-
-  PageStream() = default;
-  ~PageStream() { std::free(bytes); }
-  PageStream(const PageStream&) = delete;
-  PageStream& operator=(const PageStream&) = delete;
-
-  [[nodiscard]] velka::CommandSink sink() noexcept { return {&bytes, &length, &writePosition}; }
-  [[nodiscard]] std::span<const uint8_t> commands() const noexcept { return {bytes, length}; }
 };
 
 bool CESCPSML::GetBlockDataCmd(unsigned short mode, unsigned short bytesPerColumn, _RECTL& area,
@@ -202,13 +191,25 @@ bool CESCPSML::sendPage(_DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RE
   const unsigned int copiesBefore = m_dwCopyLen;
   const bool complete =
       isSplit(devobj) ? finishBlackHalf(devobj, bands, stream) : keepForCopies(devobj, stream);
-  if (complete && endPage(devobj, stream)) {
-    m_Loss = PageLoss::None;
-    return true;
+  return finishPage(complete && endPage(devobj, stream), copiesBefore);
+}
+
+bool CESCPSML::finishPage(bool complete, unsigned int copiesBefore) noexcept {
+  if (complete) {
+    m_Loss = velka::PageLoss::None;
+  } else {
+    // Half a page must not come back among the copies of the next one.
+    m_dwCopyLen = std::min(m_dwCopyLen, copiesBefore);
   }
-  // Half a page must not come back among the copies of the next one.
-  m_dwCopyLen = std::min(m_dwCopyLen, copiesBefore);
-  return false;
+  return complete;
+}
+
+bool CESCPSML::SendPageCommands(_DEVOBJ* devobj, velka::CommandBuffer& commands) noexcept {
+  if (!velka::isComplete(devobj)) return false;
+  m_Loss = velka::PageLoss::Commands;
+  const unsigned int copiesBefore = m_dwCopyLen;
+  const bool complete = keepForCopies(*devobj, commands) && endPage(*devobj, commands);
+  return finishPage(complete, copiesBefore);
 }
 
 bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,
@@ -218,10 +219,10 @@ bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std:
   while (!bands.empty()) {
     const std::span<_RECTL> band = firstBand(bands);
     if (black) {
-      const unsigned int before = stream.length;
+      const unsigned int before = stream.length();
       if (!encodeInk(devobj, mode, band, kBlack, stream)) return false;
       // Deliberate: red follows where black went, black never where red did.
-      if (stream.length > before) stream.redY = stream.blackY;
+      if (stream.length() > before) stream.redY = stream.blackY;
     }
     if (red && !encodeInk(devobj, mode, band, kRed, stream)) return false;
     bands = bands.subspan(band.size());
@@ -234,17 +235,18 @@ bool CESCPSML::encodeInk(const _DEVOBJ& devobj, velka::BitImageMode mode, std::s
   const _OEMPDEV& pdev = *devobj.pOemPDEV;
   const short ydpi = pdev.devModeOut.dmYResolution;
   unsigned int& reached = colour == kBlack ? stream.blackY : stream.redY;
+  const velka::CommandSink sink = stream.sink();
   const int passes = passesPerBand(ydpi);
   for (int pass = 0; pass < passes; ++pass) {
-    const unsigned int before = stream.length;
+    const unsigned int before = stream.length();
     for (_RECTL& area : band) {
       if (EncodeBlockData(mode.mode, mode.bytesPerColumn, area, area, colour, xDivisorOf(pdev),
-                          &stream.bytes, &stream.length, 0, &stream.writePosition, &reached, ydpi,
-                          pass, pdev.lYCorrection) == 0)
+                          sink.buffer, sink.length, 0, sink.writePosition, &reached, ydpi, pass,
+                          pdev.lYCorrection) == 0)
         return false;
     }
     // The odd rows of an interleaved band lie one row lower.
-    const bool toOddRows = pass == 0 && passes == 2 && stream.length > before;
+    const bool toOddRows = pass == 0 && passes == 2 && stream.length() > before;
     if (toOddRows && !stream.sink().moveY(ydpi, 1)) return false;
   }
   return true;
@@ -262,18 +264,17 @@ bool CESCPSML::finishBlackHalf(_DEVOBJ& devobj, std::span<const _RECTL> bands,
   velka::writeToPrinter(stream.commands());
   m_Loss = velka::PageLoss::Rest;
   if (!keepForCopies(devobj, stream)) return false;
-  stream.length = 0;
-  stream.writePosition = 0;
+  stream.clear();
   return EncodeAndSend(&devobj, 1) != 0;
 }
 
-bool CESCPSML::keepForCopies(const _DEVOBJ& devobj, const PageStream& stream) noexcept {
+bool CESCPSML::keepForCopies(const _DEVOBJ& devobj, const velka::CommandBuffer& stream) noexcept {
   if (devobj.pOemDev->sCopies <= 1) return true;
   unsigned int end = m_dwCopyLen;
   return velka::appendAt(&m_pCopyBuf, &m_dwCopyLen, &end, stream.commands());
 }
 
-bool CESCPSML::endPage(const _DEVOBJ& devobj, PageStream& stream) noexcept {
+bool CESCPSML::endPage(const _DEVOBJ& devobj, velka::CommandBuffer& stream) noexcept {
   if (!stream.sink().append({&velka::kFormFeed, 1})) return false;
   velka::writeToPrinter(stream.commands());
   m_Loss = velka::PageLoss::Copies;

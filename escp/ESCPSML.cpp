@@ -86,14 +86,15 @@ bool makeOutput(_OEMPDEV& pdev, uint32_t size) {
 void copyToOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& services) {
   const BitmapView source = {{pdev.pBufStart, pdev.pBufStart == nullptr ? 0 : pdev.dwBufSize},
                              pdev.dwBytesPerLine,
-                             storedPage(pdev).size()};
+                             storedPage(pdev).size(),
+                             pdev.bmInfoHeader.biWidth};
   const BitmapView output = {{pdev.pBufStartOut, pdev.dwBufSizeOut}, pdev.dwBytesPerLineOut};
   const size_t size = output.bytes.size();
   const size_t written = pdev.dwWhiteRows == 0 ? size : placedBytes(source, output, offset);
   std::memset(output.bytes.data(), 0xFF, written);
   if (size > written) pdev.dwWhiteRowsOut = static_cast<uint32_t>((size - written) / output.stride);
   if (!source.bytes.empty() && !output.bytes.empty())
-    placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
+    services.placePage(source, output, pdev.bmInfoHeaderOut.biHeight, offset);
   services.freePageBuffer(&pdev);
 }
 
@@ -156,22 +157,22 @@ bool tellLoss(const _OEMPDEV& pdev, PageLoss loss) {
   return false;
 }
 
-bool sendOrloPage(_DEVOBJ& devobj, const PageServices& services) {
+// Whether the page was sent, its loss told.
+bool sendBy(bool (*send)(_DEVOBJ&, PageLoss&), _DEVOBJ& devobj) {
   PageLoss loss = PageLoss::None;
-  const bool sent = services.sendOrloPage != nullptr && services.sendOrloPage(devobj, loss);
+  const bool sent = send != nullptr && send(devobj, loss);
   tellLoss(*devobj.pOemPDEV, loss);
-  writeToPrinter({&kFormFeed, 1});
-  return sent;
-}
-
-bool sendStandardPage(_DEVOBJ& devobj) {
-  CESCPSML& generator = *devobj.pOemPDEV->pEscpSml;
-  const bool sent = generator.SendCurPage3(&devobj, false) != 0;
-  tellLoss(*devobj.pOemPDEV, generator.LostForMemory());
   return sent;
 }
 
 }  // namespace
+
+bool sendStandardPage(_DEVOBJ& devobj, PageLoss& loss) noexcept {
+  CESCPSML& generator = *devobj.pOemPDEV->pEscpSml;
+  const bool sent = generator.SendCurPage3(&devobj, false) != 0;
+  loss = generator.LostForMemory();
+  return sent;
+}
 
 bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
   if (!isComplete(devobj)) return false;
@@ -180,7 +181,7 @@ bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
   logRecords(*devobj);
   startOutput(*devobj);
   const PageOffset offset = printOffset(*devobj->pOemDev, pdev.devModeOut);
-  growGeometry(pdev, pdev.devModeOut.dmOrientation, offset);
+  services.growGeometry(pdev, pdev.devModeOut.dmOrientation, offset);
   pdev.pEscpSml->SendStartDocCmd(devobj);
   VELKA_LOG_DEBUG("RenderEscpData after SendStartDocCmd");
   if (!fillOutput(pdev, offset, services)) return tellLoss(pdev, PageLoss::Output);
@@ -188,8 +189,10 @@ bool renderPage(_DEVOBJ* devobj, const PageServices& services) noexcept {
   rotateOutput(pdev, quarterTurns(devobj->pOemDev->sRotation, pdev.devModeOut.dmOrientation),
                processing, services);
   services.freeSections(&pdev);
-  if (devobj->nModel == kOrloModel) return sendOrloPage(*devobj, services);
-  return sendStandardPage(*devobj);
+  if (devobj->nModel != kOrloModel) return sendBy(services.sendStandardPage, *devobj);
+  const bool sent = sendBy(services.sendOrloPage, *devobj);
+  writeToPrinter({&kFormFeed, 1});
+  return sent;
 }
 
 }  // namespace velka

@@ -13,8 +13,10 @@
 #include "CopyPages.h"
 #include "DeviceRecords.h"
 #include "PageLoss.h"
+#include "PagePlacement.h"
 
 namespace velka {
+class CommandBuffer;
 class InkRules;
 }  // namespace velka
 
@@ -94,6 +96,17 @@ class CESCPSML {
   /// when the planes cannot be allocated. The second argument is not used.
   int SendCurPage3(_DEVOBJ* devobj, bool unused) noexcept;
 
+  /// The first half of SendCurPage3, for another encoder: separates and halftones the
+  /// output bitmap of the device record into the planes below, of which PlaneRows() rows
+  /// hold anything; the others count as white. Where `toPageEnd` those are all: there are
+  /// halftones that put dots on white paper. False without a complete handle or memory.
+  bool MakePlanes(_DEVOBJ* devobj, bool toPageEnd) noexcept;
+  [[nodiscard]] int PlaneRows() const noexcept { return m_nPlaneRows; }
+  void ReleasePlanes() noexcept;
+  /// The end of the second half: sends a page's commands and a form feed, which is
+  /// appended to them, and sees to the copies. False when memory runs out.
+  bool SendPageCommands(_DEVOBJ* devobj, velka::CommandBuffer& commands) noexcept;
+
   /// Halftones `rows` x `width` bytes (rows `stride` apart) from `in` to `out`, which
   /// may be one plane: 0 = dot, 255 = none. Modes: 1 threshold, 3 to 6 ordered screens, any other
   /// error diffusion, which modifies `in`. Returns 1.
@@ -155,8 +168,7 @@ class CESCPSML {
   struct PageStream;
 
   [[nodiscard]] bool allocatePlanes() noexcept;
-  void releasePlanes() noexcept;
-  [[nodiscard]] bool separatePage(_DEVOBJ& devobj) noexcept;
+  [[nodiscard]] bool separatePage(_DEVOBJ& devobj, bool toPageEnd) noexcept;
   void clearPlaneRows(int first, int end) noexcept;
   void clearPlanesTo(int row) noexcept;
   void separateBand(_OEMPDEV& pdev, const velka::InkRules& rules, int top, int bottom) noexcept;
@@ -172,8 +184,10 @@ class CESCPSML {
                                std::span<_RECTL> band, int colour, PageStream& stream) noexcept;
   [[nodiscard]] bool finishBlackHalf(_DEVOBJ& devobj, std::span<const _RECTL> bands,
                                      PageStream& stream) noexcept;
-  [[nodiscard]] bool keepForCopies(const _DEVOBJ& devobj, const PageStream& stream) noexcept;
-  [[nodiscard]] bool endPage(const _DEVOBJ& devobj, PageStream& stream) noexcept;
+  [[nodiscard]] bool finishPage(bool complete, unsigned int copiesBefore) noexcept;
+  [[nodiscard]] bool keepForCopies(const _DEVOBJ& devobj,
+                                   const velka::CommandBuffer& stream) noexcept;
+  [[nodiscard]] bool endPage(const _DEVOBJ& devobj, velka::CommandBuffer& stream) noexcept;
   [[nodiscard]] bool repeatPage(const _DEVOBJ& devobj) noexcept;
   void repeatKept(int times) const noexcept;
 
@@ -195,16 +209,25 @@ bool RenderEscpData(_DEVOBJ* devobj) noexcept;
 
 namespace velka {
 
+/// The standard model's page as its printers have always been sent it.
+bool sendStandardPage(_DEVOBJ& devobj, PageLoss& loss) noexcept;
+
 /// What the renderer borrows from above: the page buffers, which belong to the
-/// front end, and the Orlo model's encoder.
+/// front end, and how pages are put on paper.
 struct PageServices {
   void (*freePageBuffer)(_OEMPDEV* pdev);
   /// The page buffer becomes the output buffer.
   void (*movePageBuffer)(_OEMPDEV* pdev);
   void (*freeOutputBuffer)(_OEMPDEV* pdev);
   void (*freeSections)(_OEMPDEV* pdev);
-  /// Encodes the output bitmap and writes its commands; false where there are none.
-  /// `loss` is what memory that ran out took from the page.
+  // How a page is put on paper: where it lies, and the encoder of each model. Those write
+  // the output bitmap's commands and return false where there are none; `loss` is what
+  // memory that ran out took from the page. The standard model's ends the page, too.
+  void (*growGeometry)(_OEMPDEV& pdev, int16_t orientation,
+                       const PageOffset& offset) = velka::growGeometry;
+  void (*placePage)(const BitmapView& source, const BitmapView& output, int32_t rows,
+                    const PageOffset& offset) = velka::placePage;
+  bool (*sendStandardPage)(_DEVOBJ& devobj, PageLoss& loss) = velka::sendStandardPage;
   bool (*sendOrloPage)(_DEVOBJ& devobj, PageLoss& loss);
 };
 

@@ -65,12 +65,19 @@ void dropTree(_OEMPDEV& pdev) noexcept {
 }  // namespace
 
 CESCPSML::~CESCPSML() {
-  releasePlanes();
+  ReleasePlanes();
   std::free(m_pCopyBuf);
 }
 
 int CESCPSML::SendCurPage3(_DEVOBJ* devobj, bool /*unused*/) noexcept {
   if (!velka::isComplete(devobj)) return 0;
+  const int result = MakePlanes(devobj, false) ? EncodeAndSend(devobj, 0) : 0;
+  ReleasePlanes();
+  return result;
+}
+
+bool CESCPSML::MakePlanes(_DEVOBJ* devobj, bool toPageEnd) noexcept {
+  if (!velka::isComplete(devobj)) return false;
   const _OEMPDEV& pdev = *devobj->pOemPDEV;
   m_sYResolution = pdev.devModeOut.dmYResolution;
   // The plus makes a value of a field that, packed, cannot be referred to.
@@ -80,18 +87,15 @@ int CESCPSML::SendCurPage3(_DEVOBJ* devobj, bool /*unused*/) noexcept {
   m_nBlackFlag = 0;
   m_nRedFlag = 0;
   m_Loss = velka::PageLoss::None;
-  int result = 0;
   // A band that is missing would be half a page, which is worse than none.
   if (!allocatePlanes()) {
     m_Loss = velka::PageLoss::Planes;
-  } else if (!separatePage(*devobj)) {
+  } else if (!separatePage(*devobj, toPageEnd)) {
     m_Loss = velka::PageLoss::Bands;
   } else {
     halftonePlanes(*devobj);
-    result = EncodeAndSend(devobj, 0);
   }
-  releasePlanes();
-  return result;
+  return m_Loss == velka::PageLoss::None;
 }
 
 bool CESCPSML::allocatePlanes() noexcept {
@@ -108,7 +112,7 @@ bool CESCPSML::allocatePlanes() noexcept {
   return provide(m_pBlackBuf, m_dwBlackSize) && provide(m_pRedBuf, m_dwRedSize);
 }
 
-void CESCPSML::releasePlanes() noexcept {
+void CESCPSML::ReleasePlanes() noexcept {
   const auto release = [](unsigned char*& plane, unsigned int& size) {
     std::free(plane);
     plane = nullptr;
@@ -119,7 +123,7 @@ void CESCPSML::releasePlanes() noexcept {
   release(m_pImgBuf, m_dwImgSize);
 }
 
-bool CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
+bool CESCPSML::separatePage(_DEVOBJ& devobj, bool toPageEnd) noexcept {
   _OEMPDEV& pdev = *devobj.pOemPDEV;
   const velka::InkRules rules = velka::compileInkRules(*devobj.pOemDev);
   dropTree(pdev);
@@ -144,7 +148,7 @@ bool CESCPSML::separatePage(_DEVOBJ& devobj) noexcept {
     row = end;
   }
   if (m_nPlaneRows > 0) clearPlanesTo(velka::saturatingAdd(lastTop, kTallestBlock));
-  if (m_nImgFlag != 0) clearPlanesTo(m_nPageHeight);
+  if (m_nImgFlag != 0 || toPageEnd) clearPlanesTo(m_nPageHeight);
   return true;
 }
 

@@ -10,13 +10,14 @@ namespace {
 
 constexpr int64_t kPixelBytes = 3;
 
-// Whole pixels of a row.
 int64_t rowBytes(const BitmapView& bitmap) noexcept {
-  return bitmap.stride / kPixelBytes * kPixelBytes;
+  return std::min<int64_t>(bitmap.stride / kPixelBytes, bitmap.width) * kPixelBytes;
 }
 
+// Those that hold anything.
 int64_t rowsIn(const BitmapView& bitmap) noexcept {
-  return bitmap.stride == 0 ? 0 : static_cast<int64_t>(bitmap.bytes.size()) / bitmap.stride;
+  const auto stored = static_cast<int64_t>(std::min(bitmap.stored, bitmap.bytes.size()));
+  return bitmap.stride == 0 ? 0 : stored / bitmap.stride;
 }
 
 }  // namespace
@@ -25,9 +26,8 @@ void growGeometryExactly(_OEMPDEV& pdev, int16_t orientation, const PageOffset& 
   const GDIINFO source = pdev.srcGdiInfo;
   growGeometry(pdev, orientation, offset);
   pdev.srcGdiInfo = source;
-  const tagSIZE grown = pdev.devGdiInfo.szlPhysSize;
-  const int32_t height = truncateToInt32(pdev.bmInfoHeader.biHeight / pdev.dScaleY);
-  pdev.devGdiInfo.szlPhysSize = {grown.cx, height};
+  pdev.devGdiInfo.szlPhysSize = {truncateToInt32(pdev.bmInfoHeader.biWidth / pdev.dScaleX),
+                                 truncateToInt32(pdev.bmInfoHeader.biHeight / pdev.dScaleY)};
 }
 
 void placePageExactly(const BitmapView& source, const BitmapView& output, int32_t rows,

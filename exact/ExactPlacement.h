@@ -8,7 +8,7 @@ namespace velka {
 
 /// As growGeometry, but the form stays as long as the page itself: the source keeps its
 /// size, so that an offset adds nothing from page to page, and the output's physical
-/// height is the page's own, whichever page of the job it is.
+/// size is the page's own, whichever page of the job it is.
 void growGeometryExactly(_OEMPDEV& pdev, int16_t orientation, const PageOffset& offset) noexcept;
 
 /// Copies a page into a white output bitmap, moved by the offset: each pixel that both

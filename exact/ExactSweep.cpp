@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "BandWalk.h"
+#include "HeadResolution.h"
 
 namespace velka {
 namespace {

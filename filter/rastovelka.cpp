@@ -9,6 +9,7 @@
 #include <span>
 
 #include "CheckedMath.h"
+#include "DotPlacement.h"
 #include "ESCPSML.h"
 #include "FixedText.h"
 #include "GrowingBuffer.h"
@@ -85,6 +86,9 @@ void readRaster(const cups_page_header2_t& header, const PageSource& from, int p
 void readPage(const cups_page_header2_t& header, const PageSource& from, char* ppmName,
               int page) noexcept {
   readRaster(header, from, page);
+  // The original stream takes every page for as wide as the first.
+  if (velka::placement() == velka::DotPlacement::Exact)
+    g_oemPDEV.bmInfoHeader.biWidth = asInt(header.cupsWidth);
   if (velka::pagesComeFromPdf(from.ppd))
     UsePdfprocess(from.ppd, ppmName, from.argv, page, header, from.pdfPath);
   VELKA_LOG_DEBUG("After getting data");
@@ -203,6 +207,8 @@ void StartDoc(ppd_file_t* ppd, cups_page_header2_t header) noexcept {
   InitOemPDEV(&g_oemPDEV, &header);
   const bool orlo = ppd != nullptr && ppd->model_number == kOrloModelNumber;
   g_devObj = {&g_oemPDEV, &g_devMode, &g_oemCfg, orlo ? 1 : 0};
+  velka::setPlacement(velka::chosenPlacement(ppd));
+  if (velka::placement() == velka::DotPlacement::Exact) VELKA_LOG_DEBUG("Init DotPlacement: 1");
   VELKA_LOG_DEBUG("Initializing configures finish");
   StartDocOemPDEV(&g_oemPDEV);
   if (g_oemPDEV.pEscpSml != nullptr) g_oemPDEV.pEscpSml->SetCancelFlag(&Canceled);

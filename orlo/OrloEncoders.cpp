@@ -49,7 +49,7 @@ int COrloProcesser::Encode2EscpSmlNoSlipt(unsigned char** output, unsigned int c
                                           int currentRow) noexcept {
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution ||
-      !velka::printUnsplit(inks(), {velka::kFrontFeedHead, *resolution, currentRow}, sink()))
+      !velka::printUnsplit(Inks(), {velka::kFrontFeedHead, *resolution, currentRow}, sink()))
     return 0;
   return sizeOutput(output, capacity, outputLength);
 }
@@ -59,9 +59,9 @@ int COrloProcesser::Encode2EscpSmlNoSliptFeedFromBack(unsigned char** output, un
                                                       int verticalDpi, int /*feedMode*/,
                                                       int currentRow) noexcept {
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
-  if (!resolution || inks().isEmpty()) return 0;
+  if (!resolution || Inks().isEmpty()) return 0;
   if (!appendColorMode(kBothColours) ||
-      !velka::printUnsplit(inks(), {velka::kBackFeedHead, *resolution, currentRow}, sink()))
+      !velka::printUnsplit(Inks(), {velka::kBackFeedHead, *resolution, currentRow}, sink()))
     return 0;
   return sizeOutput(output, capacity, outputLength);
 }
@@ -72,7 +72,7 @@ int COrloProcesser::Encode2EscpSmlHaveSlipt(unsigned char** output, unsigned int
                                             short colour) noexcept {
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution || (colour != kBlack && colour != kRed)) return 0;
-  if (!velka::printSplit(inks(), {velka::kFrontFeedHead, *resolution, currentRow}, colour == kRed,
+  if (!velka::printSplit(Inks(), {velka::kFrontFeedHead, *resolution, currentRow}, colour == kRed,
                          nullptr, sink()))
     return 0;
   return sizeOutput(output, capacity, outputLength);
@@ -87,9 +87,9 @@ int COrloProcesser::Encode2EscpSmlHaveSliptFeedFromBack(
   static int32_t printY = 0;
   const auto resolution = velka::headResolution(horizontalDpi, verticalDpi);
   if (!resolution || (colour != kBlack && colour != kRed)) return 0;
-  if (inks().isEmpty()) return 0;
+  if (Inks().isEmpty()) return 0;
   if (colour == kBlack && !appendColorMode(kBothColours)) return 0;
-  if (!velka::printSplit(inks(), {velka::kBackFeedHead, *resolution, currentRow}, colour == kRed,
+  if (!velka::printSplit(Inks(), {velka::kBackFeedHead, *resolution, currentRow}, colour == kRed,
                          &printY, sink()))
     return 0;
   return sizeOutput(output, capacity, outputLength);

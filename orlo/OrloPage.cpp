@@ -33,22 +33,25 @@ _COLORCFG_ORLO colourConfig(const tagOEMCFG& options) noexcept {
 
 }  // namespace
 
+void configure(COrloProcesser& processor, const _DEVOBJ& devobj) noexcept {
+  processor.EnableFaceDet(devobj.pOemDev->sFaceDetect == 1);
+  processor.SetColorCFG(colourConfig(*devobj.pOemDev));
+  processor.SetWhiteRows(devobj.pOemPDEV->dwWhiteRowsOut);
+}
+
 bool sendOrloPage(_DEVOBJ& devobj, PageLoss& loss) noexcept {
   loss = PageLoss::None;
   if (!isComplete(&devobj)) return false;
   const _OEMPDEV& pdev = *devobj.pOemPDEV;
-  const tagOEMCFG& options = *devobj.pOemDev;
   COrloProcesser processor;
-  processor.EnableFaceDet(options.sFaceDetect == 1);
-  processor.SetColorCFG(colourConfig(options));
-  processor.SetWhiteRows(pdev.dwWhiteRowsOut);
+  configure(processor, devobj);
   unsigned char* commands = nullptr;
   unsigned int length = 0;
   // Pages without pixels end in there.
   (void)processor.GetOrloPrintCmd(
       pdev.pBufStartOut, pdev.dwBufSizeOut, pdev.bmInfoHeaderOut.biWidth,
       pdev.bmInfoHeaderOut.biHeight, &commands, 0, &length, pdev.pszJobText,
-      pdev.devModeOut.dmPrintQuality, pdev.devModeOut.dmYResolution, options.sModel);
+      pdev.devModeOut.dmPrintQuality, pdev.devModeOut.dmYResolution, devobj.pOemDev->sModel);
   loss = processor.LostForMemory();
   const MallocBytes owned(commands);
   if (owned == nullptr) return false;

@@ -4,7 +4,12 @@
 #include "DeviceRecords.h"
 #include "PageLoss.h"
 
+class COrloProcesser;
+
 namespace velka {
+
+/// Sets the processor up for a page of the device record, which must be complete.
+void configure(COrloProcesser& processor, const _DEVOBJ& devobj) noexcept;
 
 /// Encodes the output bitmap of the device record with the job's options and writes
 /// the commands to standard output. True when there were any; false for a page

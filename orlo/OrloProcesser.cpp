@@ -72,11 +72,7 @@ int COrloProcesser::GetOrloPrintCmd(const unsigned char* bitmap, unsigned int bi
                                     int horizontalDpi, int verticalDpi, int feedMode) noexcept {
   if (bitmap == nullptr || output == nullptr || outputLength == nullptr) return kNullPointer;
   if (width <= 0 || height <= 0) return kNoInkOnPage;
-  m_PageWidth = width;
-  m_PageHeight = height;
-  m_Loss = velka::PageLoss::None;
-  if (!allocatePlanes() || !separatePage(bitmap, bitmapSize, verticalDpi, feedMode)) {
-    m_Loss = velka::PageLoss::Planes;
+  if (!MakePlanes(bitmap, bitmapSize, width, height, verticalDpi, feedMode)) {
     *outputLength = 0;
     return kNoCommands;
   }
@@ -88,6 +84,16 @@ int COrloProcesser::GetOrloPrintCmd(const unsigned char* bitmap, unsigned int bi
     m_Loss = m_pCmdBuf == nullptr ? velka::PageLoss::Commands : velka::PageLoss::Rest;
   // What counts is the command buffer, not the encoder's opinion of it.
   return handOver(output, capacity, outputLength);
+}
+
+bool COrloProcesser::MakePlanes(const unsigned char* bitmap, unsigned int bitmapSize, int width,
+                                int height, int verticalDpi, int feedMode) noexcept {
+  if (bitmap == nullptr || width <= 0 || height <= 0) return false;
+  m_PageWidth = width;
+  m_PageHeight = height;
+  const bool made = allocatePlanes() && separatePage(bitmap, bitmapSize, verticalDpi, feedMode);
+  m_Loss = made ? velka::PageLoss::None : velka::PageLoss::Planes;
+  return made;
 }
 
 bool COrloProcesser::allocatePlanes() noexcept {
@@ -118,7 +124,8 @@ bool COrloProcesser::separatePage(const unsigned char* bitmap, unsigned int bitm
   const velka::InkRules rules(routing,
                               velka::InkTone{m_BrightnessBlack, m_ContrastBlack, m_LevelsBlack},
                               velka::InkTone{m_BrightnessRed, m_ContrastRed, m_LevelsRed});
-  const velka::OrloBitmap page = {{bitmap, bitmapSize}, m_PageWidth, m_PageHeight, m_WhiteRows};
+  const velka::OrloBitmap page = {
+      {bitmap, bitmapSize}, m_PageWidth, m_PageHeight, m_WhiteRows, m_LastRowCounts};
   const auto heads = velka::headDistance(verticalDpi, feedMode);
   if (velka::classPage(page, rules, m_OutputColorType, heads,
                        {m_BlackBuf, m_RedBuf, discarded.get()}))

@@ -50,6 +50,9 @@ class COrloProcesser {
   void SetColorCFG(_COLORCFG_ORLO config) noexcept;
   /// Rows at the bitmap's end that hold nothing and count as white; none by default.
   void SetWhiteRows(uint32_t rows) noexcept { m_WhiteRows = rows; }
+  /// Whether the page's last row counts where one of the inks is on no other; it does not
+  /// by default.
+  void SetLastRowCounts(bool counts) noexcept { m_LastRowCounts = counts; }
 
   // --- The page.
 
@@ -72,6 +75,15 @@ class COrloProcesser {
                       unsigned char** output, unsigned int capacity, unsigned int* outputLength,
                       const wchar_t* name, int horizontalDpi, int verticalDpi,
                       int feedMode) noexcept;
+
+  /// The first half of GetOrloPrintCmd, for another encoder: separates and halftones a page
+  /// of pixels into the planes below. False without a bitmap or memory.
+  bool MakePlanes(const unsigned char* bitmap, unsigned int bitmapSize, int width, int height,
+                  int verticalDpi, int feedMode) noexcept;
+  /// The page's planes.
+  [[nodiscard]] velka::OrloInks Inks() const noexcept {
+    return {m_BlackBuf, m_RedBuf, m_PageWidth, m_PageHeight};
+  }
 
   /// What of the page was lost because memory ran out.
   [[nodiscard]] velka::PageLoss LostForMemory() const noexcept { return m_Loss; }
@@ -212,9 +224,6 @@ class COrloProcesser {
   [[nodiscard]] velka::CommandSink sink() noexcept {
     return {&m_pCmdBuf, &m_dwCmdLen, &m_dwCmdLen};
   }
-  [[nodiscard]] velka::OrloInks inks() const noexcept {
-    return {m_BlackBuf, m_RedBuf, m_PageWidth, m_PageHeight};
-  }
   [[nodiscard]] bool allocatePlanes() noexcept;
   void prepareTone() noexcept;
   [[nodiscard]] bool separatePage(const unsigned char* bitmap, unsigned int bitmapSize,
@@ -229,5 +238,6 @@ class COrloProcesser {
   void addPixel(velka::OrloPlane& plane, uint8_t value, tagPOINT point, uint32_t rowWidth) noexcept;
 
   uint32_t m_WhiteRows = 0;
+  bool m_LastRowCounts = false;
   velka::PageLoss m_Loss = velka::PageLoss::None;
 };

@@ -55,7 +55,7 @@ bool classPage(const OrloBitmap& page, const InkRules& rules, int outputColorTyp
     if (isBlankRow(bytes)) continue;
     // Deliberate: the last row counts only where both inks are on the page already.
     const bool bothInks = planes.black.hasData && planes.red.hasData;
-    if (row == page.height - 1 && !bothInks) break;
+    if (row == page.height - 1 && !bothInks && !page.lastRowCounts) break;
     stored |=
         classRow(bytes.first(pixelBytes), page.width, row, rules, outputColorType, heads, planes);
   }

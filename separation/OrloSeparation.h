@@ -16,6 +16,7 @@ struct OrloBitmap {
   int64_t width;
   int64_t height;
   int64_t whiteRows = 0;
+  bool lastRowCounts = false;  ///< whatever inks are above it
 };
 
 /// Rows at the top of the page that an ink's head, lying that far down the paper

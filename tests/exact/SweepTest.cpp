@@ -23,7 +23,7 @@ struct Planes {
         black(static_cast<size_t>(w) * static_cast<size_t>(h), 255),
         red(black) {}
   [[nodiscard]] DotPlane plane(int ink) const {
-    return {ink == 0 ? black.data() : red.data(), width, height};
+    return {ink == 0 ? black.data() : red.data(), width, height, height};
   }
   void dot(int ink, int row, int column) {
     (ink == 0 ? black : red)[static_cast<size_t>(row) * static_cast<size_t>(width) +
