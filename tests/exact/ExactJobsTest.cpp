@@ -1,0 +1,88 @@
+// Whole jobs with DotPlacement 1: what the streams strike, by two readers that know
+// nothing of the encoders, is what the literal pipeline's planes hold.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "PageReader.h"
+#include "exact/Job.h"
+
+namespace velka::exacttest {
+namespace {
+
+std::vector<Struck> decoded(const Bytes& stream, int model) {
+  using namespace velka::decode;
+  const Model head = model == kOrlo ? Model::OrloBack : Model::Standard;
+  PageReader reader({stream.data(), stream.size()}, head);
+  std::vector<Struck> pages;
+  while (const auto page = reader.next()) {
+    Struck struck;
+    for (const Block& block : page->blocks)
+      forEachDot(block, head, [&](Ink ink, int64_t x, int64_t y) {
+        ++struck[{ink == Ink::Black ? 0 : 1, y, x}];
+      });
+    pages.push_back(std::move(struck));
+  }
+  EXPECT_FALSE(reader.fault()) << reader.fault()->what;
+  return pages;
+}
+
+void expectPaper(const Job& job) {
+  const Bytes stream = print(job, true);
+  const std::vector<Struck> expected = wanted(job);
+  const PrintedJob paper = printOut(stream, job.pins());
+  ASSERT_FALSE(paper.fault) << *paper.fault;
+  EXPECT_FALSE(paper.rest);
+  ASSERT_EQ(paper.pages.size(), expected.size());
+  EXPECT_EQ(decoded(stream, job.model), expected);
+  const bool split = job.options.SplitBlackRed == 1;
+  for (size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_EQ(paper.pages[i].struck, expected[i]) << "page " << i + 1;
+    EXPECT_LE(paper.pages[i].movesBack, split ? 1 : 0) << "page " << i + 1;
+  }
+}
+
+bool holds(const Struck& struck, const Struck& dots) {
+  return std::all_of(dots.begin(), dots.end(),
+                     [&](const auto& dot) { return struck.count(dot.first) != 0; });
+}
+
+// Compares what pages cost that the original stream prints whole.
+void expectNoMore(const Job& job, int& compared) {
+  const PrintedJob original = printOut(print(job, false), job.pins());
+  const PrintedJob exact = printOut(print(job, true), job.pins());
+  const std::vector<Struck> dots = wanted(job);
+  ASSERT_EQ(exact.pages.size(), dots.size());
+  if (original.pages.size() != dots.size()) return;
+  for (size_t i = 0; i < dots.size(); ++i) {
+    if (!holds(original.pages[i].struck, dots[i])) continue;
+    ++compared;
+    EXPECT_LE(exact.pages[i].bytes, original.pages[i].bytes) << "page " << i + 1;
+    EXPECT_LE(exact.pages[i].passes, original.pages[i].passes) << "page " << i + 1;
+    EXPECT_LE(exact.pages[i].moves, original.pages[i].moves) << "page " << i + 1;
+  }
+}
+
+TEST(ExactJobs, StrikeEveryDotOfTheLiteralPlanesOnce) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  constexpr unsigned kJobs = 60;
+#else
+  constexpr unsigned kJobs = 250;
+#endif
+  for (unsigned seed = 1; seed <= kJobs && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    expectPaper(randomJob(seed));
+  }
+}
+
+TEST(ExactJobs, CostNoMoreThanTheOriginalStreamWhereThatPrintsAll) {
+  int compared = 0;
+  for (unsigned seed = 1001; seed <= 1100 && !HasFailure(); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    expectNoMore(randomJob(seed), compared);
+  }
+  EXPECT_GE(compared, 20);
+}
+
+}  // namespace
+}  // namespace velka::exacttest
