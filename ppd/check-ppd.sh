@@ -55,15 +55,20 @@ done
 sizes_of() { sed -n "s|^\*$1 \([^/]*\)/[^:]*: \"$2\(.*\)\"|\1 \3|p" "$ppd"; }
 equal "printable areas" "$(sizes_of ImageableArea '\(0 0 \)')" "$(sizes_of PaperDimension '\(\)')"
 has_line '*PaperDimension 240x140mm/Fanfold 240 x 140 mm (5 1/2 in): "680.315002441406 396"'
-equal options "$(grep -c '^\*OpenUI ' "$ppd")" 25
+# The Orlo model takes neither error diffusion's two numbers nor the paper-end rule.
+options=28
+((model != 1)) || options=33
+equal options "$(grep -c '^\*OpenUI ' "$ppd")" "$options"
 equal resolutions "$(grep -c '^\*Resolution ' "$ppd")" 10
 
 option PdfPreprocess 0
 grep -q '^\*PdfPreprocess yes/.*: "1"$' "$ppd" || fail "PdfPreprocess has no choice yes"
 for keyword in HorizontalOffset HorizontalOffsetValue VerticalOffset VerticalOffsetValue \
-  AnticlockwiseRotate GreenMinValue BlueMinValue SplitBlackRed; do
+  AnticlockwiseRotate GreenMinValue BlueMinValue SplitBlackRed DotPlacement; do
   option "$keyword" 0
 done
+has_line '*DotPlacement 0/As the original stream: "0"'
+grep -qE '^\*DotPlacement 1/Exact.*: "1"$' "$ppd" || fail "DotPlacement has no exact choice"
 option OutputColorType 3
 option ColorRangeUseFor 2
 option RedMinValue "$red_minimum"
@@ -75,6 +80,15 @@ for keyword in BrightnessRed BrightnessBlack ContrastRed ContrastBlack; do
 done
 option LevelsBlack 10
 option LevelsRed -1
+for keyword in HalftoneBlack HalftoneRed; do
+  option "$keyword" -1
+  equal "modes of $keyword" "$(grep -c "^\*$keyword [^ ]*/" "$ppd")" 6
+done
+if ((model == 1)); then
+  for keyword in DiffusionThreshold DotWeight PaperEnd PaperEndFirstPages PaperEndSecondPages; do
+    option "$keyword" -1
+  done
+fi
 
 for resolution in '180 180' '60 180' '90 180' '120 180' '360 180' '360 360' \
   '60 60' '80 60' '90 60' '120 60'; do

@@ -39,7 +39,7 @@ files_of() {
   done
   echo "f 0755 bin/velkaview"
   echo "f 0644 share/cups/drv/velka.drv"
-  for name in distance levels limit options paper pdfcopy tone; do
+  for name in count distance halftone levels limit options paper pdfcopy standard tone; do
     echo "f 0644 share/cups/ppdc/velka/$name.defs"
   done
   for name in orlo standard; do
