@@ -13,6 +13,7 @@ packages=(
   poppler-utils                         # pdftoppm, pdfinfo
   libcairo2-dev libpng-dev              # pictures of pages
   libgtest-dev libgmock-dev locales     # tests, some of them in German
+  zbar-tools                            # zbarimg, for the tests of barcodes
 )
 
 case "${1:-}" in
