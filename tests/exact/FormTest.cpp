@@ -13,7 +13,7 @@ using testing::inkedPage;
 using testing::rgbHeader;
 using testing::whitePage;
 
-Job jobOf(std::vector<RasterPage> pages) {
+Job standardJob(std::vector<RasterPage> pages) {
   Job job;
   job.pages = std::move(pages);
   return job;
@@ -21,10 +21,10 @@ Job jobOf(std::vector<RasterPage> pages) {
 
 TEST(ExactForm, ABlankPageFeedsItsForm) {
   const auto header = rgbHeader(60, 180);
-  const Job job = jobOf({inkedPage(header, 1), whitePage(header), inkedPage(header, 2)});
+  const Job job = standardJob({inkedPage(header, 1), whitePage(header), inkedPage(header, 2)});
   EXPECT_EQ(printOut(print(job, true), Pins::Standard).pages.size(), 3U);
   EXPECT_EQ(printOut(print(job, false), Pins::Standard).pages.size(), 2U);
-  const PrintedJob blank = printOut(print(jobOf({whitePage(header)}), true), Pins::Standard);
+  const PrintedJob blank = printOut(print(standardJob({whitePage(header)}), true), Pins::Standard);
   ASSERT_EQ(blank.pages.size(), 1U);
   EXPECT_TRUE(blank.pages[0].struck.empty());
 }
@@ -32,7 +32,7 @@ TEST(ExactForm, ABlankPageFeedsItsForm) {
 TEST(ExactForm, IsAsLongAsThePageWhateverItsOffset) {
   const auto header = rgbHeader(60, 1800);
   for (const int direction : {0, 1}) {
-    Job job = jobOf({inkedPage(header, 1), inkedPage(header, 2), inkedPage(header, 3)});
+    Job job = standardJob({inkedPage(header, 1), inkedPage(header, 2), inkedPage(header, 3)});
     job.choose("VerticalOffset", direction);
     job.choose("VerticalOffsetValue", 20);
     const PrintedJob exact = printOut(print(job, true), Pins::Standard);
@@ -44,7 +44,7 @@ TEST(ExactForm, IsAsLongAsThePageWhateverItsOffset) {
 }
 
 TEST(ExactForm, OfALaterPageIsThatPagesOwn) {
-  const Job job = jobOf({inkedPage(rgbHeader(60, 360), 1), inkedPage(rgbHeader(60, 720), 2)});
+  const Job job = standardJob({inkedPage(rgbHeader(60, 360), 1), inkedPage(rgbHeader(60, 720), 2)});
   const PrintedJob exact = printOut(print(job, true), Pins::Standard);
   ASSERT_EQ(exact.pages.size(), 2U);
   EXPECT_EQ(exact.pages[0].formLines, 12);
@@ -53,7 +53,7 @@ TEST(ExactForm, OfALaterPageIsThatPagesOwn) {
 
 TEST(ExactForm, IsEjectedRightBeforeTheFormFeedSplitOrNot) {
   for (const int split : {0, 1}) {
-    Job job = jobOf({inkedPage(rgbHeader(60, 200), 1)});
+    Job job = standardJob({inkedPage(rgbHeader(60, 200), 1)});
     job.choose("SplitBlackRed", split);
     job.choose("PaperEnd", 1);
     const Bytes stream = print(job, true);
@@ -70,13 +70,13 @@ TEST(ExactForm, IsEjectedRightBeforeTheFormFeedSplitOrNot) {
 }
 
 TEST(ExactForm, IsNotFedForAPairThatTheHeadDoesNotTake) {
-  const Job job = jobOf({inkedPage(rgbHeader(60, 180, 75, 180), 1)});
+  const Job job = standardJob({inkedPage(rgbHeader(60, 180, 75, 180), 1)});
   EXPECT_EQ(print(job, true), print(job, false));
 }
 
 // The log of a job is that of the original, but for one line.
 TEST(DotPlacement, IsToldInTheLogOnlyWhereItIsExact) {
-  Job job = jobOf({inkedPage(rgbHeader(60, 180), 1)});
+  Job job = standardJob({inkedPage(rgbHeader(60, 180), 1)});
   const auto linesOf = [&](bool exact) {
     print(job, exact);
     return testing::logMessages();

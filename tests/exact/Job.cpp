@@ -55,14 +55,19 @@ RasterPage randomPage(const cups_page_header2_t& header, Chance& chance) {
 
 }  // namespace
 
-Job randomJob(unsigned seed) {
-  Chance chance(seed);
+Job jobOf(int model) {
   Job job;
-  job.model = 1 + chance.below(2);
-  if (job.model == kOrlo) {
+  job.model = model;
+  if (model == kOrlo) {
     job.options.minColorOffset.rgbRed = 150;
     job.options.sModel = kOrlo;
   }
+  return job;
+}
+
+Job randomJob(unsigned seed) {
+  Chance chance(seed);
+  Job job = jobOf(1 + chance.below(2));
   if (chance.in(3)) {
     job.options.SplitBlackRed = 1;
     job.choose("SplitBlackRed", 1);

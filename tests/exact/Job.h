@@ -1,6 +1,7 @@
 // A job with a PPD of its own, and the dots that its pages hold.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -35,6 +36,14 @@ struct Job {
 /// Any model, resolutions, size, offset, turn, halftone, copies; blank pages and pages of
 /// other sizes among them.
 Job randomJob(unsigned seed);
+
+/// A job of a model with the options that its filter starts from.
+Job jobOf(int model);
+
+/// Takes a dot: ink (0 black, 1 red), row and column.
+using OnDot = std::function<void(int ink, int row, int column)>;
+/// Visits what a page holds once it is placed, separated and halftoned by the literal forms.
+void forEachWantedDot(const Job& job, const RasterPage& page, const OnDot& visit);
 
 /// What each page holds once it is placed, separated and halftoned by the literal forms,
 /// in the order in which the pages leave the printer, copies included.

@@ -38,11 +38,12 @@ std::optional<BitImage> bitImage(int mode) {
 
 class Printer {
  public:
-  Printer(std::span<const uint8_t> stream, Pins pins) : stream_(stream), pins_(pins) {}
+  Printer(std::span<const uint8_t> stream, Pins pins, const OnStrike& onStrike)
+      : stream_(stream), pins_(pins), onStrike_(onStrike) {}
 
   PrintedJob run() {
     while (at_ < stream_.size() && !job_.fault) command();
-    job_.rest = !page_.struck.empty();
+    job_.rest = struck_;
     return job_;
   }
 
@@ -151,7 +152,8 @@ class Printer {
       ink = bit < 6 ? 1 : 0;
       slot = bit < 6 ? bit : bit + 10;
     }
-    ++page_.struck[{ink, y_ + int64_t{slot} * pitch, x_}];
+    struck_ = true;
+    onStrike_(job_.pages.size(), {ink, y_ + int64_t{slot} * pitch, x_});
   }
 
   void endPage() {
@@ -160,6 +162,7 @@ class Printer {
     if (page_.formLines == 0) page_.formLines = formLines_;
     job_.pages.push_back(std::move(page_));
     page_ = {};
+    struck_ = false;
     pageStart_ = at_;
     x_ = y_ = 0;
     inPass_ = -1;
@@ -167,6 +170,7 @@ class Printer {
 
   std::span<const uint8_t> stream_;
   Pins pins_;
+  const OnStrike& onStrike_;
   PrintedJob job_;
   PrintedPage page_;
   size_t at_ = 0;
@@ -177,12 +181,24 @@ class Printer {
   int colour_ = 0;
   int formLines_ = 0;
   int inPass_ = -1;  // the colour of the pass under way
+  bool struck_ = false;
 };
 
 }  // namespace
 
+PrintedJob printOut(std::span<const uint8_t> stream, Pins pins, const OnStrike& strike) {
+  return Printer(stream, pins, strike).run();
+}
+
 PrintedJob printOut(std::span<const uint8_t> stream, Pins pins) {
-  return Printer(stream, pins).run();
+  std::vector<std::map<Spot, int>> struck;
+  PrintedJob job = printOut(stream, pins, [&](size_t page, const Spot& spot) {
+    if (struck.size() <= page) struck.resize(page + 1);
+    ++struck[page][spot];
+  });
+  struck.resize(job.pages.size());
+  for (size_t i = 0; i < struck.size(); ++i) job.pages[i].struck = std::move(struck[i]);
+  return job;
 }
 
 }  // namespace velka::exacttest

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <span>
@@ -37,5 +38,10 @@ struct PrintedJob {
 enum class Pins { Standard, OrloFront, OrloBack };
 
 PrintedJob printOut(std::span<const uint8_t> stream, Pins pins);
+
+/// Takes what a page, counted from 0, is struck by.
+using OnStrike = std::function<void(size_t page, const Spot& spot)>;
+/// The same for pages of millions of dots: these go to `strike` and to no `struck`.
+PrintedJob printOut(std::span<const uint8_t> stream, Pins pins, const OnStrike& strike);
 
 }  // namespace velka::exacttest

@@ -35,27 +35,20 @@ reference::PageImage placed(const RasterPage& page, const tagOEMCFG& options) {
   return reference::rotate(image, reference::quarterTurns(options, 1));
 }
 
-struct InkPlane {
-  std::vector<uint8_t> bytes;
-  int firstRow = 0;  ///< that the ink's dots reach
-};
-
-void addDots(const InkPlane& plane, int ink, const reference::PageImage& page, int xdpi, int ydpi,
-             Struck& struck) {
-  for (int y = plane.firstRow; y < page.height; ++y)
+void visitDots(const std::vector<uint8_t>& plane, int ink, const reference::PageImage& page,
+               const OnDot& visit) {
+  for (int y = 0; y < page.height; ++y)
     for (int x = 0; x < page.width; ++x)
-      if (plane.bytes[static_cast<size_t>(y) * static_cast<size_t>(page.width) +
-                      static_cast<size_t>(x)] == 0)
-        struck[{ink, int64_t{y} * 3600 / ydpi, int64_t{x} * 3600 / xdpi}] = 1;
+      if (plane[static_cast<size_t>(y) * static_cast<size_t>(page.width) +
+                static_cast<size_t>(x)] == 0)
+        visit(ink, y, x);
 }
 
-Struck standardDots(const reference::PageImage& page, const tagOEMCFG& options, int xdpi,
-                    int ydpi) {
+void visitStandardDots(const reference::PageImage& page, const tagOEMCFG& options, int xdpi,
+                       int ydpi, const OnDot& visit) {
   const auto planes = reference::separatePage(page, xdpi, ydpi, options);
-  Struck struck;
-  if (planes.blackFlag) addDots({planes.black}, 0, page, xdpi, ydpi, struck);
-  if (planes.redFlag) addDots({planes.red}, 1, page, xdpi, ydpi, struck);
-  return struck;
+  if (planes.blackFlag) visitDots(planes.black, 0, page, visit);
+  if (planes.redFlag) visitDots(planes.red, 1, page, visit);
 }
 
 _COLORCFG_ORLO orloConfig(const tagOEMCFG& o) {
@@ -73,32 +66,42 @@ _COLORCFG_ORLO orloConfig(const tagOEMCFG& o) {
 }
 
 // The literal pipeline leaves out a page's last row, so it gets a white one below.
-Struck orloDots(const reference::PageImage& page, const tagOEMCFG& options, int xdpi, int ydpi) {
+void visitOrloDots(const reference::PageImage& page, const tagOEMCFG& options, int ydpi,
+                   const OnDot& visit) {
   orlotest::Bitmap bitmap(page.width, page.height + 1,
                           page.stride - size_t{3} * static_cast<size_t>(page.width));
   std::copy(page.bytes.begin(), page.bytes.end(), bitmap.bytes.begin());
   const auto planes = orlotest::separateLiterally(bitmap, orloConfig(options), ydpi, kOrlo);
-  Struck struck;
-  if (planes.black.hasData) addDots({planes.black.bytes}, 0, page, xdpi, ydpi, struck);
-  if (planes.red.hasData) addDots({planes.red.bytes}, 1, page, xdpi, ydpi, struck);
-  return struck;
-}
-
-Struck dotsOf(const Job& job, const RasterPage& page) {
-  const reference::PageImage image = placed(page, job.options);
-  if (image.width <= 0 || image.height <= 0) return {};
-  const auto xdpi = static_cast<int>(page.header.HWResolution[0]);
-  const auto ydpi = static_cast<int>(page.header.HWResolution[1]);
-  return job.model == kOrlo ? orloDots(image, job.options, xdpi, ydpi)
-                            : standardDots(image, job.options, xdpi, ydpi);
+  if (planes.black.hasData) visitDots(planes.black.bytes, 0, page, visit);
+  if (planes.red.hasData) visitDots(planes.red.bytes, 1, page, visit);
 }
 
 }  // namespace
 
+void forEachWantedDot(const Job& job, const RasterPage& page, const OnDot& visit) {
+  const reference::PageImage image = placed(page, job.options);
+  if (image.width <= 0 || image.height <= 0) return;
+  const auto xdpi = static_cast<int>(page.header.HWResolution[0]);
+  const auto ydpi = static_cast<int>(page.header.HWResolution[1]);
+  if (job.model == kOrlo) {
+    visitOrloDots(image, job.options, ydpi, visit);
+  } else {
+    visitStandardDots(image, job.options, xdpi, ydpi, visit);
+  }
+}
+
 std::vector<Struck> wanted(const Job& job) {
   std::vector<Struck> once;
   once.reserve(job.pages.size());
-  for (const RasterPage& page : job.pages) once.push_back(dotsOf(job, page));
+  for (const RasterPage& page : job.pages) {
+    const auto& header = page.header;
+    Struck dots;
+    forEachWantedDot(job, page, [&](int ink, int row, int column) {
+      dots[{ink, int64_t{row} * 3600 / header.HWResolution[1],
+            int64_t{column} * 3600 / header.HWResolution[0]}] = 1;
+    });
+    once.push_back(std::move(dots));
+  }
   const auto& first = job.pages.front().header;
   const unsigned copies = job.model == kOrlo ? 1 : std::max(first.NumCopies, 1U);
   std::vector<Struck> all;
