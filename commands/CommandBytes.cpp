@@ -42,6 +42,18 @@ std::array<uint8_t, 7> startDocument(int32_t lines) noexcept {
   return {kEsc, '@', kEsc, '2', kEsc, 'C', lowByte(static_cast<uint32_t>(lines))};
 }
 
+std::array<uint8_t, 3> pageLength(int32_t lines) noexcept {
+  return {kEsc, 'C', lowByte(static_cast<uint32_t>(lines))};
+}
+
+int32_t formLines(const _DEVOBJ& devobj) noexcept {
+  const _OEMPDEV& pdev = *devobj.pOemPDEV;
+  const bool portrait = devobj.pDevMode->dmOrientation == 1;
+  const tagSIZE page = pdev.devGdiInfo.szlPhysSize;
+  return portrait ? pageLengthInLines(page.cy, pdev.devModeOut.dmYResolution)
+                  : pageLengthInLines(page.cx, pdev.devModeOut.dmPrintQuality);
+}
+
 int32_t pageLengthInLines(int32_t extent, int16_t dpi) noexcept {
   return truncateToInt32(static_cast<double>(extent) / dpi * 6.0);
 }

@@ -28,6 +28,12 @@ inline constexpr int kHorizontalUnit = 60;  // 1/60 inch
 /// of 256 lines and more wrap deliberately.
 [[nodiscard]] std::array<uint8_t, 7> startDocument(int32_t lines) noexcept;
 
+/// ESC C n alone, for a page whose form is not as long as the one before.
+[[nodiscard]] std::array<uint8_t, 3> pageLength(int32_t lines) noexcept;
+
+/// The lines of a page's form, that of the device record, which must be complete.
+[[nodiscard]] int32_t formLines(const _DEVOBJ& devobj) noexcept;
+
 /// The page length in lines of 1/6 inch: extent / dpi x 6, truncated.
 [[nodiscard]] int32_t pageLengthInLines(int32_t extent, int16_t dpi) noexcept;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "BlockPacking.h"
 #include "CheckedMath.h"
@@ -208,8 +209,22 @@ bool CESCPSML::SendPageCommands(_DEVOBJ* devobj, velka::CommandBuffer& commands)
   if (!velka::isComplete(devobj)) return false;
   m_Loss = velka::PageLoss::Commands;
   const unsigned int copiesBefore = m_dwCopyLen;
-  const bool complete = keepForCopies(*devobj, commands) && endPage(*devobj, commands);
+  const bool complete =
+      keepForm(*devobj) && keepForCopies(*devobj, commands) && endPage(*devobj, commands);
   return finishPage(complete, copiesBefore);
+}
+
+// Collated copies come one behind the other, without the commands that start a page: where
+// forms differ, those that a page does not share with the one before go along.
+bool CESCPSML::keepForm(const _DEVOBJ& devobj) noexcept {
+  if (devobj.pOemDev->sCopies <= 1 || devobj.pOemPDEV->devModeOut.dmCollate != 1) return true;
+  const int32_t lines = velka::formLines(devobj);
+  const int32_t before = std::exchange(m_nKeptForm, lines);
+  if (m_nFirstForm == 0) m_nFirstForm = lines;
+  if (before == 0 || before == lines) return true;
+  m_CopyPages.startWith(velka::pageLength(m_nFirstForm));
+  unsigned int end = m_dwCopyLen;
+  return velka::appendAt(&m_pCopyBuf, &m_dwCopyLen, &end, velka::pageLength(lines));
 }
 
 bool CESCPSML::encodeBands(const _DEVOBJ& devobj, velka::BitImageMode mode, std::span<_RECTL> bands,

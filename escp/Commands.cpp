@@ -6,13 +6,7 @@
 
 bool CESCPSML::SendStartDocCmd(_DEVOBJ* devobj) noexcept {
   if (!velka::isComplete(devobj)) return false;
-  const _OEMPDEV& pdev = *devobj->pOemPDEV;
-  const bool portrait = devobj->pDevMode->dmOrientation == 1;
-  const tagSIZE page = pdev.devGdiInfo.szlPhysSize;
-  const int32_t lines = portrait
-                            ? velka::pageLengthInLines(page.cy, pdev.devModeOut.dmYResolution)
-                            : velka::pageLengthInLines(page.cx, pdev.devModeOut.dmPrintQuality);
-  velka::writeToPrinter(velka::startDocument(lines));
+  velka::writeToPrinter(velka::startDocument(velka::formLines(*devobj)));
   return true;
 }
 

@@ -21,8 +21,10 @@ void CopyPages::clear() noexcept {
 
 void CopyPages::repeat(std::span<const uint8_t> kept, int times,
                        CancelFlag canceled) const noexcept {
-  for (int i = 0; i < times; ++i)
+  for (int i = 0; i < times && !isCanceled(canceled); ++i) {
+    if (start_) writeToPrinter(*start_);
     if (!writeOnce(kept, canceled)) return;
+  }
 }
 
 bool CopyPages::writeOnce(std::span<const uint8_t> kept, CancelFlag canceled) const noexcept {

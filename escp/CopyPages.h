@@ -1,9 +1,11 @@
 // Repeating kept pages as copies, as long as nobody cancels the job.
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <span>
 
 namespace velka {
@@ -28,6 +30,9 @@ class CopyPages {
   void endAt(unsigned int length) noexcept;
   void clear() noexcept;
 
+  /// What each round starts with; nothing by default.
+  void startWith(const std::array<uint8_t, 3>& command) noexcept { start_ = command; }
+
   /// Writes the pages in `kept` to the printer `times` times, each page to its end, until
   /// the flag is set. What no end was told of counts as one page.
   void repeat(std::span<const uint8_t> kept, int times, CancelFlag canceled) const noexcept;
@@ -40,6 +45,7 @@ class CopyPages {
 
   unsigned char* ends_ = nullptr;  // of unsigned ints
   unsigned int size_ = 0;
+  std::optional<std::array<uint8_t, 3>> start_;
 };
 
 }  // namespace velka

@@ -185,6 +185,7 @@ class CESCPSML {
   [[nodiscard]] bool finishBlackHalf(_DEVOBJ& devobj, std::span<const _RECTL> bands,
                                      PageStream& stream) noexcept;
   [[nodiscard]] bool finishPage(bool complete, unsigned int copiesBefore) noexcept;
+  [[nodiscard]] bool keepForm(const _DEVOBJ& devobj) noexcept;
   [[nodiscard]] bool keepForCopies(const _DEVOBJ& devobj,
                                    const velka::CommandBuffer& stream) noexcept;
   [[nodiscard]] bool endPage(const _DEVOBJ& devobj, velka::CommandBuffer& stream) noexcept;
@@ -195,6 +196,8 @@ class CESCPSML {
   velka::PageLoss m_Loss = velka::PageLoss::None;
   velka::CancelFlag m_pCanceled = nullptr;
   velka::CopyPages m_CopyPages;  // in the copy buffer
+  int32_t m_nFirstForm = 0;      // lines; 0: no page is kept yet
+  int32_t m_nKeptForm = 0;       // of the last page kept
 };
 
 /// Renders the page bitmap of the device record: places it by the print offsets,

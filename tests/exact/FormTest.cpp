@@ -51,6 +51,17 @@ TEST(ExactForm, OfALaterPageIsThatPagesOwn) {
   EXPECT_EQ(exact.pages[1].formLines, 24);
 }
 
+TEST(ExactForm, OfCollatedCopiesIsThatOfTheirPages) {
+  auto first = rgbHeader(60, 360);
+  first.NumCopies = 3;
+  first.Collate = CUPS_TRUE;
+  auto second = rgbHeader(60, 720);
+  const Job job = standardJob({inkedPage(first, 1), inkedPage(second, 2), whitePage(second)});
+  const PrintedJob exact = printOut(print(job, true), Pins::Standard);
+  ASSERT_EQ(exact.pages.size(), 9U);
+  for (size_t i = 0; i < 9; ++i) EXPECT_EQ(exact.pages[i].formLines, i % 3 == 0 ? 12 : 24) << i;
+}
+
 TEST(ExactForm, IsEjectedRightBeforeTheFormFeedSplitOrNot) {
   for (const int split : {0, 1}) {
     Job job = standardJob({inkedPage(rgbHeader(60, 200), 1)});
