@@ -29,24 +29,6 @@ orlotest::ModeRow modeOf(const Dpi& dpi) {
   });
 }
 
-_COLORCFG_ORLO colourOf(const tagOEMCFG& options) {
-  _COLORCFG_ORLO colour{};
-  colour.OutputColorType = static_cast<uint16_t>(options.OutputColorType);
-  colour.ColorRangeUseFor = static_cast<uint16_t>(options.ColorRangeUseFor);
-  colour.minColorOffset = options.minColorOffset;
-  colour.maxColorOffset = options.maxColorOffset;
-  colour.solidColor = options.solidColor;
-  colour.BrightnessRed = options.BrightnessRed;
-  colour.ContrastRed = options.ContrastRed;
-  colour.LevelsRed = options.LevelsRed;
-  colour.sDitherRed = options.sDitherRed;
-  colour.BrightnessBlack = options.BrightnessBlack;
-  colour.ContrastBlack = options.ContrastBlack;
-  colour.LevelsBlack = options.LevelsBlack;
-  colour.sDitherBlack = options.sDitherBlack;
-  return colour;
-}
-
 orlotest::LiteralPlanes planesOf(const reference::OutputPage& out, const tagOEMCFG& options,
                                  Feed feed) {
   const auto width = static_cast<int>(out.image.width);
@@ -55,7 +37,7 @@ orlotest::LiteralPlanes planesOf(const reference::OutputPage& out, const tagOEMC
   const size_t stride = out.image.bytes.size() / static_cast<size_t>(height);
   orlotest::Bitmap page(width, height, stride - 3 * static_cast<size_t>(width));
   page.bytes = out.image.bytes;
-  return orlotest::separateLiterally(page, colourOf(options), out.yResolution,
+  return orlotest::separateLiterally(page, orlotest::configOf(options), out.yResolution,
                                      static_cast<int>(feed));
 }
 

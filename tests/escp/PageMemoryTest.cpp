@@ -1,15 +1,10 @@
 // Pages for which memory runs out: whole or not at all, and never without a word.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <string>
 
-#include "escp/PageFixture.h"
-#include "rastovelka.h"
-#include "support/Capture.h"
-#include "support/FailingMemory.h"
-#include "support/FilterRun.h"
+#include "escp/RenderOutcome.h"
 
 namespace velka::testing {
 namespace {
@@ -32,39 +27,13 @@ reference::SourceBitmap twoBands() {
   return page;
 }
 
-struct Outcome {
-  Bytes output;
-  bool printed = false;
-  std::string said;  // about the page, in the log
-  size_t asked = 0;
-};
-
-std::string saidOfThePage() {
-  std::string said;
-  for (const std::string& line : logMessages())
-    if (line.starts_with("page ")) said += line;
-  return said;
-}
-
 // Renders the page with `passed` allocations that are served before one is not.
 Outcome render(const tagOEMCFG& options, bool collate, size_t passed) {
   Job job(30, 200, 360, 360);
   job.options = options;
   job.mode.dmCollate = collate ? 1 : 0;
   job.setPage(twoBands(), 1);
-  EXPECT_EQ(truncate("/tmp/velka.log", 0), 0);
-  Outcome outcome;
-  {
-    const Capture capture(STDOUT_FILENO);
-    {
-      const FailingMemory memory(passed);
-      outcome.printed = RenderEscpData(&job.devobj);
-      outcome.asked = memory.asked();
-    }
-    outcome.output = capture.bytes();
-  }
-  outcome.said = saidOfThePage();
-  return outcome;
+  return renderWith(job, passed);
 }
 
 bool startsWith(const Bytes& all, const Bytes& part) {
@@ -79,25 +48,10 @@ class PageMemory : public ::testing::Test {
   // Every allocation of a page fails once. `whole` are the streams that may come out.
   static void expectWholeOrNothing(const tagOEMCFG& options, bool collate,
                                    const std::vector<Bytes>& whole) {
-    const Outcome full = render(options, collate, FailingMemory::kNone);
-    ASSERT_EQ(full.said, "");
-    ASSERT_TRUE(full.printed);
-    ASSERT_GT(full.asked, 20U);
-    for (size_t passed = 0; passed < full.asked; ++passed) {
-      SCOPED_TRACE(passed);
-      const Outcome less = render(options, collate, passed);
-      if (less.output == full.output) continue;
-      EXPECT_FALSE(less.printed);
-      EXPECT_NE(less.said, "");
-      EXPECT_NE(std::find(whole.begin(), whole.end(), less.output), whole.end())
-          << less.output.size() << " bytes of " << full.output.size() << ": " << less.said;
-    }
+    testing::expectWholeOrNothing([&](size_t passed) { return render(options, collate, passed); },
+                                  whole);
   }
 };
-
-Bytes startOf(const Bytes& stream) {
-  return {stream.begin(), stream.begin() + kStartBytes};
-}
 
 TEST_F(PageMemory, APageThatLacksSomeIsNotPrintedAndTheLogSaysSo) {
   tagOEMCFG options = reference::defaultOptions();

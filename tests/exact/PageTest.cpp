@@ -1,25 +1,21 @@
 // Exact pages through the renderer: front feed, which no job of a queue reaches, and
 // memory that runs out.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 
 #include "DotPlacement.h"
-#include "escp/PageFixture.h"
+#include "escp/RenderOutcome.h"
 #include "exact/PlainPrinter.h"
 #include "orlo/LiteralPipeline.h"
-#include "rastovelka.h"
-#include "support/Capture.h"
-#include "support/FailingMemory.h"
-#include "support/FilterRun.h"
 
 namespace velka::exacttest {
 namespace {
 
 using testing::Bytes;
-using testing::Capture;
 using testing::FailingMemory;
+using testing::Outcome;
+using testing::startOf;
 
 constexpr int kWidth = 30;
 constexpr int kHeight = 200;
@@ -43,33 +39,13 @@ reference::SourceBitmap bars() {
   return page;
 }
 
-struct Outcome {
-  Bytes output;
-  bool printed = false;
-  std::string said;  // about the page, in the log
-  size_t asked = 0;
-};
-
 // What a page of these options writes, `passed` allocations being served before one is not.
 Outcome render(int model, const tagOEMCFG& options, size_t passed = FailingMemory::kNone) {
   testing::Job job(kWidth, kHeight, 180, 180);
   job.options = options;
   job.devobj.nModel = model;
   job.setPage(bars(), 1);
-  EXPECT_EQ(truncate("/tmp/velka.log", 0), 0);
-  Outcome outcome;
-  {
-    const Capture capture(STDOUT_FILENO);
-    {
-      const FailingMemory memory(passed);
-      outcome.printed = RenderEscpData(&job.devobj);
-      outcome.asked = memory.asked();
-    }
-    outcome.output = capture.bytes();
-  }
-  for (const std::string& line : testing::logMessages())
-    if (line.starts_with("page ")) outcome.said += line;
-  return outcome;
+  return testing::renderWith(job, passed);
 }
 
 class ExactPage : public ::testing::Test {
@@ -83,26 +59,10 @@ class ExactPage : public ::testing::Test {
 
   static void expectWholeOrNothing(int model, const tagOEMCFG& options,
                                    const std::vector<Bytes>& less) {
-    const Outcome full = render(model, options);
-    ASSERT_EQ(full.said, "");
-    ASSERT_TRUE(full.printed);
-    ASSERT_GT(full.asked, 20U);
-    for (size_t passed = 0; passed < full.asked; ++passed) {
-      SCOPED_TRACE(passed);
-      const Outcome got = render(model, options, passed);
-      if (got.output == full.output) continue;
-      EXPECT_FALSE(got.printed);
-      EXPECT_NE(got.said, "");
-      EXPECT_NE(std::find(less.begin(), less.end(), got.output), less.end())
-          << got.output.size() << " bytes of " << full.output.size() << ": " << got.said;
-    }
+    testing::expectWholeOrNothing([&](size_t passed) { return render(model, options, passed); },
+                                  less);
   }
 };
-
-Bytes startOf(const Bytes& stream) {
-  constexpr int kStartBytes = 7;
-  return {stream.begin(), stream.begin() + kStartBytes};
-}
 
 Bytes withFormFeed(Bytes bytes) {
   bytes.push_back(0x0C);

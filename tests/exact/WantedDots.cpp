@@ -51,27 +51,13 @@ void visitStandardDots(const reference::PageImage& page, const tagOEMCFG& option
   if (planes.redFlag) visitDots(planes.red, 1, page, visit);
 }
 
-_COLORCFG_ORLO orloConfig(const tagOEMCFG& o) {
-  _COLORCFG_ORLO config = {};
-  config.OutputColorType = static_cast<uint16_t>(o.OutputColorType);
-  config.ColorRangeUseFor = static_cast<uint16_t>(o.ColorRangeUseFor);
-  config.minColorOffset = o.minColorOffset;
-  config.maxColorOffset = o.maxColorOffset;
-  config.solidColor = o.solidColor;
-  config.LevelsRed = o.LevelsRed;
-  config.sDitherRed = o.sDitherRed;
-  config.LevelsBlack = o.LevelsBlack;
-  config.sDitherBlack = o.sDitherBlack;
-  return config;
-}
-
 // The literal pipeline leaves out a page's last row, so it gets a white one below.
 void visitOrloDots(const reference::PageImage& page, const tagOEMCFG& options, int ydpi,
                    const OnDot& visit) {
   orlotest::Bitmap bitmap(page.width, page.height + 1,
                           page.stride - size_t{3} * static_cast<size_t>(page.width));
   std::copy(page.bytes.begin(), page.bytes.end(), bitmap.bytes.begin());
-  const auto planes = orlotest::separateLiterally(bitmap, orloConfig(options), ydpi, kOrlo);
+  const auto planes = orlotest::separateLiterally(bitmap, orlotest::configOf(options), ydpi, kOrlo);
   if (planes.black.hasData) visitDots(planes.black.bytes, 0, page, visit);
   if (planes.red.hasData) visitDots(planes.red.bytes, 1, page, visit);
 }

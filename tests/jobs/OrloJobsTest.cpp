@@ -20,20 +20,6 @@ tagOEMCFG orloOptions() {
   return options;
 }
 
-_COLORCFG_ORLO configOf(const tagOEMCFG& o) {
-  _COLORCFG_ORLO config = {};
-  config.OutputColorType = static_cast<uint16_t>(o.OutputColorType);
-  config.ColorRangeUseFor = static_cast<uint16_t>(o.ColorRangeUseFor);
-  config.minColorOffset = o.minColorOffset;
-  config.maxColorOffset = o.maxColorOffset;
-  config.solidColor = o.solidColor;
-  config.LevelsRed = o.LevelsRed;
-  config.sDitherRed = o.sDitherRed;
-  config.LevelsBlack = o.LevelsBlack;
-  config.sDitherBlack = o.sDitherBlack;
-  return config;
-}
-
 orlotest::ModeRow modeOf(int xdpi, int ydpi) {
   const auto& modes = orlotest::allModes();
   const auto row = std::find_if(modes.begin(), modes.end(), [=](const orlotest::ModeRow& m) {
@@ -46,7 +32,8 @@ orlotest::DotPage halftoned(const reference::OutputPage& page, const tagOEMCFG& 
   orlotest::Bitmap bitmap(page.image.width, page.image.height,
                           page.image.stride - size_t{3} * static_cast<size_t>(page.image.width));
   bitmap.bytes = page.image.bytes;
-  const auto planes = orlotest::separateLiterally(bitmap, configOf(options), page.yResolution, 2);
+  const auto planes =
+      orlotest::separateLiterally(bitmap, orlotest::configOf(options), page.yResolution, 2);
   orlotest::DotPage dots(page.image.width, page.image.height);
   if (planes.black.hasData) dots.black = planes.black;
   if (planes.red.hasData) dots.red = planes.red;

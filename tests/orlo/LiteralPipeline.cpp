@@ -143,6 +143,24 @@ LiteralPlanes separateLiterally(const Bitmap& page, const _COLORCFG_ORLO& config
   return Separator(page, config, verticalDpi, feedMode).run();
 }
 
+_COLORCFG_ORLO configOf(const tagOEMCFG& options) {
+  _COLORCFG_ORLO config{};
+  config.OutputColorType = static_cast<uint16_t>(options.OutputColorType);
+  config.ColorRangeUseFor = static_cast<uint16_t>(options.ColorRangeUseFor);
+  config.minColorOffset = options.minColorOffset;
+  config.maxColorOffset = options.maxColorOffset;
+  config.solidColor = options.solidColor;
+  config.BrightnessRed = options.BrightnessRed;
+  config.ContrastRed = options.ContrastRed;
+  config.LevelsRed = options.LevelsRed;
+  config.sDitherRed = options.sDitherRed;
+  config.BrightnessBlack = options.BrightnessBlack;
+  config.ContrastBlack = options.ContrastBlack;
+  config.LevelsBlack = options.LevelsBlack;
+  config.sDitherBlack = options.sDitherBlack;
+  return config;
+}
+
 _COLORCFG_ORLO plainConfig() {
   _COLORCFG_ORLO config{};
   config.OutputColorType = 3;

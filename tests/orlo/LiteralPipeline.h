@@ -33,6 +33,9 @@ struct LiteralPlanes {
 LiteralPlanes separateLiterally(const Bitmap& page, const _COLORCFG_ORLO& config, int verticalDpi,
                                 int feedMode);
 
+/// The part of a job's options that the model takes.
+_COLORCFG_ORLO configOf(const tagOEMCFG& options);
+
 /// Both inks, the range 130 to 255 of red bytes selecting red, neutral tone, a fixed
 /// threshold.
 _COLORCFG_ORLO plainConfig();
