@@ -10,6 +10,7 @@ enum class PageLoss : uint8_t {
   None,
   Generator,  ///< all of it, for the command generator
   Output,     ///< all of it, for the output bitmap
+  Turn,       ///< its turn; it is printed upright
   Planes,     ///< all of it, for the ink planes
   Bands,      ///< all of it, for the list of its bands
   Commands,   ///< all of it, for its commands
@@ -26,6 +27,8 @@ enum class PageLoss : uint8_t {
       return "is not printed: no memory for the command generator";
     case PageLoss::Output:
       return "is not printed: no memory for its output bitmap";
+    case PageLoss::Turn:
+      return "is printed unturned: no memory for its turned bitmap";
     case PageLoss::Planes:
       return "is not printed: no memory for its ink planes";
     case PageLoss::Bands:

@@ -121,6 +121,21 @@ bool fillOutput(_OEMPDEV& pdev, const PageOffset& offset, const PageServices& se
   return true;
 }
 
+// Says what memory that ran out took from a page. False, as the page's result then is.
+bool tellLoss(const _OEMPDEV& pdev, PageLoss loss) {
+  if (loss != PageLoss::None)
+    VELKA_LOG_DEBUG("page %d %s", static_cast<int>(pdev.dwCurPageNum), textOf(loss));
+  return false;
+}
+
+// A page that cannot be turned is printed upright.
+void tellUnturned(const _OEMPDEV& pdev) {
+  const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
+  // Pixels of other depths are never turned; nothing else but memory stands in the way.
+  const bool turnable = header.biBitCount == 24 && header.biWidth > 0 && header.biHeight > 0;
+  if (turnable) tellLoss(pdev, PageLoss::Turn);
+}
+
 void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
                   const PageServices& services) {
   if (turns == 0 || pdev.dwBufSizeOut == 0) return;
@@ -131,8 +146,10 @@ void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
   int64_t height = 0;
   const tagBITMAPINFOHEADER header = pdev.bmInfoHeaderOut;
   if (!processing.RotateImg(pdev.pBufStartOut, header.biWidth, header.biHeight, &image, &size,
-                            &width, &height, header.biBitCount, turns))
+                            &width, &height, header.biBitCount, turns)) {
+    tellUnturned(pdev);
     return;
+  }
   // The turned picture takes the place of the buffer instead of being copied
   // into a third one.
   MallocBytes turned(image);
@@ -148,13 +165,6 @@ void rotateOutput(_OEMPDEV& pdev, int turns, CBmpProcessing& processing,
   GDIINFO geometry = pdev.devGdiInfo;
   turnGeometry(geometry, turns);
   pdev.devGdiInfo = geometry;
-}
-
-// Says what memory that ran out took from a page. False, as the page's result then is.
-bool tellLoss(const _OEMPDEV& pdev, PageLoss loss) {
-  if (loss != PageLoss::None)
-    VELKA_LOG_DEBUG("page %d %s", static_cast<int>(pdev.dwCurPageNum), textOf(loss));
-  return false;
 }
 
 // Whether the page was sent, its loss told.

@@ -271,10 +271,11 @@ void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
   if (data == nullptr) return;
   const std::span<const uint8_t> picture(data, contents + size);
   if (picture.size() < velka::pixelBytes(width, height)) {
-    // Half a page is worse than none.
+    // Half a page is worse than none. It goes first: on a disk that is full the line needs
+    // its room.
+    velka::removeOwnFile(ppmName);
     VELKA_LOG_DEBUG("no page from the PDF: its picture holds %zu of %llu bytes", picture.size(),
                     static_cast<unsigned long long>(velka::pixelBytes(width, height)));
-    velka::removeOwnFile(ppmName);
     return;
   }
   const auto pixels = static_cast<uint32_t>(width);

@@ -13,6 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kUnpacking = "gziptoany";
+
 bool isProgram(const std::string& path) {
   return access(path.c_str(), X_OK) == 0;
 }
@@ -29,11 +31,18 @@ bool isOnPath(const std::string& name) {
   return false;
 }
 
+// Its messages are ours, whoever looks at them.
+const std::vector<std::pair<std::string, std::string>> kOurLanguage = {{"LC_ALL", "C.UTF-8"}};
+
 std::string firstLine(const std::string& name) {
   std::string line;
   std::ifstream file(name);
   (void)std::getline(file, line);
   return line;
+}
+
+bool isCompressed(const std::string& document) {
+  return firstLine(document).starts_with("\x1f\x8b");
 }
 
 }  // namespace
@@ -51,7 +60,7 @@ Problem missingPdfTool() {
 // Where the print system keeps its filters; its own tool knows.
 std::string ChainTools::filterFolder() {
   for (const char* tool : {"/usr/bin/cups-config", "/usr/local/bin/cups-config"}) {
-    const Step ask{tool,        {"--serverbin"},       {},
+    const Step ask{tool,        {"--serverbin"},       kOurLanguage,
                    "/dev/null", folder_ / "serverbin", folder_ / "errors"};
     if (!isProgram(tool) || runStep(ask, held_)) continue;
     const std::string line = firstLine(ask.output);
@@ -107,7 +116,7 @@ Problem ChainTools::findWay(const std::string& document, const std::string& type
   if (tool.empty()) return usualWay(document, filters);
   Step ask{tool,
            {"--list-filters", "-m", "application/vnd.cups-raster"},
-           {},
+           kOurLanguage,
            "/dev/null",
            folder_ / "way",
            folder_ / "errors"};
@@ -125,6 +134,9 @@ Problem ChainTools::findWay(const std::string& document, const std::string& type
   for (std::string line; std::getline(lines, line);) {
     if (!line.empty()) filters.push_back(line);
   }
+  // The tool overlooks that a document is compressed where it is a small one.
+  const bool unpacks = !filters.empty() && filters.front() == kUnpacking;
+  if (!unpacks && isCompressed(document)) filters.insert(filters.begin(), kUnpacking);
   return std::nullopt;
 }
 

@@ -81,6 +81,31 @@ TEST_F(PageMemory, CollatedCopiesToo) {
   expectWholeOrNothing(options, true, {startOf(once)});
 }
 
+// An upright page is more than none, but somebody asked for another.
+TEST_F(PageMemory, APageThatIsNotTurnedIsTold) {
+  tagOEMCFG options = reference::defaultOptions();
+  const Bytes upright = render(options, false, FailingMemory::kNone).output;
+  options.sRotation = 1;
+  const Outcome full = render(options, false, FailingMemory::kNone);
+  ASSERT_EQ(full.said, "");
+  ASSERT_NE(full.output, upright);
+  size_t unturned = 0;
+  for (size_t passed = 0; passed < full.asked; ++passed) {
+    SCOPED_TRACE(passed);
+    const Outcome less = render(options, false, passed);
+    if (less.output == full.output) continue;
+    if (!less.printed) {
+      EXPECT_EQ(less.output, startOf(full.output));
+      EXPECT_TRUE(less.said.starts_with("page 1 is not printed: ")) << less.said;
+      continue;
+    }
+    ++unturned;
+    EXPECT_EQ(less.output, upright);
+    EXPECT_EQ(less.said, "page 1 is printed unturned: no memory for its turned bitmap");
+  }
+  EXPECT_EQ(unturned, 1U);
+}
+
 // The black half may be out already.
 TEST_F(PageMemory, OfASplitPageTheLogSaysHowFarItCame) {
   tagOEMCFG options = reference::defaultOptions();

@@ -2,7 +2,9 @@
 // fail them.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -56,6 +58,45 @@ TEST(PdfJobs, AHalfPicturePrintsAWhitePageAndOneLineSaysSo) {
     EXPECT_EQ(linesThatHold("no page from the PDF: its picture holds 19985 of 45000 bytes"), 1U);
     EXPECT_EQ(linesThatHold("no page"), 1U);
   }
+}
+
+// A /tmp of so many bytes while it lives, for this process and what it starts.
+class SmallTmp {
+ public:
+  explicit SmallTmp(const std::string& bytes)
+      : mounted_(unshare(CLONE_NEWNS) == 0 &&
+                 mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                 mount("tmpfs", "/tmp", "tmpfs", 0, ("mode=1777,size=" + bytes).c_str()) == 0) {}
+  ~SmallTmp() {
+    if (mounted_) umount("/tmp");
+  }
+  SmallTmp(const SmallTmp&) = delete;
+  SmallTmp& operator=(const SmallTmp&) = delete;
+  [[nodiscard]] bool mounted() const { return mounted_; }
+
+ private:
+  bool mounted_;
+};
+
+// The log is on that disk as well.
+TEST(PdfJobs, AFullDiskHasRoomForTheLineThatSaysSo) {
+  constexpr size_t kPages = 6;
+  std::string document;
+  {
+    const JobId made("made");
+    ASSERT_TRUE(makePdf(made.pdf(), postscriptPages(kPages)));
+    document = textOf(made.pdf());
+  }
+  // Room for the log, and for less than a picture of 45,000 bytes beside it.
+  const SmallTmp tmp(std::to_string(document.size() / 4096 * 4096 + (72U << 10U)));
+  if (!tmp.mounted()) GTEST_SKIP() << "only root can mount a /tmp, and not everywhere";
+  const JobId id("full");
+  writeText(id.pdf(), document);
+  const TempFile ppd(ppdText({1, {}, true}));
+  writeText("/tmp/filler", std::string(36U << 10U, 'x'));
+  EXPECT_EQ(runFilter(kFilter, jobOf(id.text(), ppd, rasterPages(kPages))).status, 0);
+  EXPECT_EQ(linesThatHold("no page from the PDF: its picture holds "), kPages);
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
 }
 
 // The limit on files that the whole job has: the tool is ended at it.

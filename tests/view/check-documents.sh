@@ -57,9 +57,11 @@ check_kinds() {
   cp "$page" page.ps
   for _ in $(seq 40); do echo 'The quick brown fox jumps over the lazy dog.'; done >letter.txt
   gzip -k page.pdf
+  # So small that the print system does not see that it is compressed.
+  printf '%%!PS\n100 300 100 100 rectfill showpage\n' | gzip >small.ps.gz
   local kind
   for kind in page.pdf page.ps picture.png picture.jpg 'a picture without an ending' letter.txt \
-    page.pdf.gz; do
+    page.pdf.gz small.ps.gz; do
     prints "$kind"
   done
   prints picture.png --options PdfPreprocess=yes
