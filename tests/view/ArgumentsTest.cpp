@@ -153,7 +153,7 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--head-speed", "0", "a"},
        "invalid value '0' for --head-speed: it takes millimetres a second from 0.001 to 1000000"},
       {{"--dpi", "90", "--scale", "1", "a"}, "--dpi and --scale exclude each other"},
-      {{"--list", "--stats", "a"}, "only one of --list, --stats, --diff and --sheet can be given"},
+      {{"--list", "--stats", "a"}, "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
       {{"--list", "-o", "x", "a"}, "--output does nothing with --list"},
       {{"--list", "--pins", "a"}, "--pins does nothing with --list"},
       {{"--list", "--width", "57", "a"}, "--width does nothing with --list"},
