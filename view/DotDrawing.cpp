@@ -29,8 +29,8 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
   return CAIRO_STATUS_SUCCESS;
 }
 
-double insetOf(int dots) {
-  return dots == 1 ? kLineInset : kInset;
+double insetOf(double dots) {
+  return dots <= 1 ? kLineInset : kInset;
 }
 
 void fill(cairo_t* context, const DotBox& box) {
@@ -53,6 +53,10 @@ bool isInked(const Glyph& glyph, int row, int column) {
   return (glyph[static_cast<size_t>(row)] >> (kGlyphColumns - 1 - column) & 1) != 0;
 }
 
+DotBox boxOf(int left, int top, int width, int height) {
+  return {double(left), double(top), double(width), double(height)};
+}
+
 // The strokes of a letter, in cells: across, and where cells lie above each other down,
 // so that no light shines through between them.
 void addGlyph(const Glyph& glyph, std::vector<DotBox>& boxes) {
@@ -65,8 +69,8 @@ void addGlyph(const Glyph& glyph, std::vector<DotBox>& boxes) {
       while (isInked(glyph, bottom, column)) ++bottom;
       const bool across = column == 0 || !isInked(glyph, row, column - 1);
       const bool down = (row == 0 || !isInked(glyph, row - 1, column)) && bottom > row + 1;
-      if (across) boxes.push_back({column, row, right - column, 1});
-      if (down) boxes.push_back({column, row, 1, bottom - row});
+      if (across) boxes.push_back(boxOf(column, row, right - column, 1));
+      if (down) boxes.push_back(boxOf(column, row, 1, bottom - row));
     }
   }
 }
@@ -80,7 +84,11 @@ int letterPitch(int cell) {
 void DotDrawing::addText(std::string_view text, int left, int top, int cell) {
   for (const char character : text) {
     std::vector<DotBox> strokes;
-    if (const Glyph* glyph = glyphOf(character)) addGlyph(*glyph, strokes);
+    if (const Glyph* glyph = glyphOf(character)) {
+      addGlyph(*glyph, strokes);
+    } else {
+      strokes.push_back(boxOf(0, 0, kGlyphColumns, kGlyphRows));
+    }
     for (const DotBox& box : strokes) {
       boxes.push_back(
           {left + box.left * cell, top + box.top * cell, box.width * cell, box.height * cell});

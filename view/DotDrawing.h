@@ -13,10 +13,10 @@ namespace velka::view {
 
 /// Filled boxes, in dots of 1/180 inch from the top left corner.
 struct DotBox {
-  int left;
-  int top;
-  int width;
-  int height;
+  double left;
+  double top;
+  double width;
+  double height;
   decode::Ink ink = decode::Ink::Black;
 };
 
@@ -27,7 +27,8 @@ struct DotDrawing {
   double height = 0;
   std::vector<DotBox> boxes;
 
-  /// Adds a line of text whose cells are `cell` dots large.
+  /// Adds a line of text whose cells are `cell` dots large; a character that our letters
+  /// lack becomes a full block.
   void addText(std::string_view text, int left, int top, int cell);
 };
 

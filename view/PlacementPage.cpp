@@ -43,37 +43,46 @@ class Writer {
     row_ += kLine;
   }
 
-  // Black is drawn over red: where edges fall into dots, after all, a row of the red goes.
+  // The band of the red must hold no row of black, even where a rasteriser squeezes the
+  // page by half a dot; so black starts as low in its first dot as it can, drawn over red.
   void bars() {
+    constexpr double kLow = 0.4;
     const int red = row_ - kLine + kGap;
-    page_.boxes.push_back({kLeft, red, kWidth, kBand, decode::Ink::Red});
-    page_.boxes.push_back({kLeft, red + kBand, kWidth, kBand});
-    row_ = red + 2 * kBand;
+    const int black = red + kBand;
+    add(kLeft, red, kWidth, kBand + 1, decode::Ink::Red);
+    page_.boxes.push_back({kLeft, black + kLow, kWidth, kBand - kLow});
+    row_ = black + kBand;
   }
 
-  // Nothing else in its bands, so the line at its right is the last column of their blocks.
+  // Nothing else in its bands, so the line at its right is the last column of their
+  // blocks, even where dots lie elsewhere: the bars end before it.
   void box() {
-    page_.boxes.push_back({kLeft, row_, kBoxWidth - 1, kThick});
-    page_.boxes.push_back({kLeft, row_, 1, kBoxHeight});
-    page_.boxes.push_back({kLeft + kBoxWidth - 1, row_, 1, kBoxHeight});
-    page_.boxes.push_back({kLeft, row_ + kBoxHeight - kThick, kBoxWidth - 1, kThick});
+    constexpr int kBars = kBoxWidth - 1;
+    add(kLeft, row_, kBars, kThick);
+    add(kLeft, row_, 1, kBoxHeight);
+    add(kLeft + kBars, row_, 1, kBoxHeight);
+    add(kLeft, row_ + kBoxHeight - kThick, kBars, kThick);
     row_ += kBoxHeight;
   }
 
   // Both inks in each band, and no white row: after each the paper comes to lie a row off.
   void ladder() {
     for (int band = 0; band < kLadderBands; ++band) {
-      page_.boxes.push_back({kLeft + kRail, row_ + band * kBand + kRungTop, kWidth - 2 * kRail,
-                             kRail, decode::Ink::Red});
+      const int rung = row_ + band * kBand + kRungTop;
+      add(kLeft + kRail, rung, kWidth - 2 * kRail, kRail, decode::Ink::Red);
     }
-    page_.boxes.push_back({kLeft, row_, kWidth, kRail});
-    page_.boxes.push_back({kLeft, row_, kRail, kWidth});
-    page_.boxes.push_back({kLeft + kWidth - kRail, row_, kRail, kWidth});
-    page_.boxes.push_back({kLeft, row_ + kWidth - kRail, kWidth, kRail});
+    add(kLeft, row_, kWidth, kRail);
+    add(kLeft, row_, kRail, kWidth);
+    add(kLeft + kWidth - kRail, row_, kRail, kWidth);
+    add(kLeft, row_ + kWidth - kRail, kWidth, kRail);
     row_ += kWidth;
   }
 
  private:
+  void add(int left, int top, int width, int height, decode::Ink ink = decode::Ink::Black) {
+    page_.boxes.push_back({double(left), double(top), double(width), double(height), ink});
+  }
+
   DotDrawing& page_;
   int row_ = kBand;
 };

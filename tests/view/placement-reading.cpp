@@ -71,8 +71,7 @@ int readFields(const DotGrid& dots) {
   }
   const int64_t gap = black[0].top - red[0].end;
   tell(1, gap == 0, std::to_string(gap));
-  const int64_t lines =
-      linesAcross(dots, (black[1].end + black[2].top) / 2, decode::kBlackCell);
+  const int64_t lines = linesAcross(dots, (black[1].end + black[2].top) / 2, decode::kBlackCell);
   tell(2, lines == 2, std::to_string(lines));
   const int64_t height = black[4].end - black[3].top;
   tell(3, std::abs(height - black[3].width) <= 2,
