@@ -91,9 +91,10 @@ view_orlo() {
 
 # The page in its exact placement, of which nothing is to be told.
 view_exact() {
-  local said=$output/exact.log
-  view_page exact.png --ppd build/release/ppd/velka-standard.ppd "$exact" 2>"$said"
+  local said=$output/exact.log result=0
+  (view_page exact.png --ppd build/release/ppd/velka-standard.ppd "$exact") 2>"$said" || result=$?
   cat "$said" >&2
+  ((result == 0)) || exit "$result"
   [[ $inks != both || ! -s $said ]] || die "the exact page has flaws: see $said"
   rm "$said"
 }
