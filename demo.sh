@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # demo.sh [FILE.pdf]: prints a PDF the way CUPS would, as far as the printer's
 # plug: through the system's own filters and the PPD into CUPS raster, through
-# our filter into printer commands; and draws the paper, for both models. Without
-# a file it prints a page of its own.
+# our filter into printer commands; and draws the paper: of the standard model in both
+# placements of the dots, and of the Orlo model. Without a file it prints a page of its own.
 set -euo pipefail
 
 usage() { echo "usage: ./demo.sh [FILE.pdf]"; }
@@ -41,7 +41,7 @@ make_document() {
 
 need_writable "$output"
 mkdir -p "$output"
-rm -f "$output"/*.png "$output"/*.log
+rm -f "$output"/*.png "$output"/*.log "$output"/*.escp
 inks=any
 if (($# == 1)); then take_document "$1"; fi
 tools/install-packages.sh
@@ -52,8 +52,16 @@ if (($# == 0)); then
 fi
 in_own_tmp tools/demo-job.sh "$document" "$inks"
 
+show() {
+  printf '%s\n' "$1"
+  printf '  %s\n' "${@:2}"
+}
+
 say "The command stream is in $PWD/$output/commands.escp"
 cat "$output/stats.txt"
 echo "The logs of the filter (velka.log) and of the other filters are in $PWD/$output."
-say "What comes out of the printer, drawn by velkaview for both models"
-ls -1 "$PWD/$output"/standard*.png "$PWD/$output"/orlo*.png
+echo "The same page with DotPlacement=1 is in $PWD/$output/exact.escp"
+say "What comes out of a printer that takes its commands by the letter, drawn by velkaview"
+show "Standard model, DotPlacement=1:" "$PWD/$output"/exact*.png
+show "Standard model, as the original stream:" "$PWD/$output"/standard*.png
+show "Orlo model:" "$PWD/$output"/orlo*.png

@@ -10,6 +10,7 @@ source tools/common.sh
 document=$1 inks=$2
 output=demo-output
 stream=$output/commands.escp
+exact=$output/exact.escp
 filter=build/release/filter/rastovelka
 velkaview=build/release/view/velkaview
 log=$output/velka.log
@@ -17,7 +18,7 @@ log=$output/velka.log
 # next to the filter's own 0.50, so the print hardly changes.
 option=LevelsRed=17
 # CUPS counts its jobs from 1, so this one meets no real job's files.
-job=(0 demo demo 1 "$option")
+job=(0 demo demo 1)
 # The log's first words, the first page's report and every option as it was read.
 log_lines=(
   "log4z thread started!" "Start Page 1 "
@@ -38,14 +39,14 @@ find_filters() {
   echo "$folder"
 }
 
-# What each filter says stays in a log of its own.
+# print_document FILTERS OPTIONS STREAM: what each filter says stays in a log of its own.
 print_document() {
-  local filters=$1 status
+  local filters=$1 options=$2 stream=$3 status
   export PPD=$PWD/build/release/ppd/velka-standard.ppd
   export CONTENT_TYPE=application/pdf FINAL_CONTENT_TYPE=application/vnd.cups-raster
-  "$filters/pdftopdf" "${job[@]}" <"$document" 2>"$output/pdftopdf.log" |
-    "$filters/gstoraster" "${job[@]}" 2>"$output/gstoraster.log" |
-    "$filter" "${job[@]}" >"$stream" 2>"$output/rastovelka.log" && return
+  "$filters/pdftopdf" "${job[@]}" "$options" <"$document" 2>"$output/pdftopdf.log" |
+    "$filters/gstoraster" "${job[@]}" "$options" 2>"$output/gstoraster.log" |
+    "$filter" "${job[@]}" "$options" >"$stream" 2>"$output/rastovelka.log" && return
   status=("${PIPESTATUS[@]}")
   tail -n 5 "$output"/{pdftopdf,gstoraster,rastovelka}.log >&2
   die "the chain failed: pdftopdf ${status[0]}, gstoraster ${status[1]}, rastovelka ${status[2]};" \
@@ -88,6 +89,16 @@ view_orlo() {
   view_page demo-page.png "${orlo[@]}" --from "$document" --page 1 --dpi 60
 }
 
+# The page in its exact placement, of which nothing is to be told.
+view_exact() {
+  local said=$output/exact.log result=0
+  (view_page exact.png --ppd build/release/ppd/velka-standard.ppd "$exact") 2>"$said" || result=$?
+  cat "$said" >&2
+  ((result == 0)) || exit "$result"
+  [[ $inks != both || ! -s $said ]] || die "the exact page has flaws: see $said"
+  rm "$said"
+}
+
 check_log() {
   local line
   for line in "${log_lines[@]}"; do
@@ -98,10 +109,13 @@ check_log() {
 say "Printing $document (standard model, 180 x 180 dpi)"
 echo "The job sets the option $option, so that the log names every option."
 view_orlo
+filters=$(find_filters)
+print_document "$filters" "$option DotPlacement=1" "$exact"
 # Last, because every job empties the log.
-print_document "$(find_filters)"
+print_document "$filters" "$option" "$stream"
 cp /tmp/velka.log "$log" || die "the filter left no readable log"
 check_stream
 [[ $inks != both ]] || check_both_inks
 check_log
+view_exact
 view_page standard.png --ppd build/release/ppd/velka-standard.ppd "$stream"

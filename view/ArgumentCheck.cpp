@@ -5,7 +5,15 @@ namespace {
 
 using Fault = std::optional<std::string>;
 
+// A page of our own has no input.
+Fault checkAlone(const Arguments& arguments) {
+  if (!arguments.from.empty()) return "--calibration writes a page of its own, without --from";
+  if (!arguments.files.empty()) return "unexpected argument '" + arguments.files[0] + "'";
+  return std::nullopt;
+}
+
 Fault checkFiles(const Arguments& arguments) {
+  if (arguments.action == Action::Calibration) return checkAlone(arguments);
   const bool sheet = arguments.action == Action::Sheet;
   const bool diff = arguments.action == Action::Diff;
   if (!arguments.from.empty()) {
@@ -35,6 +43,8 @@ Fault checkOutput(const Arguments& arguments) {
   if (arguments.format && named && *named != *arguments.format) {
     return "the name " + arguments.output + " contradicts --format";
   }
+  const bool png = arguments.format == Format::Png || named == Format::Png;
+  if (arguments.action == Action::Calibration && png) return "--calibration writes a PDF";
   return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "Calibration.h"
 #include "OptionTable.h"
 #include "SheetValues.h"
 
@@ -76,7 +77,7 @@ Fault readFormat(const std::string& text, std::optional<Format>& format) {
 
 Fault setAction(Arguments& arguments, Action action) {
   if (arguments.action != Action::Draw && arguments.action != action) {
-    return "only one of --list, --stats, --diff and --sheet can be given";
+    return "only one of --list, --stats, --diff, --sheet and --calibration can be given";
   }
   arguments.action = action;
   return std::nullopt;
@@ -87,6 +88,12 @@ Fault takeSheet(const char* text, Arguments& arguments) {
   if (!option) return invalid("sheet", text, "NAME=A,B,... or NAME=FROM..TO/STEP");
   arguments.sheet.push_back(std::move(*option));
   return setAction(arguments, Action::Sheet);
+}
+
+Fault takeCalibration(const std::string& name, Arguments& arguments) {
+  if (!isCalibration(name)) return invalid("calibration", name, calibrationNames());
+  arguments.calibration = name;
+  return setAction(arguments, Action::Calibration);
 }
 
 Fault takeNumber(int code, const char* text, Arguments& arguments) {
@@ -134,6 +141,8 @@ Fault takeOption(int code, const char* text, Arguments& arguments) {
       return setAction(arguments, Action::Diff);
     case kSheet:
       return takeSheet(text, arguments);
+    case kCalibration:
+      return takeCalibration(text, arguments);
     case kModel:
       return readModel(text, arguments.model);
     case kPage:

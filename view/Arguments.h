@@ -12,7 +12,7 @@
 
 namespace velka::view {
 
-enum class Action : uint8_t { Draw, List, Stats, Diff, Sheet };
+enum class Action : uint8_t { Draw, List, Stats, Diff, Sheet, Calibration };
 enum class Format : uint8_t { Png, Pdf };
 
 /// Pages from 1, both ends included.
@@ -38,6 +38,7 @@ struct Arguments {
   bool anyPpd = false;  ///< another maker's will do, too
   std::string options;
   std::vector<SheetOption> sheet;  ///< one, or two that make a grid
+  std::string calibration;         ///< the page to write, of those that there are
   std::optional<decode::Model> model;
   std::optional<double> scale;
   std::optional<double> dpi;

@@ -6,6 +6,7 @@ std::string helpText() {
   return R"(Usage: velkaview [OPTION]... FILE
   or:  velkaview --list|--stats [OPTION]... FILE
   or:  velkaview --diff [--tone] [OPTION]... FILE FILE
+  or:  velkaview --calibration placement [--output FILE.pdf]
   or:  velkaview --from FILE --ppd FILE.ppd [--options TEXT] [OPTION]...
 Draws the paper that a command stream prints. FILE - is standard input.
 
@@ -21,6 +22,8 @@ What to do
       --save FILE        with --from: keep the stream
       --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet;
                          also NAME=FROM..TO/STEP; twice for a grid
+      --calibration NAME write a page to print that tells what the printer does, a PDF;
+                         placement: whether it wants the option DotPlacement
       --progress         tell how far it is, also where no terminal is
 
 The printer
@@ -45,8 +48,8 @@ The picture
   -h, --help             show this
   -V, --version          show the version
 
-Pictures are written to FILE-1.png, FILE-2.png ... in the working folder, over what
-is there. What was guessed is told, and what of a page will not be on paper as it was
+Pictures are written to FILE-1.png, FILE-2.png ... in the working folder, a calibration
+page to NAME.pdf, over what is there. What was guessed is told, and what of a page will not be on paper as it was
 meant. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
 )";
 }

@@ -8,13 +8,14 @@
 namespace velka::view {
 namespace {
 
-constexpr std::array<option, 24> kLong{{
+constexpr std::array<option, 25> kLong{{
     {"list", no_argument, nullptr, kList},
     {"stats", no_argument, nullptr, kStats},
     {"diff", no_argument, nullptr, kDiff},
     {"tone", no_argument, nullptr, kTone},
     {"from", required_argument, nullptr, kFrom},
     {"sheet", required_argument, nullptr, kSheet},
+    {"calibration", required_argument, nullptr, kCalibration},
     {"save", required_argument, nullptr, kSave},
     {"ppd", required_argument, nullptr, kPpd},
     {"any-ppd", no_argument, nullptr, kAnyPpd},
@@ -40,6 +41,8 @@ constexpr unsigned bit(Action action) {
 }
 
 constexpr unsigned kPictures = bit(Action::Draw) | bit(Action::Diff) | bit(Action::Sheet);
+constexpr unsigned kStreams = kPictures | bit(Action::List) | bit(Action::Stats);
+constexpr unsigned kFiles = kPictures | bit(Action::Calibration);
 
 // Options that do nothing with some actions.
 struct Use {
@@ -48,7 +51,11 @@ struct Use {
   unsigned actions;
 };
 
-constexpr std::array<Use, 10> kUses{{
+constexpr std::array<Use, 14> kUses{{
+    {kPpd, "--ppd", kStreams},
+    {kAnyPpd, "--any-ppd", kStreams},
+    {kOptions, "--options", kStreams},
+    {kModel, "--model", kStreams},
     {kWidth, "--width", kPictures | bit(Action::Stats)},
     {kHeadSpeed, "--head-speed", bit(Action::Stats)},
     {kFeedSpeed, "--feed-speed", bit(Action::Stats)},
@@ -57,13 +64,13 @@ constexpr std::array<Use, 10> kUses{{
     {kScale, "--scale", kPictures},
     {kPins, "--pins", bit(Action::Draw) | bit(Action::Sheet)},
     {kTone, "--tone", bit(Action::Diff)},
-    {kFormat, "--format", kPictures},
-    {'o', "--output", kPictures},
+    {kFormat, "--format", kFiles},
+    {'o', "--output", kFiles},
 }};
 
 std::string nameOf(Action action) {
-  constexpr std::array<const char*, 5> kNames{"a picture", "--list", "--stats", "--diff",
-                                              "--sheet"};
+  constexpr std::array<const char*, 6> kNames{"a picture", "--list",  "--stats",
+                                              "--diff",    "--sheet", "--calibration"};
   return kNames.at(static_cast<size_t>(action));
 }
 

@@ -19,6 +19,7 @@ enum Long : int {
   kDiff,
   kFrom,
   kSheet,
+  kCalibration,
   kPpd,
   kAnyPpd,
   kOptions,

@@ -42,6 +42,8 @@ int show(const Arguments& arguments) {
       return tellDifference(arguments);
     case Action::Sheet:
       return drawSheet(arguments);
+    case Action::Calibration:
+      return writeCalibration(arguments);
     case Action::Draw:
       break;
   }

@@ -21,6 +21,9 @@ namespace velka::view {
 /// One page printed with each value of an option, on one sheet.
 [[nodiscard]] int drawSheet(const Arguments& arguments);
 
+/// A page to print that tells what the printer does, as a PDF.
+[[nodiscard]] int writeCalibration(const Arguments& arguments);
+
 /// The view that the command line asks for.
 [[nodiscard]] int show(const Arguments& arguments);
 

@@ -108,6 +108,13 @@ TEST(Arguments, SwitchesAndFilesAreTaken) {
   EXPECT_TRUE(accepted({"--diff", "--tone", "a", "b"}).tone);
 }
 
+TEST(Arguments, ACalibrationPageNeedsNothingElse) {
+  const Arguments arguments = accepted({"--calibration", "placement"});
+  EXPECT_EQ(arguments.action, Action::Calibration);
+  EXPECT_EQ(arguments.calibration, "placement");
+  EXPECT_EQ(accepted({"--calibration=placement", "--format=pdf", "-o", "page"}).output, "page");
+}
+
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsThere) {
   const Result help = read({"--pins", "--help"});
   ASSERT_TRUE(std::holds_alternative<Answer>(help));
@@ -153,7 +160,20 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--head-speed", "0", "a"},
        "invalid value '0' for --head-speed: it takes millimetres a second from 0.001 to 1000000"},
       {{"--dpi", "90", "--scale", "1", "a"}, "--dpi and --scale exclude each other"},
-      {{"--list", "--stats", "a"}, "only one of --list, --stats, --diff and --sheet can be given"},
+      {{"--list", "--stats", "a"},
+       "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
+      {{"--calibration", "nothing"},
+       "invalid value 'nothing' for --calibration: it takes placement"},
+      {{"--calibration", "placement", "a"}, "unexpected argument 'a'"},
+      {{"--calibration", "placement", "--from", "a"},
+       "--calibration writes a page of its own, without --from"},
+      {{"--calibration", "placement", "--ppd", "p"}, "--ppd does nothing with --calibration"},
+      {{"--calibration", "placement", "--page", "1"}, "--page does nothing with --calibration"},
+      {{"--calibration", "placement", "--save", "a"}, "--save needs --from"},
+      {{"--calibration", "placement", "-o", "x.png"}, "--calibration writes a PDF"},
+      {{"--calibration", "placement", "--format", "png"}, "--calibration writes a PDF"},
+      {{"--calibration", "placement", "--list"},
+       "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
       {{"--list", "-o", "x", "a"}, "--output does nothing with --list"},
       {{"--list", "--pins", "a"}, "--pins does nothing with --list"},
       {{"--list", "--width", "57", "a"}, "--width does nothing with --list"},

@@ -51,6 +51,18 @@ ExpectedStream page() {
   return ExpectedStream().start(6).block(0, 39, 1, {0x80, 0, 0}).formFeed();
 }
 
+TEST_F(Program, WritesTheCalibrationPageUnderItsNameOrTheOneStated) {
+  const FilterResult result = run({"--calibration", "placement"});
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(result.errors, "");
+  EXPECT_TRUE(isThere("placement.pdf"));
+  EXPECT_EQ(run({"--calibration", "placement", "-o", "page.pdf"}).status, 0);
+  EXPECT_EQ(textOf("page.pdf"), textOf("placement.pdf"));
+  EXPECT_EQ(outputOf(run({"--calibration", "placement", "-o", "-"})), textOf("placement.pdf"));
+  EXPECT_EQ(run({"--calibration", "placement", "-o", "none/page.pdf"}).status, 1);
+  EXPECT_EQ(run({"--calibration", "other"}).status, 2);
+}
+
 TEST_F(Program, WritesAPictureAPage) {
   put("job.prn", page().add(page()).end().bytes());
   const FilterResult result = run({"job.prn"});
