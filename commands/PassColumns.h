@@ -12,6 +12,8 @@ namespace velka {
 
 /// How far a short run is widened to the right.
 inline constexpr int64_t kShortestRunSpan = 10;
+/// With more blank columns than this between, two runs are shorter than one.
+inline constexpr int64_t kMostBlankColumns = 190;
 
 class PassColumns {
  public:

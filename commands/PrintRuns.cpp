@@ -6,9 +6,6 @@
 namespace velka {
 namespace {
 
-// More blank columns than this and a new block is shorter than going on.
-constexpr int64_t kMostBlankColumns = 190;
-
 // A block counts its columns with 16 bits.
 constexpr int64_t kMostColumns = 65535;
 
@@ -48,7 +45,7 @@ std::optional<PrintRun> PrintRuns::next() noexcept {
   int64_t right = left;
   int64_t blanks = 0;
   const int64_t end = std::min(width_, left + longestRun(rules_.step));
-  for (++at_; at_ < end && blanks <= kMostBlankColumns; ++at_) {
+  for (++at_; at_ < end && blanks <= rules_.mostBlank; ++at_) {
     if (isBlank(at_)) {
       ++blanks;
     } else {

@@ -22,10 +22,11 @@ struct PrintRun {
 
 /// What makes a run of a pass's ink.
 struct RunRules {
-  int64_t step;      ///< columns between the places where blocks may start; at least 1
-  int64_t shortest;  ///< a run ends at least as many columns behind its first; below step - 1
-                     ///< the column that opens a run could lie behind its end
-  bool clamp;        ///< whether a run that is widened for that ends at the page's last column
+  int64_t step;       ///< columns between the places where blocks may start; at least 1
+  int64_t shortest;   ///< a run ends at least as many columns behind its first; below step - 1
+                      ///< the column that opens a run could lie behind its end
+  int64_t mostBlank;  ///< a run ends where more columns than this are blank
+  bool clamp;         ///< whether a run that is widened for that ends at the page's last column
 };
 
 /// Yields a pass's runs from left to right.

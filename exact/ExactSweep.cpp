@@ -1,6 +1,7 @@
 #include "ExactSweep.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 #include "HeadResolution.h"
@@ -19,8 +20,9 @@ int64_t columnsBetweenStarts(int xdpi) noexcept {
 // A column that opens a run must lie in it, as far behind the run's start as it may be.
 RunRules runRulesOf(const ExactHead& head) noexcept {
   const int64_t step = columnsBetweenStarts(head.xdpi);
-  const int64_t widened = head.namesInk ? 0 : kShortestRunSpan;
-  return {step, std::max(widened, step - 1), true};
+  // The standard model's printers know one block an ink and pass, blank or not in between.
+  if (head.namesInk) return {step, step - 1, std::numeric_limits<int64_t>::max(), true};
+  return {step, std::max(kShortestRunSpan, step - 1), kMostBlankColumns, true};
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ bool BandWalk::sendRuns() noexcept {
   if (columns_.isBlank()) return true;
   const auto bytes = columns_.pack();
   PrintRuns runs(bytes, columns_.bytesPerColumn(), std::max(black_.width, red_.width),
-                 {resolution_.step(), kShortestRunSpan, layout_.clampsRuns});
+                 {resolution_.step(), kShortestRunSpan, kMostBlankColumns, layout_.clampsRuns});
   while (const auto run = runs.next()) {
     const auto from = static_cast<size_t>(run->left) * PassColumns::kColumnBytes;
     const auto size = static_cast<size_t>(run->right - run->left + 1) * PassColumns::kColumnBytes;
