@@ -22,7 +22,8 @@ constexpr int kBoxWidth = 300;
 constexpr int kBoxHeight = 45;
 constexpr int kThick = 3;
 
-constexpr int kLadderBands = kWidth / kBand;
+constexpr int kLadderBands = 24;
+constexpr int kLadder = kLadderBands * kBand;
 constexpr int kRail = 6;
 constexpr int kRungTop = 9;
 
@@ -72,10 +73,10 @@ class Writer {
       add(kLeft + kRail, rung, kWidth - 2 * kRail, kRail, decode::Ink::Red);
     }
     add(kLeft, row_, kWidth, kRail);
-    add(kLeft, row_, kRail, kWidth);
-    add(kLeft + kWidth - kRail, row_, kRail, kWidth);
-    add(kLeft, row_ + kWidth - kRail, kWidth, kRail);
-    row_ += kWidth;
+    add(kLeft, row_, kRail, kLadder);
+    add(kLeft + kWidth - kRail, row_, kRail, kLadder);
+    add(kLeft, row_ + kLadder - kRail, kWidth, kRail);
+    row_ += kLadder;
   }
 
  private:
@@ -106,9 +107,9 @@ DotDrawing placementPage() {
   writer.skip(kBand / 2);
   writer.box();
   writer.skip(2 * kBand);
-  writer.line("3  Measure the ladder.");
-  writer.line("   As high as wide: A");
-  writer.line("   About 3 mm less high than wide: B");
+  writer.line("3  Measure how high the ladder is.");
+  writer.line("   81 mm: A");
+  writer.line("   78 mm: B");
   writer.skip(kBand / 2);
   writer.ladder();
   writer.skip(kBand);

@@ -47,11 +47,11 @@ reads() {
 }
 
 check_fields() {
-  # 28 rows are 3.95 mm, 19 rows 2.7 mm; the ladder loses its last column, too.
-  reads standard 0 $'1 B 28\n2 B 1\n3 B 461x479'
-  reads standard 1 $'1 A 0\n2 A 2\n3 A 480x480'
-  reads orlo 0 $'1 A 0\n2 A 2\n3 A 480x480'
-  reads orlo 1 $'1 A 0\n2 A 2\n3 A 480x480'
+  # 28 rows are 3.95 mm; the ladder has 24 bands, and loses a row at each of 23 steps.
+  reads standard 0 $'1 B 28\n2 B 1\n3 B 553'
+  reads standard 1 $'1 A 0\n2 A 2\n3 A 576'
+  reads orlo 0 $'1 A 0\n2 A 2\n3 A 576'
+  reads orlo 1 $'1 A 0\n2 A 2\n3 A 576'
 }
 
 # Where the paper is another, edges fall into dots; the letters stay.
