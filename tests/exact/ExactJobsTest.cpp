@@ -75,6 +75,43 @@ TEST(ExactJobs, StrikeEveryDotOfTheLiteralPlanesOnce) {
   }
 }
 
+// A page with dots of both inks at its ends, in its middle, and here and there.
+RasterPage sparsePage(unsigned width, unsigned height, unsigned xdpi, unsigned ydpi) {
+  RasterPage page = testing::whitePage(testing::rgbHeader(width, height, xdpi, ydpi));
+  const auto paint = [&](size_t row, size_t column, Bytes colour) {
+    std::copy(colour.begin(), colour.end(),
+              page.lines[row].begin() + static_cast<ptrdiff_t>(column * 3));
+  };
+  for (const size_t row : {size_t{0}, size_t{height / 2}, size_t{height - 1}})
+    for (size_t column = 0; column < width; column += 1 + width / 7)
+      paint(row, column, column % 2 == 0 ? Bytes{0, 0, 0} : Bytes{255, 0, 0});
+  paint(height - 1, width - 1, {255, 0, 0});
+  paint(height / 2, width - 1, {0, 0, 0});
+  return page;
+}
+
+TEST(ExactJobs, OfHugePagesLoseNothingEither) {
+  struct Size {
+    unsigned width;
+    unsigned height;
+    unsigned xdpi;
+    unsigned ydpi;
+  };
+  // Blocks of more columns than they count, moves of more units than one command has.
+  const Size sizes[] = {{70000, 40, 180, 180}, {66000, 30, 360, 360}, {30, 12000, 60, 60},
+                        {20, 60000, 180, 180}, {9, 100000, 360, 360}, {70000, 20, 80, 60}};
+  for (const Size& size : sizes)
+    for (const int model : {1, kOrlo})
+      for (const int split : {0, 1}) {
+        SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height));
+        Job job = jobOf(model);
+        job.options.SplitBlackRed = static_cast<int16_t>(split);
+        job.choose("SplitBlackRed", split);
+        job.pages = {sparsePage(size.width, size.height, size.xdpi, size.ydpi)};
+        expectPaper(job);
+      }
+}
+
 TEST(ExactJobs, CostNoMoreThanTheOriginalStreamWhereThatPrintsAll) {
   int compared = 0;
   for (unsigned seed = 1001; seed <= 1100 && !HasFailure(); ++seed) {

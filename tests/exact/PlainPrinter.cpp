@@ -115,7 +115,8 @@ class Printer {
       const int distance = static_cast<int16_t>(nextWord());
       y_ += int64_t{distance} * unit_;
       ++page_.moves;
-      if (distance < 0) ++page_.movesBack;
+      if (distance < 0 && !goingBack_) ++page_.movesBack;
+      goingBack_ = distance < 0;
       page_.farthest = std::max(page_.farthest, y_);
       inPass_ = -1;
     } else {
@@ -153,6 +154,7 @@ class Printer {
       slot = bit < 6 ? bit : bit + 10;
     }
     struck_ = true;
+    goingBack_ = false;
     onStrike_(job_.pages.size(), {ink, y_ + int64_t{slot} * pitch, x_});
   }
 
@@ -182,6 +184,7 @@ class Printer {
   int formLines_ = 0;
   int inPass_ = -1;  // the colour of the pass under way
   bool struck_ = false;
+  bool goingBack_ = false;
 };
 
 }  // namespace

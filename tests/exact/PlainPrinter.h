@@ -23,8 +23,8 @@ struct PrintedPage {
   int64_t farthest = 0;        ///< the paper's lowest stand, 1/3600 inch
   int64_t lastStand = 0;       ///< at the form feed
   int moves = 0;               ///< of the paper
-  int movesBack = 0;
-  int passes = 0;  ///< of the head: blocks of one ink between moves count once
+  int movesBack = 0;           ///< of one command or more
+  int passes = 0;              ///< of the head: blocks of one ink between moves count once
   size_t bytes = 0;
 };
 
