@@ -44,7 +44,7 @@ std::optional<Setting> anySetting(Input& input) {
 }
 
 Planes anyPlanes(Input& input) {
-  Planes planes = {1 + input.below(200), 1 + input.below(300), {}};
+  Planes planes = {1 + input.below(64), 1 + input.below(220), {}};
   for (Bytes& dots : planes.dots)
     dots = input.dots(static_cast<size_t>(planes.width) * static_cast<size_t>(planes.height));
   return planes;

@@ -27,7 +27,7 @@ void clearUnreached(velka::fuzz::Bytes& dots, int width, int rows) {
 }
 
 DotPage anyPage(Input& input, Feed feed, int passes) {
-  DotPage page(1 + input.below(128), 1 + input.below(300));
+  DotPage page(1 + input.below(48), 1 + input.below(220));
   const auto size = static_cast<size_t>(page.width) * static_cast<size_t>(page.height);
   auto black = input.dots(size);
   auto red = input.dots(size);
