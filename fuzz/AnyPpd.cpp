@@ -3,6 +3,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <sstream>
+
 namespace velka::fuzz {
 namespace {
 
@@ -37,22 +39,22 @@ const char* anyKeyword(Input& input) {
 }
 
 std::string anyPpd(Input& input) {
-  std::string text =
-      "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n"
-      "*LanguageEncoding: ISOLatin1\n*PCFileName: \"VELKA.PPD\"\n*Product: \"(Velka)\"\n"
-      "*Manufacturer: \"Velka\"\n*ModelName: \"Velka\"\n*ShortNickName: \"Velka\"\n"
-      "*NickName: \"Velka\"\n*PSVersion: \"(3010.000) 0\"\n*cupsModelNumber: " +
-      std::to_string(input.below(4)) + "\n";
+  std::ostringstream text;
+  text << "*PPD-Adobe: \"4.3\"\n*FormatVersion: \"4.3\"\n*LanguageVersion: English\n"
+          "*LanguageEncoding: ISOLatin1\n*PCFileName: \"VELKA.PPD\"\n*Product: \"(Velka)\"\n"
+          "*Manufacturer: \"Velka\"\n*ModelName: \"Velka\"\n*ShortNickName: \"Velka\"\n"
+          "*NickName: \"Velka\"\n*PSVersion: \"(3010.000) 0\"\n*cupsModelNumber: "
+       << input.below(4) << '\n';
   for (int options = input.below(32); options > 0; --options) {
     const std::string keyword = anyKeyword(input);
     const std::string code =
         input.flag() ? std::to_string(input.byte()) : input.text(input.byte() % 16U);
-    text += "*OpenUI *" + keyword + "/" + keyword + ": PickOne\n*Default" + keyword +
-            ": Chosen\n*" + keyword + " Chosen/Chosen: \"" + code + "\"\n*" + keyword +
-            " Other/Other: \"" + std::to_string(input.below(512) - 128) + "\"\n*CloseUI: *" +
-            keyword + "\n";
+    text << "*OpenUI *" << keyword << '/' << keyword << ": PickOne\n*Default" << keyword
+         << ": Chosen\n*" << keyword << " Chosen/Chosen: \"" << code << "\"\n*" << keyword
+         << " Other/Other: \"" << input.below(512) - 128 << "\"\n*CloseUI: *" << keyword << '\n';
   }
-  return text + input.text();
+  text << input.text();
+  return text.str();
 }
 
 }  // namespace velka::fuzz
