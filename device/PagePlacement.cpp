@@ -60,25 +60,24 @@ GDIINFO scaledGeometry(const GDIINFO& source, double scaleX, double scaleY) noex
   return out;
 }
 
+// In place: with -O1, g++ 12 loses what is stored into a copy of a packed record's member.
 void growGeometry(_OEMPDEV& pdev, int16_t orientation, const PageOffset& offset) noexcept {
-  GDIINFO src = pdev.srcGdiInfo;
-  GDIINFO out = pdev.devGdiInfo;
   const double scaleX = pdev.dScaleX;
   const bool portrait = orientation == kPortrait;
   const int32_t down = portrait ? offset.y : wrappingNegate(offset.y);
   pdev.bmInfoHeaderOut.biWidth = wrappingAdd(pdev.bmInfoHeaderOut.biWidth, offset.x);
   pdev.bmInfoHeaderOut.biHeight = wrappingAdd(pdev.bmInfoHeaderOut.biHeight, down);
-  out.ulHorzSize = scaledPlus(src.ulHorzSize, scaleX, offset.x);
-  out.ulHorzRes = scaledPlus(src.ulHorzRes, scaleX, offset.x);
-  out.szlPhysSize.cx = truncateToInt32(src.szlPhysSize.cx / scaleX + offset.x);
-  out.ulVertRes += static_cast<uint32_t>(down);
-  out.ulVertSize += static_cast<uint32_t>(down);
-  out.szlPhysSize.cy = wrappingAdd(out.szlPhysSize.cy, down);
+  pdev.devGdiInfo.ulHorzSize = scaledPlus(pdev.srcGdiInfo.ulHorzSize, scaleX, offset.x);
+  pdev.devGdiInfo.ulHorzRes = scaledPlus(pdev.srcGdiInfo.ulHorzRes, scaleX, offset.x);
+  tagSIZE size = pdev.devGdiInfo.szlPhysSize;
+  size.cx = truncateToInt32(pdev.srcGdiInfo.szlPhysSize.cx / scaleX + offset.x);
+  size.cy = wrappingAdd(size.cy, down);
+  pdev.devGdiInfo.ulVertRes += static_cast<uint32_t>(down);
+  pdev.devGdiInfo.ulVertSize += static_cast<uint32_t>(down);
+  pdev.devGdiInfo.szlPhysSize = size;
   // Deliberate: the source keeps the grown size, so the next page grows from it.
-  if (portrait && offset.y != 0) src.szlPhysSize.cy = out.szlPhysSize.cy;
-  if (!portrait && offset.x != 0) src.szlPhysSize.cx = out.szlPhysSize.cx;
-  pdev.srcGdiInfo = src;
-  pdev.devGdiInfo = out;
+  if (portrait && offset.y != 0) pdev.srcGdiInfo.szlPhysSize.cy = size.cy;
+  if (!portrait && offset.x != 0) pdev.srcGdiInfo.szlPhysSize.cx = size.cx;
 }
 
 void placePage(const BitmapView& source, const BitmapView& output, int32_t rows,
