@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# install-packages.sh [--lint | --bench | --other-release]: installs what this system is
-# built, tested and shown with on Debian 12 and 13, and does nothing when all of it is there
-# already.
+# install-packages.sh [--lint | --bench | --cover | --mutants | --other-release]: installs
+# what this system is built, tested and shown with on Debian 12 and 13, and does nothing when
+# all of it is there already.
 set -euo pipefail
 
 packages=(
@@ -26,9 +26,11 @@ case "${1:-}" in
       lomiri-wallpapers-16.04             # photographs
     )
     ;;
+  --cover) packages+=(gcovr) ;;
+  --mutants) packages+=(python3) ;;
   --other-release) packages=(debootstrap) ;;
   *)
-    echo "usage: $0 [--lint | --bench | --other-release]" >&2
+    echo "usage: $0 [--lint | --bench | --cover | --mutants | --other-release]" >&2
     exit 2
     ;;
 esac
