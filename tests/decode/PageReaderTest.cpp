@@ -73,6 +73,15 @@ TEST(PageReader, TheNinthByteOfATallHeadEndsAtDotSeventyTwo) {
   EXPECT_EQ(dotsOf(pages[0], Model::Standard), expected);
 }
 
+// Paper stays where it is, and what was set goes.
+TEST(PageReader, AnInitialisedPrinterKnowsNoPageLength) {
+  const Stream stream =
+      ExpectedStream().start(66).add({0x1B, '@'}).block(0, 0, 1, {1}).formFeed().bytes();
+  const auto pages = pagesOf(stream, Model::Standard);
+  ASSERT_EQ(pages.size(), 1U);
+  EXPECT_EQ(pages[0].lines, 0);
+}
+
 TEST(PageReader, RelativeMovesStartBehindTheBlockAndCarriageReturnsAtTheEdge) {
   // Two columns at 60 dpi are two steps of 1/60 inch; minus five leaves four.
   const Stream stream = ExpectedStream()

@@ -106,6 +106,22 @@ TEST_F(PageMemory, APageThatIsNotTurnedIsTold) {
   EXPECT_EQ(unturned, 1U);
 }
 
+// What is missing of one half must not come out as a page of the other.
+TEST_F(PageMemory, CopiesOfASplitPageEndWhereMemoryDoes) {
+  tagOEMCFG options = reference::defaultOptions();
+  options.SplitBlackRed = 1;
+  options.sCopies = 3;
+  const Outcome full = render(options, false, FailingMemory::kNone);
+  for (size_t passed = 0; passed < full.asked; ++passed) {
+    SCOPED_TRACE(passed);
+    const Outcome less = render(options, false, passed);
+    if (less.output == full.output) continue;
+    EXPECT_FALSE(less.printed);
+    EXPECT_TRUE(startsWith(full.output, less.output));
+    EXPECT_NE(less.said, "");
+  }
+}
+
 // The black half may be out already.
 TEST_F(PageMemory, OfASplitPageTheLogSaysHowFarItCame) {
   tagOEMCFG options = reference::defaultOptions();

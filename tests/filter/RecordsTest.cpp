@@ -66,6 +66,23 @@ TEST(DeviceRecord, HoldsThePagesGeometry) {
   EXPECT_EQ(+pdev.dwCurPageNum, 0U);
 }
 
+TEST(DeviceRecord, KeepsNothingOfTheOneBefore) {
+  const cups_page_header2_t header = rgbHeader(10, 20);
+  _OEMPDEV pdev = {};
+  pdev.bState = 1;
+  pdev.dwReserved2 = pdev.dwReserved3 = pdev.dwReserved4 = pdev.dwReserved6 = pdev.dwReserved7 = 1;
+  pdev.dwRectCount = pdev.dwBufSizeOut = pdev.dwWhiteRows = pdev.dwWhiteRowsOut = 1;
+  pdev.dwMostBytes = 1;
+  pdev.srcGdiInfo.ptlPhysOffset = {1, 1};
+  InitOemPDEV(&pdev, &header);
+  EXPECT_EQ(+pdev.bState, 0);
+  EXPECT_EQ(pdev.dwReserved2 + pdev.dwReserved3 + pdev.dwReserved4, 0U);
+  EXPECT_EQ(pdev.dwReserved6 + pdev.dwReserved7, 0U);
+  EXPECT_EQ(pdev.dwRectCount + pdev.dwBufSizeOut, 0U);
+  EXPECT_EQ(pdev.dwWhiteRows + pdev.dwWhiteRowsOut + pdev.dwMostBytes, 0U);
+  EXPECT_EQ(pdev.srcGdiInfo.ptlPhysOffset.x + pdev.srcGdiInfo.ptlPhysOffset.y, 0);
+}
+
 TEST(DeviceRecord, WidthsBeyondThirtyOneBitsAreKeptAsTheirSignedValue) {
   cups_page_header2_t header = rgbHeader(10, 20);
   header.cupsHeight = 4294967295U;

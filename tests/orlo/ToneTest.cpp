@@ -1,6 +1,7 @@
 // Tone tables of the two inks.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <cstdlib>
 
@@ -53,6 +54,21 @@ TEST(LightTables, PureBlackAndPureWhitePass) {
   EXPECT_EQ(r, 30);
 }
 
+// No bit is set in two of them, none in all of the second's.
+TEST(LightTables, ChangeColoursOfWhichNoBitIsCommon) {
+  COrloProcesser processor;
+  processor.SetLightTable(20, 0, 1);
+  for (const auto& [red, green, blue] : {std::array{4, 3, 0}, {0, 4, 3}, {3, 0, 4}, {0, 0, 8}}) {
+    auto r = static_cast<unsigned char>(red);
+    auto g = static_cast<unsigned char>(green);
+    auto b = static_cast<unsigned char>(blue);
+    processor.Light(r, g, b, 1);
+    EXPECT_EQ(r, red + 20);
+    EXPECT_EQ(g, green + 20);
+    EXPECT_EQ(b, blue + 20);
+  }
+}
+
 TEST(LevelTables, OfAHundredAreTheIdentityAndFiftySquares) {
   COrloProcesser processor;
   COLORLEVELSITEM item = {1.0F, 0, 255, 0, 255};
@@ -98,6 +114,21 @@ TEST(LevelTables, AreAskedOnlyWhenRedAndGreenAreReady) {
   processor.InitColorLevelsData(3, 1);
   processor.GetColorLevelsData({9, 9, 9, 0}, &out, 1);
   EXPECT_EQ(out.rgbBlue, 255);
+}
+
+TEST(LevelTables, OfEachChannelAreItsOwn) {
+  COrloProcesser processor;
+  COLORLEVELSITEM item = {1.0F, 0, 255, 0, 0};
+  for (const int channel : {0, 1, 2}) {
+    item.byOutLow = static_cast<unsigned char>(10 * channel);
+    item.byOutHigh = item.byOutLow;
+    processor.SetColorLevelsData(&item, channel, 2);
+  }
+  tagRGBQUAD out = {};
+  processor.GetColorLevelsData({100, 100, 100, 0}, &out, 2);
+  EXPECT_EQ(out.rgbRed, 0);
+  EXPECT_EQ(out.rgbGreen, 10);
+  EXPECT_EQ(out.rgbBlue, 20);
 }
 
 TEST(LevelTables, IgnoreIndicesOutside) {

@@ -31,7 +31,7 @@ PROGRAMS = {
     "log": ["log", "jobs"],
     "escp": ["reference", "escp", "jobs"],
     "orlo": ["orlo", "reference", "jobs"],
-    "filter": ["filter", "reference", "jobs", "exact"],
+    "filter": ["filter", "reference", "levels", "jobs", "exact"],
     "pdfcopy": ["pdfcopy"],
     "decode": ["decode", "view"],
 }
