@@ -113,6 +113,18 @@ TEST(PictureCopy, StopsTheJobAlsoWhereTheCallerIgnoresItsChildren) {
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }
 
+TEST(PictureCopy, StopsTheJobWhereNobodyKnowsThePrintSystemsFilters) {
+  CopyJob copy("nowhere");
+  copy.job.input = somePicture();
+  copy.job.arguments.insert(copy.job.arguments.begin(), {"-u", "CUPS_SERVERBIN", VELKA_PDFCOPY});
+  const FilterResult result = runFilter("/usr/bin/env", copy.job);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.errors.find("\nERROR: CUPS_SERVERBIN is not set, so imagetopdf cannot be run\n"),
+            std::string::npos)
+      << result.errors;
+  EXPECT_TRUE(filesOf(copy.id.text()).empty());
+}
+
 TEST(PostScriptCopy, IsThePdfThatThePrintSystemMakesOfIt) {
   PictureJob copy("postscript");
   copy.addConverter("gstopdf", "echo '%PDF-'; cat");

@@ -29,7 +29,7 @@ WORK = ROOT / "build" / "mutants"
 PROGRAMS = {
     "imaging": ["imaging", "reference", "levels", "escp", "orlo", "jobs", "exact"],
     "log": ["log", "jobs"],
-    "escp": ["reference", "escp", "jobs"],
+    "escp": ["reference", "escp", "exact", "jobs"],
     "orlo": ["orlo", "reference", "jobs"],
     "filter": ["filter", "reference", "levels", "jobs", "exact"],
     "pdfcopy": ["pdfcopy"],
