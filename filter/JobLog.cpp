@@ -19,7 +19,7 @@ const char* whyNotOpened(const char* path, int error) noexcept {
 
 bool emptyJobLog() noexcept {
   errno = 0;
-  if (openRegularForWriting(kJobLog, true) != nullptr) return true;
+  if (openRegularForWriting(kJobLog, true)) return true;
   const char* why = whyNotOpened(kJobLog, errno);
   if (why == nullptr) return false;
   // Other filters share the stream, and our own texts end without a line end: the

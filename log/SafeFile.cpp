@@ -23,34 +23,24 @@ UniqueFd movedUp(UniqueFd file) noexcept {
                   : std::move(file);
 }
 
-UniqueFile toStream(UniqueFd& descriptor, const char* mode) noexcept {
-  UniqueFile file(fdopen(descriptor.get(), mode));
-  if (file) {
-    descriptor.release();
-  }
-  return file;
-}
-
 constexpr mode_t kNewFileMode = 0666;
 
 }  // namespace
 
-UniqueFile openRegularForWriting(const char* path, bool truncate) noexcept {
+UniqueFd openRegularForWriting(const char* path, bool truncate) noexcept {
   const int append = truncate ? 0 : O_APPEND;
   UniqueFd file = movedUp(openOwnFile(path, O_WRONLY | O_CREAT | append, kNewFileMode));
-  if (!file || (truncate && ftruncate(file.get(), 0) != 0)) {
-    return nullptr;
-  }
-  return toStream(file, truncate ? "wb" : "ab");
+  const bool ready = file && (!truncate || ftruncate(file.get(), 0) == 0);
+  return ready ? std::move(file) : UniqueFd();
 }
 
-UniqueFile openRegularForReading(const char* path) noexcept {
+UniqueFd openRegularForReading(const char* path) noexcept {
   if (path == nullptr) {
-    return nullptr;
+    return UniqueFd();
   }
   // Without O_NONBLOCK the open of a FIFO would wait for its other end.
   UniqueFd file = movedUp(UniqueFd(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)));
-  return isRegular(file) ? toStream(file, "rb") : nullptr;
+  return isRegular(file) ? std::move(file) : UniqueFd();
 }
 
 }  // namespace velka
