@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +30,7 @@
 #include "RasterPage.h"
 #include "SafeFile.h"
 #include "StandardDescriptors.h"
+#include "StandardOutput.h"
 #include "log4z.h"
 
 tagOEMCFG g_oemCfg = {};
@@ -59,6 +61,13 @@ void tellRoom(int page, velka::PageRoom room, const velka::PageSize& size) {
         "page %d is not printed: its bitmap of %u x %u pixels is larger than %u bytes, the most "
         "that a page may take",
         page, size.width, size.height, static_cast<unsigned int>(size.mostBytes));
+}
+
+// A reader that is gone is the backend's to tell.
+void tellPrinterError() noexcept {
+  const int error = velka::printerError();
+  if (error != 0 && error != EPIPE)
+    VELKA_LOG_DEBUG("the job is not printed to its end: %s", strerrordesc_np(error));
 }
 
 // What stays the same from page to page.
@@ -155,6 +164,7 @@ int RunFilter(int argc, char* argv[]) noexcept {
   const int pages = printPages({raster, ppd, argv, pdfPath.text()});
   VELKA_LOG_DEBUG("EndDoc, bufStart is 0x%x", pageAddress());
   EndDocOemPDEV(&g_devObj);
+  tellPrinterError();
   // A cancelled job leaves no pictures of its pages. One that runs to its end leaves
   // those whose name it could not foresee.
   if (Canceled != 0 && velka::pagesComeFromPdf(ppd)) velka::removePageFiles(argv[1], pages);
@@ -233,6 +243,8 @@ void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_
   const velka::PageDigits count =
       velka::knownDigits(pdfPath, {velka::pageLimits.counting, Canceled});
   if (count.late) VELKA_LOG_DEBUG("no page count from the PDF: its tool took too long");
+  if (!count.counted && !count.late && Canceled == 0)
+    VELKA_LOG_DEBUG("no page count from the PDF: its tool cannot be run");
   if (count.digits != -1) {
     VELKA_LOG_DEBUG(
         "temp: %s",
@@ -262,6 +274,11 @@ void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
   unsigned int size = 0;
   PpmFileData(ppmName, &contents, &size);
   const velka::MallocBytes file(contents);
+  if (size == 0 && velka::holdsOwnBytes(ppmName)) {
+    velka::removeOwnFile(ppmName);
+    VELKA_LOG_DEBUG("no page from the PDF: its picture cannot be read");
+    return;
+  }
   int width = 0;
   int height = 0;
   const unsigned char* data = PpmBitmapData(contents, size, &width, &height);
