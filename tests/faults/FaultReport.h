@@ -1,0 +1,23 @@
+// What the fault shim tells its test: a file that both have mapped, so that it is whole
+// whatever way the program ends.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace velka::testing {
+
+struct FaultReport {
+  uint64_t seen = 0;      ///< calls of the chosen function since main() began
+  uint64_t failed = 0;    ///< those that were made to fail, or were cut short
+  uint64_t lastSize = 0;  ///< bytes that the last of them asked for
+  /// The file of the program or library that made the last of them.
+  std::array<char, 128> caller = {};
+  int32_t signal = 0;         ///< the fault that ended the program, 0 for none
+  uint64_t faultAddress = 0;  ///< what it touched
+  /// The file that the faulting instruction lies in.
+  std::array<char, 128> faultIn = {};
+};
+
+}  // namespace velka::testing
