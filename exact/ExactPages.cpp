@@ -61,8 +61,9 @@ bool appendStandardPage(const CESCPSML& generator, const std::optional<ExactHead
   return !eject || page.sink().append(*eject);
 }
 
+// An ink that the options leave out is not halftoned.
 DotPlane orloPlane(const OrloPlane& plane, const OrloInks& page) noexcept {
-  if (plane.isEmpty()) return {nullptr, page.width, 0, 0};
+  if (plane.isEmpty() || !plane.hasData) return {nullptr, page.width, 0, 0};
   const int64_t rows = std::clamp<int64_t>(page.height, 0, plane.size / page.width);
   return {plane.data, page.width, rows, std::min(rows, plane.filledRows(page.width))};
 }

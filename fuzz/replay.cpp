@@ -11,6 +11,8 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+// Some targets have it.
+extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** argv);
 
 namespace {
 
@@ -82,6 +84,7 @@ int run(const char* folder, int rounds) {
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
   try {
+    if (LLVMFuzzerInitialize != nullptr && LLVMFuzzerInitialize(&argc, &argv) != 0) return 1;
     return run(argv[1], argc > 2 ? std::atoi(argv[2]) : 0);
   } catch (const std::exception& error) {
     (void)std::fprintf(stderr, "replay: %s\n", error.what());
