@@ -37,17 +37,4 @@ size_t readAll(int fd, std::span<uint8_t> buffer) noexcept {
   return done;
 }
 
-size_t writeToFile(int fd, std::span<const uint8_t> bytes) noexcept {
-  size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t count = write(fd, bytes.data() + done, bytes.size() - done);
-    if (count > 0) {
-      done += static_cast<size_t>(count);
-    } else if (count == 0 || errno != EINTR) {
-      break;
-    }
-  }
-  return done;
-}
-
 }  // namespace velka

@@ -38,8 +38,4 @@ class UniqueFd {
 /// 0 unless reading failed.
 [[nodiscard]] size_t readAll(int fd, std::span<uint8_t> buffer) noexcept;
 
-/// Writes to a file of its own, to the end or to the first write that fails; begun again
-/// where a signal interrupts it. Returns the bytes written.
-[[nodiscard]] size_t writeToFile(int fd, std::span<const uint8_t> bytes) noexcept;
-
 }  // namespace velka

@@ -4,19 +4,18 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 
 #include "SafeFile.h"
 
 bool Log4zFileHandler::openForAppending(const char* path) noexcept {
   close();
-  file_ = velka::openRegularForWriting(path, false);
-  return isOpen();
+  file_ = velka::openRegularForWriting(path, false).release();
+  return isOpen() && std::setvbuf(file_, nullptr, _IONBF, 0) == 0;
 }
 
 bool Log4zFileHandler::openForReading(const char* path) noexcept {
   close();
-  file_ = velka::openRegularForReading(path);
+  file_ = velka::openRegularForReading(path).release();
   return isOpen();
 }
 
@@ -24,27 +23,34 @@ long Log4zFileHandler::length() noexcept {
   if (!isOpen()) {
     return -1;
   }
-  const off_t position = lseek(file_.get(), 0, SEEK_CUR);
-  const off_t end = lseek(file_.get(), 0, SEEK_END);
-  const bool restored = position >= 0 && lseek(file_.get(), position, SEEK_SET) == position;
-  return restored ? static_cast<long>(end) : -1;
+  const long position = std::ftell(file_);
+  if (position < 0 || std::fseek(file_, 0, SEEK_END) != 0) {
+    return -1;
+  }
+  const long end = std::ftell(file_);
+  return std::fseek(file_, position, SEEK_SET) == 0 ? end : -1;
 }
 
 std::size_t Log4zFileHandler::write(const char* bytes, std::size_t count) noexcept {
-  if (!isOpen()) {
-    return 0;
+  return isOpen() ? std::fwrite(bytes, 1, count, file_) : 0;
+}
+
+void Log4zFileHandler::flush() noexcept {
+  if (isOpen()) {
+    std::fflush(file_);
   }
-  return velka::writeToFile(file_.get(), {reinterpret_cast<const uint8_t*>(bytes), count});
 }
 
 void Log4zFileHandler::close() noexcept {
   if (!isOpen()) {
     return;
   }
-  fsync(file_.get());
-  posix_fadvise(file_.get(), 0, 0, POSIX_FADV_DONTNEED);
-  fsync(file_.get());
-  file_ = velka::UniqueFd();
+  const int descriptor = fileno(file_);
+  fsync(descriptor);
+  posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
+  fsync(descriptor);
+  std::fclose(file_);
+  file_ = nullptr;
 }
 
 std::optional<std::string> Log4zFileHandler::readContent() {
@@ -53,16 +59,13 @@ std::optional<std::string> Log4zFileHandler::readContent() {
     return std::nullopt;
   }
   std::string content;
-  std::array<uint8_t, 4096> block{};
+  std::array<char, 4096> block{};
   std::size_t count = 0;
-  while ((count = velka::readAll(file_.get(), block)) > 0) {
-    content.append(block.begin(), block.begin() + count);
+  while ((count = std::fread(block.data(), 1, block.size(), file_)) > 0) {
+    content.append(block.data(), count);
     if (content.size() > kLargest) {
       return std::nullopt;
     }
-    if (count < block.size()) {
-      break;
-    }
   }
-  return errno != 0 ? std::nullopt : std::optional(std::move(content));
+  return std::ferror(file_) != 0 ? std::nullopt : std::optional(std::move(content));
 }

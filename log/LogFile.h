@@ -1,13 +1,12 @@
-// The file behind one logger.
+// The stream behind one logger.
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <optional>
 #include <string>
 
-#include "Descriptor.h"
-
-/// Wraps one descriptor, or none. Needs no memory but for readContent().
+/// Wraps one FILE pointer, or none.
 class Log4zFileHandler {
  public:
   Log4zFileHandler() noexcept = default;
@@ -15,20 +14,19 @@ class Log4zFileHandler {
   Log4zFileHandler(const Log4zFileHandler&) = delete;
   Log4zFileHandler& operator=(const Log4zFileHandler&) = delete;
 
-  /// Opens a regular file for appending. Nothing is buffered: a written line has left
+  /// Opens a regular file for appending, unbuffered: a written line has left
   /// the process when it is synchronised, and a full disk shows as a short
   /// write. Closes what was open.
   bool openForAppending(const char* path) noexcept;
   /// Opens a regular file for reading. Closes what was open.
   bool openForReading(const char* path) noexcept;
 
-  [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(file_); }
+  [[nodiscard]] bool isOpen() const noexcept { return file_ != nullptr; }
   /// Length in bytes, or -1.
   [[nodiscard]] long length() noexcept;
   /// Appends and returns the bytes written.
   std::size_t write(const char* bytes, std::size_t count) noexcept;
-  /// Nothing is held back, so there is nothing to do.
-  void flush() noexcept {}
+  void flush() noexcept;
   /// Brings the file to the disk, out of the page cache, and closes it.
   void close() noexcept;
   /// The whole file, or nothing when none is open, reading fails or it is
@@ -36,5 +34,5 @@ class Log4zFileHandler {
   [[nodiscard]] std::optional<std::string> readContent();
 
  private:
-  velka::UniqueFd file_;
+  std::FILE* file_ = nullptr;
 };

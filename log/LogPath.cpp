@@ -6,7 +6,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <span>
 
 #include "SafeFile.h"
 
@@ -48,13 +47,13 @@ void updateHistory(FileHistory& history, std::int64_t now, std::int64_t oldest,
 std::string processName() {
   std::array<char, 32> path{};
   std::snprintf(path.data(), path.size(), "/proc/%d/cmdline", getpid());
-  std::array<uint8_t, 4096> arguments{};
-  const UniqueFd file = openRegularForReading(path.data());
+  std::array<char, 4096> arguments{};
+  const UniqueFile file = openRegularForReading(path.data());
   if (file) {
     [[maybe_unused]] const std::size_t count =
-        readAll(file.get(), std::span(arguments).first(arguments.size() - 1));
+        std::fread(arguments.data(), 1, arguments.size() - 1, file.get());
   }
-  const std::string_view program = baseName(reinterpret_cast<const char*>(arguments.data()));
+  const std::string_view program = baseName(arguments.data());
   return program.empty() ? "velka" : std::string(program);
 }
 

@@ -20,8 +20,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kNoShell = 127;        // as the shell says of a command it does not find
-constexpr int kNoDescriptors = 125;  // ours alone: neither the shell nor the tools end with it
+constexpr int kNoShell = 127;  // as the shell says of a command it does not find
 
 // Never above what is there already.
 template <typename Resource>
@@ -119,9 +118,7 @@ ToolEnd runShell(const char* command, const ToolWatch& watch, int output) noexce
   setpgid(child, child);
   ToolEnd end;
   end.late = isLate(child, watch, held.before());
-  const int status = statusOf(child);
-  const bool ran = !WIFEXITED(status) || WEXITSTATUS(status) != kNoDescriptors;
-  end.status = ran ? status : -1;
+  end.status = statusOf(child);
   return end;
 }
 
