@@ -31,4 +31,8 @@ bool RasterInput::nextLine(std::span<uint8_t> line) noexcept {
   });
 }
 
+void RasterInput::leave() noexcept {
+  if (error_ == 0) error_ = ENOMEM;
+}
+
 }  // namespace velka

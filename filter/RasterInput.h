@@ -24,6 +24,9 @@ class RasterInput {
   /// Reads the next line, as long as its page's header says; false as above.
   [[nodiscard]] bool nextLine(std::span<uint8_t> line) noexcept;
 
+  /// Says that what follows is not read, for want of memory: nobody would know where it is.
+  void leave() noexcept;
+
   /// The errno of the read that failed; 0 where none did, however early the input ended.
   [[nodiscard]] int error() const noexcept { return error_; }
 

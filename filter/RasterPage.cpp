@@ -85,6 +85,7 @@ PageRoom readLines(_OEMPDEV& pdev, const cups_page_header2_t& header, RasterInpu
   const bool onlyConsume = pagesComeFromPdf(ppd) || pdev.pBufStart == nullptr;
   const bool allowed = header.cupsBytesPerLine <= mostBytes;
   const MallocBytes line = allowed ? zeroedBytes(header.cupsBytesPerLine) : nullptr;
+  if (allowed && line == nullptr) raster.leave();
   const uint32_t stored =
       line == nullptr ? 0 : storeLines(pdev, header, raster, line.get(), stride, onlyConsume);
   // Always the full page, also when its lines ended early.

@@ -89,6 +89,10 @@ bool published(CopyFile& copy) {
 // Leaves the copy and opens what goes to the next filter.
 UniqueFd copyOfPdf(const std::string& head, int input, CopyFile& copy) {
   UniqueFd original(fcntl(copy.descriptor(), F_DUPFD_CLOEXEC, 0));
+  if (!original) {
+    tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
+    return original;
+  }
   const Passage passage = passOn(head, input, copy.descriptor());
   const bool whole = stored(passage, "the PDF copy " + std::string(copy.name())) && published(copy);
   return whole ? std::move(original) : UniqueFd();

@@ -21,12 +21,7 @@ namespace velka::testing {
 namespace {
 
 constexpr size_t kFunctions = static_cast<size_t>(Function::Count);
-
-constexpr std::array<const char*, kFunctions> kNames = {
-    "malloc",      "calloc", "realloc", "open",   "openat",    "read",           "write", "fsync",
-    "fdatasync",   "close",  "link",    "linkat", "rename",    "unlink",         "fork",  "vfork",
-    "posix_spawn", "pipe",   "pipe2",   "dup",    "dup2",      "dup3",           "fcntl", "stat",
-    "lstat",       "fstat",  "mkdir",   "flock",  "fsetxattr", "pthread_create", "mmap"};
+static_assert(kFunctions <= kMostFunctions);
 
 struct NamedError {
   const char* name;
@@ -77,7 +72,7 @@ Word takeWord(const char*& text) noexcept {
 bool readPlan(const char* text) noexcept {
   const Word function = takeWord(text);
   for (size_t i = 0; i < kFunctions; ++i)
-    if (function.is(kNames[i])) plan.function = static_cast<Function>(i);
+    if (function.is(kFunctionNames[i])) plan.function = static_cast<Function>(i);
   plan.first = std::strtoull(takeWord(text).text, nullptr, 10);
   plan.once = takeWord(text).is("once");
   const Word action = takeWord(text);
@@ -146,8 +141,10 @@ void beginCounting() noexcept {
 }
 
 Verdict judge(Function function, const void* caller, size_t size) noexcept {
-  if (!plan.active || function != plan.function) return Verdict::Pass;
-  const uint64_t number = std::atomic_ref(report->seen).fetch_add(1) + 1;
+  if (!plan.active) return Verdict::Pass;
+  const uint64_t number =
+      std::atomic_ref(report->calls[static_cast<size_t>(function)]).fetch_add(1) + 1;
+  if (function != plan.function) return Verdict::Pass;
   if (plan.once ? number != plan.first : number < plan.first) return Verdict::Pass;
   std::atomic_ref(report->failed).fetch_add(1);
   report->lastSize = size;
@@ -163,7 +160,7 @@ int plannedError() noexcept {
 
 void* behind(Function function) noexcept {
   void*& known = functions[static_cast<size_t>(function)];
-  if (known == nullptr) known = dlsym(RTLD_NEXT, kNames[static_cast<size_t>(function)]);
+  if (known == nullptr) known = dlsym(RTLD_NEXT, kFunctionNames[static_cast<size_t>(function)]);
   return known;
 }
 

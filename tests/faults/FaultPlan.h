@@ -2,6 +2,7 @@
 // stands in front of.
 #pragma once
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -41,8 +42,21 @@ enum class Function : uint8_t {
   FSetXAttr,
   PThreadCreate,
   MMap,
+  New,
+  NewArray,  // counted as New
+  FOpen,
+  FDOpen,
+  FWrite,
   Count
 };
+
+/// As the linker knows them: operator new by its mangled name.
+inline constexpr std::array<const char*, static_cast<size_t>(Function::Count)> kFunctionNames = {
+    "malloc",      "calloc", "realloc", "open",   "openat",    "read",           "write", "fsync",
+    "fdatasync",   "close",  "link",    "linkat", "rename",    "unlink",         "fork",  "vfork",
+    "posix_spawn", "pipe",   "pipe2",   "dup",    "dup2",      "dup3",           "fcntl", "stat",
+    "lstat",       "fstat",  "mkdir",   "flock",  "fsetxattr", "pthread_create", "mmap",  "_Znwm",
+    "_Znam",       "fopen",  "fdopen",  "fwrite"};
 
 /// What becomes of a call.
 enum class Verdict : uint8_t { Pass, Fail, Short };

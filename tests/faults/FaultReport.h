@@ -8,8 +8,12 @@
 
 namespace velka::testing {
 
+/// Room for the functions that can be failed.
+inline constexpr size_t kMostFunctions = 48;
+
 struct FaultReport {
-  uint64_t seen = 0;      ///< calls of the chosen function since main() began
+  /// Calls of each function since main() began, in the order of `Function`.
+  std::array<uint64_t, kMostFunctions> calls = {};
   uint64_t failed = 0;    ///< those that were made to fail, or were cut short
   uint64_t lastSize = 0;  ///< bytes that the last of them asked for
   /// The file of the program or library that made the last of them.

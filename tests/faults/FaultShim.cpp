@@ -11,7 +11,8 @@
 // Counting starts with main(): what libraries do while they are loaded is theirs. A child
 // between fork() and exec() counts on. What the C library calls inside itself (streams,
 // remove(), the clone of posix_spawn()) does not come by here, but for malloc and its like.
-// open64 and the like count under the plain name, as does what fortified code calls.
+// open64 and the like count under the plain name, as does what fortified code calls; both
+// forms of operator new count as _Znwm.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -25,33 +26,17 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "FaultPlan.h"
-
-// The C library's own names for these; dlsym() itself may allocate.
-extern "C" void* __libc_malloc(size_t);
-extern "C" void* __libc_calloc(size_t, size_t);
-extern "C" void* __libc_realloc(void*, size_t);
-
-namespace {
+#include "Forwarding.h"
 
 using velka::testing::behind;
+using velka::testing::failedWith;
 using velka::testing::Function;
 using velka::testing::judge;
+using velka::testing::madeOr;
+using velka::testing::plannedError;
 using velka::testing::Verdict;
 
-template <typename Result>
-Result failedWith(Result result) noexcept {
-  errno = velka::testing::plannedError();
-  return result;
-}
-
-// A call that is either made or fails.
-template <typename Result, typename... Arguments>
-Result madeOr(Result failure, Function function, const void* caller,
-              Arguments... arguments) noexcept {
-  if (judge(function, caller) != Verdict::Pass) return failedWith(failure);
-  return reinterpret_cast<Result (*)(Arguments...)>(behind(function))(arguments...);
-}
+namespace {
 
 // What is asked for where a transfer is cut short.
 size_t halfOf(size_t size) noexcept {
@@ -69,7 +54,6 @@ ssize_t transferred(Function function, const void* caller, int fd, Buffer* bytes
 
 }  // namespace
 
-#define CALLER __builtin_return_address(0)
 // The mode that follows flags which may make a file.
 #define MODE_BEHIND(flags)                         \
   mode_t mode = 0;                                 \
@@ -82,17 +66,19 @@ ssize_t transferred(Function function, const void* caller, int fd, Buffer* bytes
 
 extern "C" {
 
-void* malloc(size_t size) noexcept {
-  if (judge(Function::Malloc, CALLER, size) != Verdict::Pass) return failedWith<void*>(nullptr);
-  return __libc_malloc(size);
+FILE* fopen(const char* path, const char* mode) {
+  return madeOr<FILE*>(nullptr, Function::FOpen, CALLER, path, mode);
 }
-void* calloc(size_t count, size_t size) noexcept {
-  if (judge(Function::Calloc, CALLER, size) != Verdict::Pass) return failedWith<void*>(nullptr);
-  return __libc_calloc(count, size);
+FILE* fopen64(const char* path, const char* mode) __attribute__((alias("fopen")));
+FILE* fdopen(int fd, const char* mode) noexcept {
+  return madeOr<FILE*>(nullptr, Function::FDOpen, CALLER, fd, mode);
 }
-void* realloc(void* block, size_t size) noexcept {
-  if (judge(Function::Realloc, CALLER, size) != Verdict::Pass) return failedWith<void*>(nullptr);
-  return __libc_realloc(block, size);
+size_t fwrite(const void* bytes, size_t size, size_t count, FILE* file) {
+  const Verdict verdict = judge(Function::FWrite, CALLER, size * count);
+  if (verdict == Verdict::Fail) return failedWith<size_t>(0);
+  const auto next =
+      reinterpret_cast<size_t (*)(const void*, size_t, size_t, FILE*)>(behind(Function::FWrite));
+  return next(bytes, size, verdict == Verdict::Short ? halfOf(count) : count, file);
 }
 
 int open(const char* path, int flags, ...) {
@@ -157,8 +143,8 @@ pid_t vfork() noexcept {
 int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
                 const posix_spawnattr_t* attributes, char* const argv[],
                 char* const environment[]) {
-  return madeOr(velka::testing::plannedError(), Function::PosixSpawn, CALLER, child, path, actions,
-                attributes, argv, environment);
+  return madeOr(plannedError(), Function::PosixSpawn, CALLER, child, path, actions, attributes,
+                argv, environment);
 }
 
 int pipe(int ends[2]) noexcept {
@@ -216,8 +202,7 @@ int fsetxattr(int fd, const char* name, const void* value, size_t size, int flag
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
                    void* argument) noexcept {
-  return madeOr(velka::testing::plannedError(), Function::PThreadCreate, CALLER, thread, attributes,
-                run, argument);
+  return madeOr(plannedError(), Function::PThreadCreate, CALLER, thread, attributes, run, argument);
 }
 void* mmap(void* address, size_t size, int protection, int flags, int fd, off_t offset) noexcept {
   return madeOr(MAP_FAILED, Function::MMap, CALLER, address, size, protection, flags, fd, offset);

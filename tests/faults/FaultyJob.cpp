@@ -12,7 +12,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
+#ifdef VELKA_SANITIZED
+constexpr unsigned kMostSeconds = 60;
+#else
 constexpr unsigned kMostSeconds = 10;
+#endif
+
+// Of a sanitizer: the shim may stand in front of it, a report has a status of its own, and
+// what libcups forgets where its memory runs out is not looked for.
+constexpr const char* kSanitizerOptions =
+    "verify_asan_link_order=0:detect_leaks=0:allocator_may_return_null=1:exitcode=99";
+
+const char* programOf(FaultyJob::Kind kind) {
+  if (kind <= FaultyJob::Kind::PdfPage) return VELKA_FILTER;
+  return kind == FaultyJob::Kind::View ? VELKA_VIEW : VELKA_PDFCOPY;
+}
 
 Bytes twoPages(unsigned copies) {
   cups_page_header2_t header = rgbHeader(96, 60);
@@ -36,7 +50,7 @@ std::vector<std::string> namesInTmp() {
   return names;
 }
 
-FaultyJob::FaultyJob(Kind kind) : kind_(kind), program_(copies() ? VELKA_PDFCOPY : VELKA_FILTER) {
+FaultyJob::FaultyJob(Kind kind) : kind_(kind), program_(programOf(kind)) {
   program_ = fs::canonical(program_);
   switch (kind) {
     case Kind::Standard:
@@ -60,6 +74,9 @@ FaultyJob::FaultyJob(Kind kind) : kind_(kind), program_(copies() ? VELKA_PDFCOPY
     case Kind::PdfCopy:
     case Kind::PictureCopy:
       makeCopyJob(kind == Kind::PictureCopy);
+      break;
+    case Kind::View:
+      makeViewJob();
       break;
   }
   job_.mostSeconds = kMostSeconds;
@@ -94,6 +111,14 @@ void FaultyJob::makeCopyJob(bool picture) {
   job_.environment.emplace_back("CUPS_SERVERBIN", folder_.path());
 }
 
+// A raster: the chain is our own filter alone.
+void FaultyJob::makeViewJob() {
+  writeText(folder_ / "queue.ppd", ppdText({1, {}, false}));
+  writeText(folder_ / "page.ras", asText(rasterStream({inkedPage(rgbHeader(60, 40), 1)})));
+  job_.arguments = {"--from",    folder_ / "page.ras", "--ppd", folder_ / "queue.ppd",
+                    "--any-ppd", "--output",           "-"};
+}
+
 void FaultyJob::restoreTmp() const {
   for (const std::string& name : namesInTmp())
     if (!std::binary_search(before_.begin(), before_.end(), name)) fs::remove_all("/tmp/" + name);
@@ -108,7 +133,8 @@ Trial FaultyJob::run(const std::string& fault) const {
   job.environment.insert(job.environment.end(), {{"LD_PRELOAD", VELKA_FAULT_SHIM},
                                                  {"VELKA_FAULT", fault},
                                                  {"VELKA_FAULT_PROGRAM", program_},
-                                                 {"VELKA_FAULT_REPORT", report}});
+                                                 {"VELKA_FAULT_REPORT", report},
+                                                 {"ASAN_OPTIONS", kSanitizerOptions}});
   Trial trial;
   trial.result = runFilter(program_, job);
   trial.report = readReport(report);
@@ -117,6 +143,13 @@ Trial FaultyJob::run(const std::string& fault) const {
   std::set_difference(now.begin(), now.end(), before_.begin(), before_.end(),
                       std::back_inserter(trial.left));
   return trial;
+}
+
+Bytes FaultyJob::outputOfRaster() const {
+  const TempFile ppd(ppdText({1, {}, false}));
+  FilterJob job = job_;
+  job.ppd = ppd.path();
+  return runFilter(program_, job).output;
 }
 
 }  // namespace velka::testing

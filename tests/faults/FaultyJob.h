@@ -22,24 +22,29 @@ struct Trial {
 
 class FaultyJob {
  public:
-  enum class Kind : uint8_t { Standard, Orlo, Split, Turned, PdfPage, PdfCopy, PictureCopy };
+  enum class Kind : uint8_t { Standard, Orlo, Split, Turned, PdfPage, PdfCopy, PictureCopy, View };
 
   explicit FaultyJob(Kind kind);
 
   /// Whether what it needs is installed.
   [[nodiscard]] bool possible() const { return possible_; }
   [[nodiscard]] Kind kind() const { return kind_; }
-  /// Whether it is the copier's and not the printing filter's.
-  [[nodiscard]] bool copies() const { return kind_ >= Kind::PdfCopy; }
+  /// Whether it is the printing filter's, and not the copier's or the viewer's.
+  [[nodiscard]] bool prints() const { return kind_ <= Kind::PdfPage; }
 
-  /// Runs it under a fault as VELKA_FAULT has it, in a /tmp as before the first run.
+  /// Runs it under a fault as VELKA_FAULT has it, in a /tmp as before the first run. The
+  /// program under test ends by SIGALRM where it takes longer than it may.
   [[nodiscard]] Trial run(const std::string& fault) const;
+
+  /// The output where the PPD does not want pages from the PDF, without a fault.
+  [[nodiscard]] Bytes outputOfRaster() const;
 
  private:
   void restoreTmp() const;
   void makeRasterJob(int model, const std::vector<std::pair<std::string, std::string>>& options);
   void makePdfJob();
   void makeCopyJob(bool picture);
+  void makeViewJob();
 
   Kind kind_;
   bool possible_ = true;
@@ -50,6 +55,9 @@ class FaultyJob {
   FilterJob job_;
   std::vector<std::string> before_;
 };
+
+/// A fault that never comes: the run counts calls and is as good as any.
+inline constexpr const char* kNoFault = "malloc:1000000000:once:ENOMEM";
 
 /// Names below /tmp, in order.
 std::vector<std::string> namesInTmp();
