@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
@@ -97,7 +98,7 @@ FaultReport* mapReport(const char* path) noexcept {
   const long address =
       syscall(SYS_mmap, nullptr, sizeof(FaultReport), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0L);
   syscall(SYS_close, file);
-  return address < 0 && address > -4096 ? nullptr : reinterpret_cast<FaultReport*>(address);
+  return address < 0 && address > -4096 ? nullptr : std::bit_cast<FaultReport*>(address);
 }
 
 void nameModule(const void* address, std::span<char> name) noexcept {
@@ -113,10 +114,10 @@ extern "C" void noteFault(int signal, siginfo_t* info, void* context) {
   report->faultAddress = reinterpret_cast<uintptr_t>(info->si_addr);
 #if defined(__x86_64__)
   const auto& registers = static_cast<const ucontext_t*>(context)->uc_mcontext.gregs;
-  nameModule(reinterpret_cast<const void*>(registers[REG_RIP]), report->faultIn);
+  nameModule(std::bit_cast<const void*>(registers[REG_RIP]), report->faultIn);
 #elif defined(__aarch64__)
-  nameModule(reinterpret_cast<const void*>(static_cast<const ucontext_t*>(context)->uc_mcontext.pc),
-             report->faultIn);
+  const auto place = static_cast<const ucontext_t*>(context)->uc_mcontext.pc;
+  nameModule(std::bit_cast<const void*>(place), report->faultIn);
 #endif
 }
 

@@ -62,11 +62,11 @@ static void* newBlock(Function kind, size_t size) {
 }
 
 // Both count as one; the forms that do not throw ask these.
-void* operator new(size_t size) {
+void* operator new(size_t size) {  // NOLINT(misc-new-delete-overloads): what frees stays
   if (judge(Function::New, CALLER, size) != Verdict::Pass) throwBadAlloc();
   return newBlock(Function::New, size);
 }
-void* operator new[](size_t size) {
+void* operator new[](size_t size) {  // NOLINT(misc-new-delete-overloads)
   if (judge(Function::New, CALLER, size) != Verdict::Pass) throwBadAlloc();
   return newBlock(Function::NewArray, size);
 }

@@ -88,7 +88,7 @@ class NthFailure : public ::testing::TestWithParam<FaultyJob::Kind> {
     if (!job_.possible()) GTEST_SKIP() << "pdftoppm or ghostscript is not installed";
     good_ = job_.run(kNoFault);
     ASSERT_EQ(good_.result.status, 0) << good_.result.errors;
-    ASSERT_GT(calls(Function::Malloc), 10U) << "the shim sees nothing";
+    ASSERT_GT(calls(Function::Malloc), 0U) << "the shim sees nothing";
     ASSERT_GT(good_.result.output.size(), 100U);
     if (job_.kind() == FaultyJob::Kind::PdfPage) ofRaster_ = job_.outputOfRaster();
   }
@@ -104,7 +104,10 @@ class NthFailure : public ::testing::TestWithParam<FaultyJob::Kind> {
     const uint64_t last = calls(way.function);
     if (last == 0) return {};
     const uint64_t between = 1 + last * (static_cast<uint64_t>(job_.kind()) + 1) / 9;
-    if (way.once && (way.action[0] == 'E' && way.action != "EINTR")) return {1, between, last};
+    // The viewer's chain is several programs long.
+    if (job_.kind() != FaultyJob::Kind::View && way.once &&
+        (way.action[0] == 'E' && way.action != "EINTR"))
+      return {1, between, last};
     return {std::min(between, last)};
   }
 
@@ -122,6 +125,7 @@ class NthFailure : public ::testing::TestWithParam<FaultyJob::Kind> {
     SCOPED_TRACE(way.at(n));
     const Trial trial = job_.run(way.at(n));
     if (trial.report.failed == 0) return false;
+    if (isSanitizersOwn(trial)) return true;
     ++points_;
     SCOPED_TRACE(trial.result.errors + "\n" + trial.report.caller.data() + "\n" + trial.log);
     expectDecidedEnd(trial, way);

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <bit>
 #include <climits>
 #include <csignal>
 #include <map>
@@ -17,7 +18,7 @@ namespace {
 std::string bytesAt(pid_t process, uint64_t address, size_t size) {
   std::string bytes(size, '\0');
   const iovec here = {bytes.data(), size};
-  const iovec there = {reinterpret_cast<void*>(address), size};
+  const iovec there = {std::bit_cast<void*>(address), size};
   const ssize_t count = process_vm_readv(process, &here, 1, &there, 1, 0);
   bytes.resize(count < 0 ? 0 : static_cast<size_t>(count));
   return bytes;

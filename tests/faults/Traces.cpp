@@ -62,6 +62,12 @@ bool isRecordCrash(const FaultReport& report) {
          startsWith(report.faultIn.data(), "rastovelka");
 }
 
+bool isSanitizersOwn(const Trial& trial) {
+  return startsWith(trial.report.caller.data(), "libasan") ||
+         startsWith(trial.report.caller.data(), "libubsan") ||
+         holds(trial.result.errors, "AddressSanitizer: CHECK failed");
+}
+
 bool isCupsCrash(const FaultReport& report) {
   return report.signal == SIGSEGV && startsWith(report.caller.data(), "libcups") &&
          startsWith(report.faultIn.data(), "libcups");

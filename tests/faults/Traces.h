@@ -18,4 +18,7 @@ namespace velka::testing {
 /// A crash inside libcups, which does not look at all of its own allocations.
 [[nodiscard]] bool isCupsCrash(const FaultReport& report);
 
+/// A failure that met a sanitizer's own call, which it does not expect.
+[[nodiscard]] bool isSanitizersOwn(const Trial& trial);
+
 }  // namespace velka::testing
