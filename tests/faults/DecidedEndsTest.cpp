@@ -77,6 +77,20 @@ TEST_F(DecidedEnds, NothingIsReadBehindAReadThatFailed) {
   }
 }
 
+// The same where the filter itself has no memory for a line, though the page comes from
+// elsewhere.
+TEST_F(DecidedEnds, LinesWithoutMemoryOnAPdfPageAreToldInTheLog) {
+  const FaultyJob job(Kind::PdfPage);
+  if (!job.possible()) GTEST_SKIP() << "pdftoppm or ghostscript is not installed";
+  bool told = false;
+  for (uint64_t n = callsOf(job, Function::Calloc); n > 0 && !told; --n) {
+    const Trial trial = job.run("calloc:" + std::to_string(n) + ":once:ENOMEM");
+    if (std::string(trial.report.caller.data()) != "rastovelka") continue;
+    told = countOf(trial.log, "the raster is not read to its end: Cannot allocate memory") == 1;
+  }
+  EXPECT_TRUE(told);
+}
+
 TEST_F(DecidedEnds, AnInterruptedReadCostsNothing) {
   const FaultyJob job(Kind::Standard);
   const Trial good = job.run(kNoFault);
