@@ -52,6 +52,7 @@ int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::vector<std::string> words = wordsOf({reinterpret_cast<const char*>(data), size});
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   const auto result = readArguments(static_cast<int>(words.size()), pointers.data());

@@ -21,6 +21,7 @@ std::vector<int> idsOf(Tree& tree) {
   unsigned long index = 0;
   require(tree.travel(tree.root, marks.data(), &index) == 1 && index == tree.count);
   std::vector<int> ids;
+  ids.reserve(marks.size());
   for (const Mark mark : marks) ids.push_back(mark.id);
   return ids;
 }
