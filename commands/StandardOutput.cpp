@@ -21,7 +21,11 @@ bool worthAnotherTry(int fd, int error) noexcept {
 // given another standard output.
 class FailedOutput {
  public:
-  void note() noexcept { failed_ = fstat(STDOUT_FILENO, &file_) == 0; }
+  void note(int error) noexcept {
+    error_ = error;
+    failed_ = fstat(STDOUT_FILENO, &file_) == 0;
+  }
+  [[nodiscard]] int error() const noexcept { return error_; }
   [[nodiscard]] bool isCurrent() const noexcept {
     struct stat now = {};
     return failed_ && fstat(STDOUT_FILENO, &now) == 0 && now.st_dev == file_.st_dev &&
@@ -29,9 +33,12 @@ class FailedOutput {
   }
 
  private:
+  int error_ = 0;
   bool failed_ = false;
   struct stat file_ = {};
 };
+
+FailedOutput failedOutput;  // one thread prints
 
 }  // namespace
 
@@ -51,11 +58,14 @@ size_t writeAll(int fd, std::span<const uint8_t> bytes) noexcept {
 }
 
 size_t writeToPrinter(std::span<const uint8_t> bytes) noexcept {
-  static FailedOutput failed;  // one thread prints
-  if (failed.isCurrent()) return 0;
+  if (failedOutput.isCurrent()) return 0;
   const size_t written = writeAll(STDOUT_FILENO, bytes);
-  if (written < bytes.size()) failed.note();
+  if (written < bytes.size()) failedOutput.note(errno);
   return written;
+}
+
+int printerError() noexcept {
+  return failedOutput.error();
 }
 
 }  // namespace velka

@@ -16,4 +16,7 @@ size_t writeAll(int fd, std::span<const uint8_t> bytes) noexcept;
 /// commands behind a hole would print anything.
 size_t writeToPrinter(std::span<const uint8_t> bytes) noexcept;
 
+/// The errno of the write that failed; 0 where none did.
+[[nodiscard]] int printerError() noexcept;
+
 }  // namespace velka

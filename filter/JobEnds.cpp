@@ -9,7 +9,9 @@
 #include "FixedText.h"
 #include "MarkedOptions.h"
 #include "OwnFile.h"
+#include "PageMemory.h"
 #include "PlainNames.h"
+#include "StandardDescriptors.h"
 #include "rastovelka.h"
 
 volatile std::sig_atomic_t Canceled = 0;
@@ -25,14 +27,23 @@ extern "C" void endEarly(int signal) {
   std::raise(signal);
 }
 
-}  // namespace
-
 void dropCopyOnEarlyEnd(int argc, char* argv[]) noexcept {
   if (argc < 2 || argv == nullptr || !isPlainName(argv[1])) return;
   earlyCopy = formatText("%s%s.pdf", kJobFilePrefix.data(), argv[1]);
   struct sigaction end = {};
   end.sa_handler = endEarly;
   if (!earlyCopy.cut) sigaction(SIGTERM, &end, nullptr);
+}
+
+}  // namespace
+
+void prepareProcess(int argc, char* argv[]) noexcept {
+  keepFreedMemory();
+  fillStandardDescriptors();
+  // A limit on the size of files shortens the log, not the job.
+  std::signal(SIGXFSZ, SIG_IGN);
+  dropCopyOnEarlyEnd(argc, argv);
+  std::setvbuf(stderr, nullptr, _IONBF, 0);
 }
 
 void installSignals() noexcept {

@@ -7,6 +7,8 @@
 #include <cstring>
 
 #include "SafeFile.h"
+#include "log4z.h"
+#include "rastovelka.h"
 
 namespace velka {
 
@@ -28,4 +30,21 @@ bool emptyJobLog() noexcept {
   return false;
 }
 
+void tellIfLogEnded(uint64_t linesBefore) noexcept {
+  const uint64_t lines = ILog4zManager::getInstance()->getStatusTotalWriteCount();
+  if (linesBefore == 0 || lines != linesBefore || whyNotOpened(kJobLog, 0) == nullptr) return;
+  std::fprintf(stderr, "\nWARNING: The job log %s ends early: it could not be opened again.\n",
+               kJobLog);
+}
+
 }  // namespace velka
+
+void StartLog4z() noexcept {
+  const mode_t before = umask(022);
+  velka::emptyJobLog();  // the previous job's lines go
+  ILog4zManager* log = ILog4zManager::getInstance();
+  log->setLoggerPath(LOGGER_MAIN_ID, "/tmp");
+  log->setLoggerName(LOGGER_MAIN_ID, "velka");
+  log->start();
+  umask(before);
+}

@@ -1,6 +1,8 @@
 // The file of the job log.
 #pragma once
 
+#include <cstdint>
+
 namespace velka {
 
 inline constexpr const char* kJobLog = "/tmp/velka.log";
@@ -14,5 +16,10 @@ inline constexpr const char* kJobLog = "/tmp/velka.log";
 /// one, and a warning for the print scheduler's log says why, if anybody needs to know.
 /// Returns whether it could.
 bool emptyJobLog() noexcept;
+
+/// To be called behind a line that was logged when `linesBefore` had been written. Where it
+/// did not reach the file, though lines before it did, a warning for the print scheduler's
+/// log says that the job's own ends early: what became of later pages stands in neither.
+void tellIfLogEnded(uint64_t linesBefore) noexcept;
 
 }  // namespace velka

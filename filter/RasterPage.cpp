@@ -43,11 +43,11 @@ PageRoom provide(_OEMPDEV& pdev, const PageSize& size, Allocate allocate) noexce
 }
 
 // The lines stored.
-uint32_t storeLines(const _OEMPDEV& pdev, const cups_page_header2_t& header, cups_raster_t* raster,
+uint32_t storeLines(const _OEMPDEV& pdev, const cups_page_header2_t& header, RasterInput& raster,
                     uint8_t* line, uint64_t stride, bool onlyConsume) noexcept {
   uint32_t stored = 0;
   for (uint32_t row = 0; row < header.cupsHeight; ++row) {
-    if (cupsRasterReadPixels(raster, line, header.cupsBytesPerLine) == 0) break;
+    if (!raster.nextLine({line, header.cupsBytesPerLine})) break;
     if (onlyConsume) continue;
     storeLine({line, header.cupsBytesPerLine}, {pdev.pBufStart + stored * stride, stride},
               header.cupsWidth);
@@ -80,14 +80,14 @@ void dropPage(_OEMPDEV& pdev) noexcept {
   pdev.dwWhiteRows = 0;
 }
 
-PageRoom readLines(_OEMPDEV& pdev, const cups_page_header2_t& header, cups_raster_t* raster,
+PageRoom readLines(_OEMPDEV& pdev, const cups_page_header2_t& header, RasterInput& raster,
                    ppd_file_t* ppd, uint64_t stride, uint64_t mostBytes) noexcept {
   const bool onlyConsume = pagesComeFromPdf(ppd) || pdev.pBufStart == nullptr;
   const bool allowed = header.cupsBytesPerLine <= mostBytes;
   const MallocBytes line = allowed ? zeroedBytes(header.cupsBytesPerLine) : nullptr;
-  const bool readable = line != nullptr && raster != nullptr;
+  if (allowed && line == nullptr) raster.leave();
   const uint32_t stored =
-      readable ? storeLines(pdev, header, raster, line.get(), stride, onlyConsume) : 0;
+      line == nullptr ? 0 : storeLines(pdev, header, raster, line.get(), stride, onlyConsume);
   // Always the full page, also when its lines ended early.
   const uint32_t size = checkedMul32(stride, header.cupsHeight).value_or(0);
   pdev.bmInfoHeader.biHeight = static_cast<int32_t>(header.cupsHeight);
@@ -105,6 +105,7 @@ void GetCupsRasterData(cups_page_header2_t header, cups_raster_t* raster, ppd_fi
                        unsigned int stride) noexcept {
   constexpr uint64_t kAnyLine = std::numeric_limits<uint32_t>::max();
   // Without room for a line the page is white, as without a line.
-  (void)velka::readLines(g_oemPDEV, header, raster, ppd, stride, kAnyLine);
+  velka::RasterInput input(raster);
+  (void)velka::readLines(g_oemPDEV, header, input, ppd, stride, kAnyLine);
   velka::whitenPage(g_oemPDEV);
 }

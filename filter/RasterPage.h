@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "DeviceRecords.h"
+#include "RasterInput.h"
 
 namespace velka {
 
@@ -43,7 +44,7 @@ void dropPage(_OEMPDEV& pdev) noexcept;
 /// consumed. The rows behind the last line are counted as white and left as they are.
 /// No line is read where there is no room for one.
 [[nodiscard]] PageRoom readLines(_OEMPDEV& pdev, const cups_page_header2_t& header,
-                                 cups_raster_t* raster, ppd_file_t* ppd, uint64_t stride,
+                                 RasterInput& raster, ppd_file_t* ppd, uint64_t stride,
                                  uint64_t mostBytes) noexcept;
 
 }  // namespace velka

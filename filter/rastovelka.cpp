@@ -1,8 +1,7 @@
 // The driver of a print job. Its log lines carry this file's name.
 #include "rastovelka.h"
 
-#include <sys/stat.h>
-
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,12 +22,11 @@
 #include "PageDrawing.h"
 #include "PageFiles.h"
 #include "PageLimit.h"
-#include "PageMemory.h"
 #include "PpmImage.h"
 #include "PreInc.h"
+#include "RasterInput.h"
 #include "RasterPage.h"
-#include "SafeFile.h"
-#include "StandardDescriptors.h"
+#include "StandardOutput.h"
 #include "log4z.h"
 
 tagOEMCFG g_oemCfg = {};
@@ -61,9 +59,19 @@ void tellRoom(int page, velka::PageRoom room, const velka::PageSize& size) {
         page, size.width, size.height, static_cast<unsigned int>(size.mostBytes));
 }
 
+// What kept the job from its end, in one line each. A reader that is gone is the backend's
+// to tell.
+void tellLostEnd(const velka::RasterInput& raster) noexcept {
+  if (raster.error() != 0)
+    VELKA_LOG_DEBUG("the raster is not read to its end: %s", strerrordesc_np(raster.error()));
+  const int writing = velka::printerError();
+  if (writing != 0 && writing != EPIPE)
+    VELKA_LOG_DEBUG("the job is not printed to its end: %s", strerrordesc_np(writing));
+}
+
 // What stays the same from page to page.
 struct PageSource {
-  cups_raster_t* raster;
+  velka::RasterInput& raster;
   ppd_file_t* ppd;
   char** argv;
   const char* pdfPath;
@@ -103,7 +111,7 @@ int printPages(const PageSource& from) noexcept {
   velka::FixedText ppmName;
   cups_page_header2_t header = {};
   while (Canceled == 0) {
-    if (cupsRasterReadHeader2(from.raster, &header) == 0 || Canceled != 0) break;
+    if (!from.raster.nextHeader(header) || Canceled != 0) break;
     ++page;
     StartPage(from.ppd, &header, page);
     if (page == 1) StartDoc(from.ppd, header);
@@ -131,12 +139,7 @@ std::span<uint8_t> resizePage(int page, const velka::PageSize& size) noexcept {
 }  // namespace
 
 int RunFilter(int argc, char* argv[]) noexcept {
-  velka::keepFreedMemory();
-  velka::fillStandardDescriptors();
-  // A limit on the size of files shortens the log, not the job.
-  std::signal(SIGXFSZ, SIG_IGN);
-  velka::dropCopyOnEarlyEnd(argc, argv);
-  std::setvbuf(stderr, nullptr, _IONBF, 0);
+  velka::prepareProcess(argc, argv);
   StartLog4z();
   int fd = 0;
   // Without a PPD the stream is never closed; a static keeps that from being a leak.
@@ -152,25 +155,19 @@ int RunFilter(int argc, char* argv[]) noexcept {
   const velka::FixedText pdfPath = velka::formatText("/tmp/VK_TEMP_CUPS_%s.pdf", argv[1]);
   VELKA_LOG_DEBUG("tempPDF: %s", pdfPath.text());
 
-  const int pages = printPages({raster, ppd, argv, pdfPath.text()});
+  velka::RasterInput input(raster);
+  const int pages = printPages({input, ppd, argv, pdfPath.text()});
+  const uint64_t linesBefore = ILog4zManager::getInstance()->getStatusTotalWriteCount();
   VELKA_LOG_DEBUG("EndDoc, bufStart is 0x%x", pageAddress());
+  velka::tellIfLogEnded(linesBefore);
   EndDocOemPDEV(&g_devObj);
+  tellLostEnd(input);
   // A cancelled job leaves no pictures of its pages. One that runs to its end leaves
   // those whose name it could not foresee.
   if (Canceled != 0 && velka::pagesComeFromPdf(ppd)) velka::removePageFiles(argv[1], pages);
   // Deliberate: without a PPD nothing is cleaned up.
   if (ppd != nullptr) Shutdown(pdfPath.text(), ppd, raster, fd);
   return pages == 0 ? 1 : 0;
-}
-
-void StartLog4z() noexcept {
-  const mode_t before = umask(022);
-  velka::emptyJobLog();  // the previous job's lines go
-  ILog4zManager* log = ILog4zManager::getInstance();
-  log->setLoggerPath(LOGGER_MAIN_ID, "/tmp");
-  log->setLoggerName(LOGGER_MAIN_ID, "velka");
-  log->start();
-  umask(before);
 }
 
 void StartPage(ppd_file_t* /*ppd*/, const cups_page_header2_t* header, int page) noexcept {
@@ -233,6 +230,8 @@ void PdftoppmCmd(char* ppmName, char* argv[], int page, const cups_page_header2_
   const velka::PageDigits count =
       velka::knownDigits(pdfPath, {velka::pageLimits.counting, Canceled});
   if (count.late) VELKA_LOG_DEBUG("no page count from the PDF: its tool took too long");
+  if (count.toolFailed && Canceled == 0)
+    VELKA_LOG_DEBUG("no page count from the PDF: its tool cannot be run");
   if (count.digits != -1) {
     VELKA_LOG_DEBUG(
         "temp: %s",
@@ -267,8 +266,15 @@ void UsePdfprocess(ppd_file_t* ppd, char* ppmName, char* argv[], int page,
   const unsigned char* data = PpmBitmapData(contents, size, &width, &height);
   VELKA_LOG_DEBUG("PPM width: %d, height: %d, pData: %p", width, height,
                   static_cast<const void*>(data));
-  // Deliberate: a picture without pixels is left for whoever looks into it.
-  if (data == nullptr) return;
+  if (data == nullptr) {
+    // Deliberate: a picture without pixels is left for whoever looks into it. One that we
+    // had no memory for, say, is whole, and nobody would come for it.
+    if (size == 0 && velka::holdsOwnBytes(ppmName)) {
+      velka::removeOwnFile(ppmName);
+      VELKA_LOG_DEBUG("no page from the PDF: its picture cannot be read");
+    }
+    return;
+  }
   const std::span<const uint8_t> picture(data, contents + size);
   if (picture.size() < velka::pixelBytes(width, height)) {
     // Half a page is worse than none. It goes first: on a disk that is full the line needs

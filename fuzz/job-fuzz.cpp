@@ -71,14 +71,15 @@ Bytes anyRaster(Input& input) {
 
 // As the driver's own loop, but for its log.
 void printPages(cups_raster_t* raster, ppd_file_t* ppd) {
+  RasterInput input(raster);
   cups_page_header2_t header = {};
-  for (int page = 1; cupsRasterReadHeader2(raster, &header) != 0; ++page) {
+  for (int page = 1; input.nextHeader(header); ++page) {
     StartPage(ppd, &header, page);
     if (page == 1) StartDoc(ppd, header);
     const PageSize size = {header.cupsWidth, header.cupsHeight, header.cupsBitsPerPixel,
                            mostPageBytes(ppd, header)};
     (void)makePage(g_oemPDEV, size);
-    if (readLines(g_oemPDEV, header, raster, ppd, size.stride(), size.mostBytes) != PageRoom::Had)
+    if (readLines(g_oemPDEV, header, input, ppd, size.stride(), size.mostBytes) != PageRoom::Had)
       dropPage(g_oemPDEV);
     if (placement() == DotPlacement::Exact)
       g_oemPDEV.bmInfoHeader.biWidth = static_cast<int>(header.cupsWidth);

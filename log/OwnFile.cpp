@@ -53,4 +53,9 @@ void removeEmptyOwnFile(const char* path) noexcept {
   if (isOwnPath(path, status) && status.st_size == 0) unlink(path);
 }
 
+bool holdsOwnBytes(const char* path) noexcept {
+  Status status = {};
+  return isOwnPath(path, status) && status.st_size > 0;
+}
+
 }  // namespace velka

@@ -37,4 +37,7 @@ enum class OrRoots : bool { No, Yes };
 void removeOwnFile(const char* path) noexcept;
 void removeEmptyOwnFile(const char* path) noexcept;
 
+/// Whether our own file at `path` holds anything.
+[[nodiscard]] bool holdsOwnBytes(const char* path) noexcept;
+
 }  // namespace velka

@@ -23,8 +23,13 @@ UniqueFd movedUp(UniqueFd file) noexcept {
                   : std::move(file);
 }
 
+// A stream takes memory. That it was short for a moment must not cost the log, which
+// would have to tell of it, all lines from there on: it is asked for once more.
 UniqueFile toStream(UniqueFd& descriptor, const char* mode) noexcept {
   UniqueFile file(fdopen(descriptor.get(), mode));
+  if (!file) {
+    file.reset(fdopen(descriptor.get(), mode));
+  }
   if (file) {
     descriptor.release();
   }

@@ -29,13 +29,26 @@ struct PpdCloser {
 
 using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
 
+const char* ppdPath() noexcept {
+  return std::getenv("PPD");  // NOLINT(concurrency-mt-unsafe): one thread reads it
+}
+
 // The queue's, with the job's options, as the printing filter has it; none where there
 // is none, and the pages come from the raster then.
 Ppd markedPpd(const char* options) noexcept {
-  const char* path = std::getenv("PPD");  // NOLINT(concurrency-mt-unsafe): one thread reads it
-  Ppd ppd(ppdOpenFile(path));
+  Ppd ppd(ppdOpenFile(ppdPath()));
   if (ppd != nullptr) markOptions(ppd.get(), options);
   return ppd;
+}
+
+// Whether memory, say, ran out while it was read: the printing filter may fare better and
+// miss the copy. An option with a default is marked one way or the other.
+bool isHalfRead(ppd_file_t* ppd) noexcept {
+  constexpr const char* kOption = "PdfPreprocess";
+  if (ppd == nullptr) return ppdPath() != nullptr && access(ppdPath(), F_OK) == 0;
+  ppd_option_t* option = ppdFindOption(ppd, kOption);
+  return option != nullptr && ppdFindChoice(option, option->defchoice) != nullptr &&
+         ppdFindMarkedChoice(ppd, kOption) == nullptr;
 }
 
 int statusOf(Passage passage) {
@@ -76,6 +89,10 @@ bool published(CopyFile& copy) {
 // Leaves the copy and opens what goes to the next filter.
 UniqueFd copyOfPdf(const std::string& head, int input, CopyFile& copy) {
   UniqueFd original(fcntl(copy.descriptor(), F_DUPFD_CLOEXEC, 0));
+  if (!original) {
+    tellSystemError(std::string("Cannot make the PDF copy ") + copy.name());
+    return original;
+  }
   const Passage passage = passOn(head, input, copy.descriptor());
   const bool whole = stored(passage, "the PDF copy " + std::string(copy.name())) && published(copy);
   return whole ? std::move(original) : UniqueFd();
@@ -153,6 +170,12 @@ int passOnJob(int argc, char* argv[]) {
     return 1;
   }
   const Ppd ppd = markedPpd(argv[5]);
+  if (isHalfRead(ppd.get())) {
+    tellScheduler(MessageLevel::Error,
+                  "The PPD of this queue cannot be read, so that it is not known whether a PDF "
+                  "copy of the job is wanted: print the job again");
+    return 1;
+  }
   if (pagesComeFromPdf(ppd.get())) return passOnWithCopy(input.get(), argv, ppd.get());
   tellScheduler(MessageLevel::Debug, "No PDF copy: the pages come from the raster");
   return statusOf(passOn(input.get(), STDOUT_FILENO));

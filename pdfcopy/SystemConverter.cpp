@@ -27,8 +27,9 @@ std::string pathOf(const std::string& name) {
 struct SpawnSettings {
   SpawnSettings(int document, int pdf) noexcept {
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_adddup2(&files, document, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&files, pdf, STDOUT_FILENO);
+    // Without them the PDF would go on to the next filter.
+    error = posix_spawn_file_actions_adddup2(&files, document, STDIN_FILENO);
+    if (error == 0) error = posix_spawn_file_actions_adddup2(&files, pdf, STDOUT_FILENO);
     posix_spawnattr_init(&attributes);
     sigset_t signals = {};
     sigemptyset(&signals);
@@ -46,6 +47,7 @@ struct SpawnSettings {
   SpawnSettings(const SpawnSettings&) = delete;
   SpawnSettings& operator=(const SpawnSettings&) = delete;
 
+  int error = 0;  ///< why the child would not have its descriptors
   posix_spawn_file_actions_t files = {};
   posix_spawnattr_t attributes = {};
 };
@@ -56,6 +58,8 @@ pid_t start(const std::string& program, char* const argv[], int document, int pd
   std::array<char*, kArgumentsWithoutFile + 1> arguments = {};
   for (size_t i = 0; i < kArgumentsWithoutFile; ++i) arguments[i] = argv[i];
   const SpawnSettings settings(document, pdf);
+  errno = settings.error;
+  if (errno != 0) return 0;
   pid_t child = 0;
   errno = posix_spawn(&child, program.c_str(), &settings.files, &settings.attributes,
                       arguments.data(), environ);

@@ -45,7 +45,12 @@ UniqueFd lockCountFile(const ToolWatch& watch) noexcept {
 struct CountText {
   ToolEnd end;
   std::string text;  ///< empty where there is none
+  bool read = true;
 };
+
+bool isRun(const ToolEnd& end) noexcept {
+  return end.status != -1 && end.status != kNoDescriptors << 8;
+}
 
 // The pipeline's own redirection finds a file that is ours and locked, so it cannot
 // be led elsewhere, and another job's count cannot come in between.
@@ -55,6 +60,7 @@ CountText countIntoFile(const UniqueFd& file, const char* command, const ToolWat
   std::array<uint8_t, kMostCount> contents = {};
   // What cannot be read counts as empty.
   const size_t size = readAll(file.get(), contents);
+  count.read = errno == 0;
   count.text.assign(contents.begin(), contents.begin() + size);
   unlink(kCountFile);
   return count;
@@ -75,7 +81,7 @@ PageDigits countByReport(const char* pdfPath, const ToolWatch& watch) {
   std::string report;
   const ToolEnd end =
       readShell(formatText("pdfinfo %s", pdfPath).text(), watch, kMostReport, report);
-  return {digitsOfPagesLine(report), end.late, end.status != -1};
+  return {digitsOfPagesLine(report), end.late, isRun(end), end.status == -1};
 }
 
 }  // namespace
@@ -89,9 +95,10 @@ PageDigits countDigits(const char* pdfPath, const ToolWatch& watch) noexcept try
   const CountText count = countText(pipeline.text(), command.text(), watch);
   const std::optional<int> digits = digitsOfPageCountFile(count.text);
   if (!digits) return countByReport(pdfPath, watch);
-  return {*digits, count.end.late, count.end.status != -1};
+  const bool ran = isRun(count.end);
+  return {*digits, count.end.late, ran, !count.end.late && !(ran && count.read)};
 } catch (const std::bad_alloc&) {
-  return {};
+  return {-1, false, false, true};
 }
 
 PageDigits knownDigits(const char* pdfPath, const ToolWatch& watch) noexcept {

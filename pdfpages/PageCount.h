@@ -9,9 +9,10 @@
 namespace velka {
 
 struct PageDigits {
-  int digits = -1;       ///< 1 to 10; -1 where there is no count
-  bool late = false;     ///< the tool was ended because its time was over
-  bool counted = false;  ///< the tool ran, so that it would find the same again
+  int digits = -1;          ///< 1 to 10; -1 where there is no count
+  bool late = false;        ///< the tool was ended because its time was over
+  bool counted = false;     ///< the tool ran, so that it would find the same again
+  bool toolFailed = false;  ///< the tool was not run, or what it wrote not read
 };
 
 /// Decimal digits of the PDF's page count as pdfinfo reports it. None for a path that is

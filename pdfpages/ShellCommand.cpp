@@ -20,6 +20,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr int kNoShell = 127;  // as the shell says of a command it does not find
+
 // Never above what is there already.
 template <typename Resource>
 void limit(Resource resource, uint64_t most) noexcept {
@@ -37,9 +39,10 @@ void limit(Resource resource, uint64_t most) noexcept {
   setpgid(0, 0);
   // If we are killed outright, nobody else would end a tool that hangs.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  dup2(null, STDIN_FILENO);
-  dup2(output < 0 ? null : output, STDOUT_FILENO);
-  dup2(null, STDERR_FILENO);
+  // What it would keep of ours are the raster and the printer.
+  if (dup2(null, STDIN_FILENO) < 0 || dup2(output < 0 ? null : output, STDOUT_FILENO) < 0 ||
+      dup2(null, STDERR_FILENO) < 0)
+    _exit(kNoDescriptors);
   limit(RLIMIT_FSIZE, limits.fileBytes);
   limit(RLIMIT_AS, limits.memoryBytes);
   // Its memory is somebody's document.
@@ -51,7 +54,6 @@ void limit(Resource resource, uint64_t most) noexcept {
   // The shell is safe here: commands are fixed texts, numbers and names of letters,
   // digits, dots, underscores, hyphens and slashes, which no shell acts on.
   execl("/bin/sh", "sh", "-c", command, nullptr);
-  constexpr int kNoShell = 127;
   _exit(kNoShell);
 }
 

@@ -7,6 +7,9 @@
 
 namespace velka {
 
+/// The exit status of a command's shell that did not get its descriptors and ran nothing.
+inline constexpr int kNoDescriptors = 125;
+
 /// How a command ended.
 struct ToolEnd {
   /// As system() has it: the wait status, -1 where the command was not started.

@@ -62,9 +62,13 @@ class SpawnSettings {
     posix_spawn_file_actions_init(&files);
     posix_spawnattr_init(&attributes);
     constexpr int kNew = O_WRONLY | O_CREAT | O_TRUNC;
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, step.input.c_str(), O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, step.output.c_str(), kNew, 0600);
-    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, step.errors.c_str(), kNew, 0600);
+    const auto open = [this](int fd, const std::string& name, int flags) {
+      if (error == 0)
+        error = posix_spawn_file_actions_addopen(&files, fd, name.c_str(), flags, 0600);
+    };
+    open(STDIN_FILENO, step.input, O_RDONLY);
+    open(STDOUT_FILENO, step.output, kNew);
+    open(STDERR_FILENO, step.errors, kNew);
     posix_spawnattr_setsigmask(&attributes, &held.before());
     // A group of its own, so that what the program starts can be ended with it.
     posix_spawnattr_setpgroup(&attributes, 0);
@@ -77,6 +81,7 @@ class SpawnSettings {
   SpawnSettings(const SpawnSettings&) = delete;
   SpawnSettings& operator=(const SpawnSettings&) = delete;
 
+  int error = 0;  ///< why the program would write to our own descriptors
   posix_spawn_file_actions_t files{};
   posix_spawnattr_t attributes{};
 };
@@ -135,8 +140,10 @@ Problem runStep(const Step& step, const SignalsHeld& held) {
   Words environment = environmentOf(step);
   const SpawnSettings settings(step, held);
   pid_t child = 0;
-  const int error = posix_spawn(&child, step.program.c_str(), &settings.files, &settings.attributes,
-                                arguments.get(), environment.get());
+  int error = settings.error;
+  if (error == 0)
+    error = posix_spawn(&child, step.program.c_str(), &settings.files, &settings.attributes,
+                        arguments.get(), environment.get());
   if (error != 0) return step.program + ": " + std::strerror(error);
   return judge(step, waitFor(child));
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "Files.h"
@@ -33,13 +34,32 @@ WorkFolder::WorkFolder() {
   } else if (mkdtemp(name.data()) == nullptr) {
     trouble_ = std::strerror(errno);  // NOLINT(concurrency-mt-unsafe): one thread
   } else {
-    path_ = name;
+    keep(name);
   }
 }
 
+void WorkFolder::keep(const std::string& name) {
+  try {
+    path_ = name;
+  } catch (const std::bad_alloc&) {
+    (void)rmdir(name.c_str());
+    throw;
+  }
+}
+
+// What a moment without descriptors or memory left is tried again; a folder of pictures
+// that nobody asked for would stay for good.
 WorkFolder::~WorkFolder() {
-  std::error_code ignored;
-  if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+  constexpr int kAttempts = 3;
+  bool gone = path_.empty();
+  for (int attempt = 0; attempt < kAttempts && !gone; ++attempt) {
+    try {
+      std::error_code error;
+      std::filesystem::remove_all(path_, error);
+      gone = !error;
+    } catch (const std::bad_alloc&) {
+    }
+  }
 }
 
 Problem writeNew(const std::string& name, std::span<const uint8_t> bytes, bool& made) {

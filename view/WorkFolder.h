@@ -26,6 +26,9 @@ class WorkFolder {
   [[nodiscard]] std::string operator/(const std::string& name) const { return path_ / name; }
 
  private:
+  // Takes the new folder over, or removes it.
+  void keep(const std::string& name);
+
   std::filesystem::path path_;
   std::string trouble_;
 };

@@ -130,6 +130,28 @@ TEST(HostileHeaders, LinesThatDisagreeWithTheWidthEqualTheReference) {
   }
 }
 
+// The log tells of inputs that fail; these only end, or say what libcups does not take.
+TEST(HostileHeaders, AStreamThatEndsOrLiesIsNoReadThatFailed) {
+  const RasterPage page = inkedPage(rgbHeader(40, 60), 5);
+  RasterPage refused = page;
+  refused.header.cupsBytesPerLine = 1;
+  std::vector<Bytes> streams = {rawStream({page, refused})};
+  for (const cups_mode_t mode :
+       {CUPS_RASTER_WRITE, CUPS_RASTER_WRITE_COMPRESSED, CUPS_RASTER_WRITE_PWG}) {
+    const Bytes whole = rasterStream({page, page}, mode);
+    for (const size_t cut : {size_t{3}, size_t{700}, whole.size() / 2, whole.size() - 1900}) {
+      streams.emplace_back(whole.begin(), whole.end() - static_cast<ptrdiff_t>(cut));
+      Bytes damaged = whole;
+      for (size_t i = damaged.size() - cut; i < damaged.size(); i += 5) damaged[i] ^= 0xA5U;
+      streams.push_back(damaged);
+    }
+  }
+  for (size_t i = 0; i < streams.size(); ++i) {
+    EXPECT_EQ(runJob({}, streams[i]).status, 0) << i;
+    EXPECT_EQ(logMessages().back(), "EndDocOemPDEV finished") << i;
+  }
+}
+
 TEST(HostileHeaders, RandomHeadersAndDataAreSafe) {
   std::mt19937 random(11);
   for (int round = 0; round < 60; ++round) {

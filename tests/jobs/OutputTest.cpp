@@ -60,6 +60,30 @@ TEST(Output, AFileSizeLimitShortensTheLogAndNotTheJob) {
   EXPECT_EQ(logText().size(), 500U);
 }
 
+// The last line of the log of a job that runs by the command of a shell.
+std::string lastLogLine(const std::string& command, bool outputBroken) {
+  const TempFile ppd(ppdText({}));
+  FilterJob job;
+  job.ppd = ppd.path();
+  job.arguments.insert(job.arguments.begin(), {"-c", command, kFilter});
+  job.input = rasterStream({inkedPage(rgbHeader(40, 60), 1)});
+  job.outputBroken = outputBroken;
+  const FilterResult result = runFilter("/bin/sh", job);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, finished(1));
+  return logMessages().back();
+}
+
+TEST(Output, AFullDiskBehindItIsToldInTheLogsLastLine) {
+  EXPECT_EQ(lastLogLine("exec \"$0\" \"$@\" >/dev/full", false),
+            "the job is not printed to its end: No space left on device");
+}
+
+// The backend tells of its own end.
+TEST(Output, AReaderThatIsGoneIsNotToldInTheLog) {
+  EXPECT_EQ(lastLogLine("exec \"$0\" \"$@\"", true), "EndDocOemPDEV finished");
+}
+
 // The first bytes fit, what follows the hole must not be written although it would fit.
 TEST(Output, NothingFollowsAHole) {
   const TempFile ppd(ppdText({}));

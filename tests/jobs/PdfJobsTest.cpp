@@ -145,6 +145,8 @@ TEST(PdfJobs, WithoutPdfinfoPrintWhitePagesAndLeaveTheirPictures) {
   const ToolFolder tools({"sh", "grep", "cut", "pdftoppm"});
   const Environment path("PATH", tools.path());
   expectWhite(id, rasterPages(2));
+  // Its log is as it always was.
+  EXPECT_EQ(logText().find("no page"), std::string::npos);
   EXPECT_EQ(filesOf(id.text()).size(), 2U);
   EXPECT_TRUE(TempFile::exists(id.picture("01")));
   EXPECT_TRUE(TempFile::exists(id.picture("02")));

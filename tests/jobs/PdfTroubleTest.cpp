@@ -115,6 +115,26 @@ TEST(PdfJobs, APictureThatMayNotGrowPrintsAWhitePage) {
   EXPECT_EQ(linesThatHold("no page from the PDF: its picture holds "), 1U);
 }
 
+// The picture is whole and larger than the memory there is.
+TEST(PdfJobs, APictureThatCannotBeReadIsRemovedAndOneLineSaysSo) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizers need address space without limits";
+#endif
+  const JobId id("beyond");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(1)));
+  ToolFolder tools(kTools);
+  tools.addScript("pdftoppm",
+                  "for root; do :; done; printf 'P6\\n14000 14000\\n255\\n' >\"$root-1.ppm\"; "
+                  "/usr/bin/truncate -s 588000017 \"$root-1.ppm\"");
+  const TempFile ppd(ppdText({1, {}, true}));
+  FilterJob job = jobOf(id.text(), ppd, rasterPages(1));
+  job.path = tools.path();
+  job.addressSpace = size_t{400} << 20U;
+  EXPECT_EQ(runFilter(kFilter, job).status, 0);
+  EXPECT_EQ(linesThatHold("no page from the PDF: its picture cannot be read"), 1U);
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
+}
+
 TEST(PdfJobs, AnotherJobsHungCountDoesNotWhitenThem) {
   const JobId id("neighbour");
   ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(12)));

@@ -99,6 +99,13 @@ void expectStopped(const CopyJob& copy, const FilterResult& result, const std::s
   EXPECT_EQ(filesOf(copy.id.text()).size(), filesLeft);
 }
 
+TEST(PdfCopy, StopsAJobWhosePpdIsThereAndCannotBeRead) {
+  CopyJob copy("brokenppd");
+  const TempFile broken("no PPD");
+  copy.job.ppd = broken.path();
+  expectStopped(copy, copy.run(), "The PPD of this queue cannot be read");
+}
+
 TEST(PdfCopy, StopsTheJobWhereItsNameIsTaken) {
   CopyJob copy("taken");
   writeText(copy.id.pdf(), "somebody's");

@@ -191,6 +191,25 @@ TEST_F(Shell, RunsNothingWhereNoDescriptorIsLeft) {
   EXPECT_FALSE(TempFile::exists(mark("started")));
 }
 
+// The command's own descriptors are the last that the child cannot have: without a check
+// it would run with those of ours that are left.
+TEST_F(Shell, RunsNothingThatDoesNotGetItsDescriptors) {
+  const ToolWatch watch{kDrawingLimits, cancelled};
+  const pid_t child = fork();
+  if (child == 0) {
+    // /dev/null becomes descriptor 0, and 2 lies beyond the limit.
+    const rlimit few = {2, 2};
+    close(STDIN_FILENO);
+    close(STDOUT_FILENO);
+    setrlimit(RLIMIT_NOFILE, &few);
+    const int status = runShell("true", watch).status;
+    _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(WEXITSTATUS(status), kNoDescriptors);
+}
+
 // Killed outright it can end nothing itself.
 TEST_F(Shell, EndsTheToolWithTheProcessThatRunsIt) {
   const pid_t child = fork();

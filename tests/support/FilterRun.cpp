@@ -57,6 +57,8 @@ struct Descriptors {
     unsetenv("PPD");
   }
   if (job.path) setenv("PATH", job.path->c_str(), 1);
+  for (const auto& [name, value] : job.environment) setenv(name.c_str(), value.c_str(), 1);
+  alarm(job.mostSeconds);
   execv(program.c_str(), argv.data());
   _exit(127);
 }
