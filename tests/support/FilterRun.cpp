@@ -47,6 +47,7 @@ struct Descriptors {
     const rlimit limit = {job.fileSize, job.fileSize};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
+  if (job.beforeStart) job.beforeStart();
   std::vector<char*> argv = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : job.arguments)
     argv.push_back(const_cast<char*>(argument.c_str()));
@@ -57,6 +58,8 @@ struct Descriptors {
     unsetenv("PPD");
   }
   if (job.path) setenv("PATH", job.path->c_str(), 1);
+  for (const auto& [name, value] : job.environment) setenv(name.c_str(), value.c_str(), 1);
+  alarm(job.mostSeconds);
   execv(program.c_str(), argv.data());
   _exit(127);
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/Capture.h"
@@ -18,6 +19,8 @@ struct FilterJob {
   std::optional<std::string> ppd;
   /// Value of PATH; the test's own where there is none.
   std::optional<std::string> path;
+  /// More of the environment: names and values.
+  std::vector<std::pair<std::string, std::string>> environment;
   Bytes input;  ///< standard input
   /// Descriptors closed when the program starts.
   std::vector<int> closedAtStart;
@@ -31,8 +34,12 @@ struct FilterJob {
   size_t addressSpace = 0;
   /// Most bytes that a file may have which the program writes; 0 for no limit.
   size_t fileSize = 0;
+  /// Seconds after which SIGALRM ends the program; 0 for none.
+  unsigned mostSeconds = 0;
   /// Standard output is a pipe that nobody reads.
   bool outputBroken = false;
+  /// Called in the process that becomes the program, with its descriptors and limits.
+  std::function<void()> beforeStart;
 };
 
 struct FilterResult {

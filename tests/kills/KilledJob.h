@@ -1,0 +1,66 @@
+// A kind of job that is run again and again and ended from outside at another instant.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kills/Killer.h"
+#include "support/FilterRun.h"
+#include "support/TestPdf.h"
+#include "support/TestPpd.h"
+#include "support/TmpFiles.h"
+
+namespace velka::testing {
+
+/// What one run came to.
+struct Outcome {
+  FilterResult result;
+  std::string log;
+  std::vector<std::string> messages;  ///< of the log
+  std::vector<std::string> left;      ///< names below /tmp that were not there before
+  std::vector<std::string> alive;     ///< command lines of processes that outlived it
+  uint64_t calls = 0;                 ///< system calls seen
+  std::chrono::microseconds time{0};
+};
+
+class KilledJob {
+ public:
+  enum class Kind : uint8_t { Raster, Copies, Orlo, Pdf, PdfCopy };
+
+  explicit KilledJob(Kind kind);
+
+  /// Whether what it needs is installed.
+  [[nodiscard]] bool possible() const { return possible_; }
+  [[nodiscard]] Kind kind() const { return kind_; }
+  /// Whether it is the copier's and not the printing filter's.
+  [[nodiscard]] bool copies() const { return kind_ == Kind::PdfCopy; }
+  /// The job as it is given to the filter, for other ways to run it.
+  [[nodiscard]] FilterJob& job() { return job_; }
+  [[nodiscard]] const Bytes& input() const { return job_.input; }
+  /// The name below /tmp of its PDF.
+  [[nodiscard]] std::string pdfName() const { return "VK_TEMP_CUPS_" + id_.text() + ".pdf"; }
+
+  /// Runs it in a /tmp as before the first run, to its end or that instant.
+  Outcome run(int signal = 0, Instant when = {});
+  /// Runs it in the /tmp that the last run left.
+  Outcome runAgain(int signal = 0, Instant when = {});
+
+ private:
+  void makeRasterJob(int model, unsigned copies);
+  void makePdfJob();
+  void wrapTool(const std::string& name);
+  void putDocument() const;
+  [[nodiscard]] std::vector<std::string> alive() const;
+
+  Kind kind_;
+  bool possible_ = true;
+  JobId id_{"kill"};
+  TempFolder folder_;
+  ToolFolder tools_;
+  std::string program_;
+  std::string document_;  ///< the PDF that lies under /tmp when the job starts
+  FilterJob job_;
+  TmpFiles tmp_;
+};
+
+}  // namespace velka::testing
