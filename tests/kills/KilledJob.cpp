@@ -18,9 +18,23 @@ constexpr unsigned kPages = 3;
 constexpr unsigned kMostSeconds = 120;
 constexpr const char* kMark = "VELKA_TEST_JOB";
 
-const std::vector<std::string> kTools = {"sh", "grep", "cut", "sleep", "kill"};
+const std::vector<std::string> kTools = {"sh", "grep", "cut", "sleep", "kill", "cat"};
 
-// Their command lines, by what stands in their environment.
+RasterPage pageNumber(unsigned number, unsigned copies) {
+  cups_page_header2_t header = rgbHeader(150, 100);
+  header.NumCopies = copies;
+  return inkedPage(header, 2 * number);
+}
+
+// As the tool would write it.
+std::string pictureOf(const RasterPage& page) {
+  std::string picture = "P6\n" + std::to_string(page.header.cupsWidth) + ' ' +
+                        std::to_string(page.header.cupsHeight) + "\n255\n";
+  for (const Bytes& line : page.lines) picture.append(line.begin(), line.end());
+  return picture;
+}
+
+// Those with this in their environment, but for this one.
 std::vector<pid_t> processesWith(const std::string& variable) {
   std::vector<pid_t> found;
   std::error_code ignored;
@@ -51,39 +65,31 @@ KilledJob::KilledJob(Kind kind)
 void KilledJob::makeRasterJob(int model, unsigned copies) {
   writeText(folder_ / "queue.ppd",
             ppdText({model, {}, kind_ == Kind::Pdf || kind_ == Kind::PdfCopy}));
-  cups_page_header2_t header = rgbHeader(150, 100);
-  header.NumCopies = copies;
   std::vector<RasterPage> pages;
-  for (unsigned page = 1; page <= kPages; ++page) pages.push_back(inkedPage(header, 2 * page));
+  for (unsigned page = 1; page <= kPages; ++page) pages.push_back(pageNumber(page, copies));
   job_.arguments[0] = id_.text();
   job_.ppd = folder_ / "queue.ppd";
   job_.input = rasterStream(pages);
 }
 
+// Tools as quick as can be, each with a child beside it that would be there for long.
 void KilledJob::makePdfJob() {
-  document_ = folder_ / "document.pdf";
-  possible_ = TempFile::exists("/usr/bin/pdftoppm") && makePdf(document_, postscriptPages(kPages));
-  for (const char* tool : {"pdfinfo", "pdftoppm"}) wrapTool(tool);
+  for (unsigned page = 1; page <= kPages; ++page)
+    writeText(folder_ / std::to_string(page), pictureOf(pageNumber(page, 1)));
+  const std::string child = "sleep 600 >/dev/null 2>&1 & ";
+  tools_.addScript("pdfinfo", child + "echo 'Pages:          3'; kill $!");
+  tools_.addScript("pdftoppm", child + "while [ $1 != -f ]; do shift; done; page=$2; "
+                                       "for root; do :; done; cat " +
+                                   folder_.path() + "/$page >$root-$page.ppm; kill $!");
   job_.path = tools_.path();
-}
-
-// The system's own, with a child beside it that would be there for long.
-void KilledJob::wrapTool(const std::string& name) {
-  tools_.addScript(name, "sleep 600 >/dev/null 2>&1 & /usr/bin/" + name +
-                             " \"$@\"; status=$?; kill $!; exit $status");
-}
-
-void KilledJob::putDocument() const {
-  std::error_code ignored;
-  if (!document_.empty())
-    fs::copy_file(document_, id_.pdf(), fs::copy_options::overwrite_existing, ignored);
 }
 
 // What has been killed may take a moment to be gone: ten seconds at most.
 std::vector<std::string> KilledJob::alive() const {
   const std::string mark = kMark + ('=' + id_.text());
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   std::vector<pid_t> processes = processesWith(mark);
-  for (int round = 0; round < 1000 && !processes.empty(); ++round) {
+  while (!processes.empty() && std::chrono::steady_clock::now() < deadline) {
     usleep(10000);
     processes = processesWith(mark);
   }
@@ -102,16 +108,31 @@ Outcome KilledJob::run(int signal, Instant when) {
 }
 
 Outcome KilledJob::runAgain(int signal, Instant when) {
-  putDocument();
-  Outcome run;
   FilterJob job = job_;
   const Killer killer(job, signal, when);
+  Outcome run = outcomeOf(job);
+  run.calls = killer.calls();
+  return run;
+}
+
+Outcome KilledJob::runWith(const std::function<void(int pid)>& watch) {
+  tmp_.clear();
+  FilterJob job = job_;
+  job.drain = [&watch](int pid, int output) {
+    watch(pid);
+    return readToEnd(output);
+  };
+  return outcomeOf(job);
+}
+
+Outcome KilledJob::outcomeOf(const FilterJob& job) const {
+  if (kind_ == Kind::Pdf) writeText(id_.pdf(), "a document");
+  Outcome run;
   const auto start = std::chrono::steady_clock::now();
   run.result = runFilter(program_, job);
   run.time = std::chrono::duration_cast<std::chrono::microseconds>(
       std::chrono::steady_clock::now() - start);
   run.alive = alive();
-  run.calls = killer.calls();
   run.log = logText();
   run.messages = logMessages();
   run.left = tmp_.left();

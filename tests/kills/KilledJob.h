@@ -1,6 +1,7 @@
 // A kind of job that is run again and again and ended from outside at another instant.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,8 +30,6 @@ class KilledJob {
 
   explicit KilledJob(Kind kind);
 
-  /// Whether what it needs is installed.
-  [[nodiscard]] bool possible() const { return possible_; }
   [[nodiscard]] Kind kind() const { return kind_; }
   /// Whether it is the copier's and not the printing filter's.
   [[nodiscard]] bool copies() const { return kind_ == Kind::PdfCopy; }
@@ -44,21 +43,23 @@ class KilledJob {
   Outcome run(int signal = 0, Instant when = {});
   /// Runs it in the /tmp that the last run left.
   Outcome runAgain(int signal = 0, Instant when = {});
+  /// Runs it in a /tmp as before, with nobody who counts its system calls; `watch` is called
+  /// with its process id once it runs.
+  Outcome runWith(const std::function<void(int pid)>& watch);
+  /// The tools that it finds.
+  [[nodiscard]] const ToolFolder& tools() const { return tools_; }
 
  private:
+  [[nodiscard]] Outcome outcomeOf(const FilterJob& job) const;
   void makeRasterJob(int model, unsigned copies);
   void makePdfJob();
-  void wrapTool(const std::string& name);
-  void putDocument() const;
   [[nodiscard]] std::vector<std::string> alive() const;
 
   Kind kind_;
-  bool possible_ = true;
   JobId id_{"kill"};
   TempFolder folder_;
   ToolFolder tools_;
   std::string program_;
-  std::string document_;  ///< the PDF that lies under /tmp when the job starts
   FilterJob job_;
   TmpFiles tmp_;
 };
