@@ -178,6 +178,19 @@ TEST_P(Killed, BySigkillLeavesNothingInTheNextJobsWay) {
   }
 }
 
+// A copy is the next filter's once the job is passed on: an end that comes behind that is
+// none of this job, and one before it leaves no copy.
+class KilledCopier : public Killed {};
+
+TEST_P(KilledCopier, NearItsEndLeavesTheCopyOfAJobThatIsPassedOnAndNoOther) {
+  if (!holds_) GTEST_SKIP() << "no system calls can be held here";
+  constexpr uint64_t kLast = 24;
+  for (uint64_t behind = 0; behind < kLast; ++behind) {
+    SCOPED_TRACE("call " + std::to_string(behind) + " before the last");
+    expectOrderlyEnd(job_.run(SIGTERM, {good_.calls - behind, {}}));
+  }
+}
+
 std::string nameOf(const ::testing::TestParamInfo<KilledJob::Kind>& kind) {
   constexpr std::array kNames = {"Raster", "Copies", "Orlo", "Pdf", "PdfCopy"};
   return kNames[static_cast<size_t>(kind.param)];
@@ -188,6 +201,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Killed,
                                            KilledJob::Kind::Orlo, KilledJob::Kind::Pdf,
                                            KilledJob::Kind::PdfCopy),
                          nameOf);
+INSTANTIATE_TEST_SUITE_P(Of, KilledCopier, ::testing::Values(KilledJob::Kind::PdfCopy), nameOf);
 
 }  // namespace
 }  // namespace velka::testing
