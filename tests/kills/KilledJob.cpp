@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
+#include "CommandReader.h"
 #include "pdfcopy/CopyFixture.h"
 #include "support/RasterBuilder.h"
 
@@ -78,8 +80,9 @@ void KilledJob::makePdfJob() {
     writeText(folder_ / std::to_string(page), pictureOf(pageNumber(page, 1)));
   const std::string child = "sleep 600 >/dev/null 2>&1 & ";
   tools_.addScript("pdfinfo", child + "echo 'Pages:          3'; kill $!");
-  tools_.addScript("pdftoppm", child + "while [ $1 != -f ]; do shift; done; page=$2; "
-                                       "for root; do :; done; cat " +
+  tools_.addScript("pdftoppm", child +
+                                   "while [ $1 != -f ]; do shift; done; page=$2; "
+                                   "for root; do :; done; cat " +
                                    folder_.path() + "/$page >$root-$page.ppm; kill $!");
   job_.path = tools_.path();
 }
@@ -115,13 +118,10 @@ Outcome KilledJob::runAgain(int signal, Instant when) {
   return run;
 }
 
-Outcome KilledJob::runWith(const std::function<void(int pid)>& watch) {
+Outcome KilledJob::runWith(const std::function<Bytes(int pid, int outputFd)>& drain) {
   tmp_.clear();
   FilterJob job = job_;
-  job.drain = [&watch](int pid, int output) {
-    watch(pid);
-    return readToEnd(output);
-  };
+  job.drain = drain;
   return outcomeOf(job);
 }
 
@@ -137,6 +137,42 @@ Outcome KilledJob::outcomeOf(const FilterJob& job) const {
   run.messages = logMessages();
   run.left = tmp_.left();
   return run;
+}
+
+std::string nameOf(KilledJob::Kind kind) {
+  constexpr std::array kNames = {"Raster", "Copies", "Orlo", "Pdf", "PdfCopy"};
+  return kNames[static_cast<size_t>(kind)];
+}
+
+std::vector<Bytes> pagesOf(const Bytes& stream) {
+  std::vector<Bytes> pages;
+  auto start = stream.begin();
+  decode::CommandReader commands(stream, std::nullopt);
+  while (const auto command = commands.next()) {
+    if (command->kind != decode::CommandKind::FormFeed) continue;
+    const auto end = stream.begin() + static_cast<ptrdiff_t>(command->offset + command->size);
+    pages.emplace_back(start, end);
+    start = end;
+  }
+  return pages;
+}
+
+Bytes joined(Bytes bytes, const Bytes& more) {
+  bytes.insert(bytes.end(), more.begin(), more.end());
+  return bytes;
+}
+
+Bytes endOfDocument() {
+  return {0x1B, '@'};
+}
+
+Bytes whitePageOf(const Bytes& stream) {
+  constexpr ptrdiff_t kStartAndLength = 7;
+  return {stream.begin(), stream.begin() + kStartAndLength};
+}
+
+bool beginsWith(const Bytes& bytes, const Bytes& head) {
+  return head.size() <= bytes.size() && std::equal(head.begin(), head.end(), bytes.begin());
 }
 
 }  // namespace velka::testing

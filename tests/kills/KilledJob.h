@@ -33,9 +33,6 @@ class KilledJob {
   [[nodiscard]] Kind kind() const { return kind_; }
   /// Whether it is the copier's and not the printing filter's.
   [[nodiscard]] bool copies() const { return kind_ == Kind::PdfCopy; }
-  /// The job as it is given to the filter, for other ways to run it.
-  [[nodiscard]] FilterJob& job() { return job_; }
-  [[nodiscard]] const Bytes& input() const { return job_.input; }
   /// The name below /tmp of its PDF.
   [[nodiscard]] std::string pdfName() const { return "VK_TEMP_CUPS_" + id_.text() + ".pdf"; }
 
@@ -43,9 +40,9 @@ class KilledJob {
   Outcome run(int signal = 0, Instant when = {});
   /// Runs it in the /tmp that the last run left.
   Outcome runAgain(int signal = 0, Instant when = {});
-  /// Runs it in a /tmp as before, with nobody who counts its system calls; `watch` is called
-  /// with its process id once it runs.
-  Outcome runWith(const std::function<void(int pid)>& watch);
+  /// Runs it in a /tmp as before the first run, with nobody who counts its system calls;
+  /// `drain` as FilterJob has it.
+  Outcome runWith(const std::function<Bytes(int pid, int outputFd)>& drain);
   /// The tools that it finds.
   [[nodiscard]] const ToolFolder& tools() const { return tools_; }
 
@@ -63,5 +60,21 @@ class KilledJob {
   FilterJob job_;
   TmpFiles tmp_;
 };
+
+/// For the names of tests.
+std::string nameOf(KilledJob::Kind kind);
+
+/// The pages of a stream, each to its form feed; the end of the document is left out.
+std::vector<Bytes> pagesOf(const Bytes& stream);
+
+/// One behind the other.
+Bytes joined(Bytes bytes, const Bytes& more);
+
+/// What ends a document, and what a page of such a job that stays white is: its start and its
+/// length.
+Bytes endOfDocument();
+Bytes whitePageOf(const Bytes& stream);
+
+bool beginsWith(const Bytes& bytes, const Bytes& head);
 
 }  // namespace velka::testing

@@ -65,7 +65,6 @@ pid_t receiveHello(int socket, UniqueFd& listener) {
   return hello.pid;
 }
 
-
 }  // namespace
 
 Killer::Killer(FilterJob& job, int signal, Instant when) : signal_(signal), when_(when) {
