@@ -118,15 +118,32 @@ Outcome KilledJob::runAgain(int signal, Instant when) {
   return run;
 }
 
-Outcome KilledJob::runWith(const std::function<Bytes(int pid, int outputFd)>& drain) {
+Outcome KilledJob::runChanged(const std::function<void(FilterJob& job)>& change) {
   tmp_.clear();
   FilterJob job = job_;
-  job.drain = drain;
+  change(job);
   return outcomeOf(job);
 }
 
-Outcome KilledJob::outcomeOf(const FilterJob& job) const {
+FilterResult KilledJob::runBeside() {
+  putDocument();
+  return runFilter(program_, job_);
+}
+
+void KilledJob::openToAll() {
+  fs::copy_file(program_, folder_ / "program");
+  program_ = folder_ / "program";
+  for (const std::string& folder : {folder_.path(), tools_.path()})
+    fs::permissions(folder, fs::perms::others_read | fs::perms::others_exec,
+                    fs::perm_options::add);
+}
+
+void KilledJob::putDocument() const {
   if (kind_ == Kind::Pdf) writeText(id_.pdf(), "a document");
+}
+
+Outcome KilledJob::outcomeOf(const FilterJob& job) const {
+  putDocument();
   Outcome run;
   const auto start = std::chrono::steady_clock::now();
   run.result = runFilter(program_, job);

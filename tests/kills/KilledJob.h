@@ -40,9 +40,13 @@ class KilledJob {
   Outcome run(int signal = 0, Instant when = {});
   /// Runs it in the /tmp that the last run left.
   Outcome runAgain(int signal = 0, Instant when = {});
-  /// Runs it in a /tmp as before the first run, with nobody who counts its system calls;
-  /// `drain` as FilterJob has it.
-  Outcome runWith(const std::function<Bytes(int pid, int outputFd)>& drain);
+  /// Runs it in a /tmp as before the first run, changed and with nobody who counts its system
+  /// calls.
+  Outcome runChanged(const std::function<void(FilterJob& job)>& change);
+  /// Runs it beside others, whose processes and files in /tmp are not looked at.
+  FilterResult runBeside();
+  /// Lets anybody run the program and read what it needs.
+  void openToAll();
   /// The tools that it finds.
   [[nodiscard]] const ToolFolder& tools() const { return tools_; }
 
@@ -50,6 +54,7 @@ class KilledJob {
   [[nodiscard]] Outcome outcomeOf(const FilterJob& job) const;
   void makeRasterJob(int model, unsigned copies);
   void makePdfJob();
+  void putDocument() const;
   [[nodiscard]] std::vector<std::string> alive() const;
 
   Kind kind_;

@@ -59,7 +59,9 @@ TEST_P(ReaderGone, AfterAnyNumberOfBytesTheJobEndsAsDecided) {
   for (size_t round = 0; round < rounds; ++round) {
     const size_t most = round * (size - 1) / (rounds - 1);
     SCOPED_TRACE(std::to_string(most) + " of " + std::to_string(size) + " bytes");
-    const Outcome run = job_.runWith([most](int /*pid*/, int fd) { return readUpTo(fd, most); });
+    const Outcome run = job_.runChanged([most](FilterJob& job) {
+      job.drain = [most](int /*pid*/, int fd) { return readUpTo(fd, most); };
+    });
     EXPECT_EQ(run.result.output.size(), most);
     EXPECT_TRUE(beginsWith(good.result.output, run.result.output));
     EXPECT_EQ(run.alive, std::vector<std::string>{});

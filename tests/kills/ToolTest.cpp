@@ -58,10 +58,12 @@ TEST_F(ToolsOfAJob, GoWithAllTheyStartedWhenTheFilterIsKilledOutright) {
     SCOPED_TRACE(tool);
     unlink(mark().c_str());
     useTool(tool, "sleep 600");
-    const Outcome run = job_.runWith([this](int pid, int output) {
-      EXPECT_TRUE(appears(mark()));
-      kill(pid, SIGKILL);
-      return readToEnd(output);
+    const Outcome run = job_.runChanged([this](FilterJob& job) {
+      job.drain = [this](int pid, int output) {
+        EXPECT_TRUE(appears(mark()));
+        kill(pid, SIGKILL);
+        return readToEnd(output);
+      };
     });
     EXPECT_EQ(run.result.status, 128 + SIGKILL);
     EXPECT_EQ(run.alive, std::vector<std::string>{});
