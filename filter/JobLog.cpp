@@ -28,4 +28,9 @@ bool emptyJobLog() noexcept {
   return false;
 }
 
+void tellLogStaysEmpty() noexcept {
+  std::fprintf(stderr, "\nWARNING: The job log %s stays empty: its thread cannot be started.\n",
+               kJobLog);
+}
+
 }  // namespace velka

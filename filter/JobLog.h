@@ -15,4 +15,7 @@ inline constexpr const char* kJobLog = "/tmp/velka.log";
 /// Returns whether it could.
 bool emptyJobLog() noexcept;
 
+/// Says, likewise, that the log stays empty because its thread cannot be started.
+void tellLogStaysEmpty() noexcept;
+
 }  // namespace velka

@@ -1,6 +1,7 @@
 #include "PageCount.h"
 
 #include <sys/file.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -75,7 +76,14 @@ PageDigits countByReport(const char* pdfPath, const ToolWatch& watch) {
   std::string report;
   const ToolEnd end =
       readShell(formatText("pdfinfo %s", pdfPath).text(), watch, kMostReport, report);
-  return {digitsOfPagesLine(report), end.late, end.status != -1};
+  return {end.status == 0 ? digitsOfPagesLine(report) : -1, end.late, end.status != -1};
+}
+
+// The shell's own, as where it lacks descriptors: the last tool of the pipeline has status 0
+// whatever comes. One command alone may go.
+bool isShellFailure(const CountText& count) noexcept {
+  const int status = count.end.status;
+  return count.text.empty() && WIFEXITED(status) && WEXITSTATUS(status) != 0;
 }
 
 }  // namespace
@@ -88,7 +96,7 @@ PageDigits countDigits(const char* pdfPath, const ToolWatch& watch) noexcept try
   if (pipeline.cut || command.cut) return {};
   const CountText count = countText(pipeline.text(), command.text(), watch);
   const std::optional<int> digits = digitsOfPageCountFile(count.text);
-  if (!digits) return countByReport(pdfPath, watch);
+  if (!digits || isShellFailure(count)) return countByReport(pdfPath, watch);
   return {*digits, count.end.late, count.end.status != -1};
 } catch (const std::bad_alloc&) {
   return {};

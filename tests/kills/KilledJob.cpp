@@ -134,8 +134,7 @@ void KilledJob::openToAll() {
   fs::copy_file(program_, folder_ / "program");
   program_ = folder_ / "program";
   for (const std::string& folder : {folder_.path(), tools_.path()})
-    fs::permissions(folder, fs::perms::others_read | fs::perms::others_exec,
-                    fs::perm_options::add);
+    fs::permissions(folder, fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
 }
 
 void KilledJob::putDocument() const {

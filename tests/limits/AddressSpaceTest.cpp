@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-#include "kills/KilledJob.h"
 #include "jobs/JobFixture.h"
+#include "kills/KilledJob.h"
 #include "support/Sweep.h"
 
 namespace velka::testing {

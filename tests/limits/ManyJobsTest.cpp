@@ -6,8 +6,8 @@
 #include <array>
 #include <vector>
 
-#include "kills/KilledJob.h"
 #include "jobs/JobFixture.h"
+#include "kills/KilledJob.h"
 #include "support/Sweep.h"
 
 namespace velka::testing {
@@ -63,7 +63,8 @@ TEST(ManyJobs, AtOnceAllPrintTheirOwn) {
       });
     }
   }
-  for (size_t number = 0; number < jobs.size(); ++number) EXPECT_TRUE(jobs[number].right()) << number;
+  for (size_t number = 0; number < jobs.size(); ++number)
+    EXPECT_TRUE(jobs[number].right()) << number;
 }
 
 }  // namespace

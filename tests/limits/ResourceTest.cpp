@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+#include "jobs/PdfJobFixture.h"
 #include "kills/KilledJob.h"
 #include "support/LogForm.h"
 
@@ -46,16 +47,38 @@ class Limited : public ::testing::TestWithParam<Kind> {
   Outcome good_;
 };
 
-TEST_P(Limited, ToEightDescriptorsPrintsAsEver) {
+class FewDescriptors : public Limited {};
+
+TEST_P(FewDescriptors, EightAreEnough) {
 #ifdef __SANITIZE_THREAD__
   GTEST_SKIP() << "the sanitizer takes descriptors of its own";
 #endif
-  const Outcome run = job_.runChanged(
-      [](FilterJob& job) { job.beforeStart = [] { limit(RLIMIT_NOFILE, 8); }; });
+  const Outcome run =
+      job_.runChanged([](FilterJob& job) { job.beforeStart = [] { limit(RLIMIT_NOFILE, 8); }; });
   EXPECT_EQ(run.result.status, 0);
   EXPECT_TRUE(run.result.output == good_.result.output) << run.log;
   EXPECT_EQ(run.left, good_.left);
   EXPECT_EQ(run.messages.size(), good_.messages.size());
+}
+
+// With the tools themselves, and no scripts in their place. The shell has too few of them for
+// the pipeline that counts the pages.
+TEST(FewDescriptorsOfAPdf, EightAreEnough) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "the sanitizer takes descriptors of its own";
+#endif
+  const JobId id("few");
+  ASSERT_TRUE(makePdf(id.pdf(), postscriptPages(3)));
+  const Pages pages = rasterPages(3);
+  const Bytes expected =
+      expectedPdfStream(reference::defaultOptions(), pages, picturesOf(id.pdf(), pages));
+  const TempFile ppd(ppdText({1, {}, true}));
+  FilterJob job = jobOf(id.text(), ppd, pages);
+  job.beforeStart = [] { limit(RLIMIT_NOFILE, 8); };
+  const FilterResult result = runFilter(VELKA_FILTER, job);
+  EXPECT_EQ(result.status, 0);
+  expectSameStream(result.output, expected);
+  EXPECT_EQ(filesOf(id.text()), std::vector<std::string>{});
 }
 
 // The stream goes to a pipe, as in a queue; so would the texts, which the log of the print
@@ -84,7 +107,8 @@ TEST_P(Limited, ToFilesWithoutABytePrintsWithoutALog) {
 void allowNoProcess() {
   constexpr uid_t kNobody = 65534;
   limit(RLIMIT_NPROC, 0);
-  if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0))
+  if (geteuid() == 0 &&
+      (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0))
     _exit(126);
 }
 
@@ -93,8 +117,7 @@ TEST_P(Limited, ToNoFurtherProcessPrintsWhatItCanAndTellsOfTheLog) {
   GTEST_SKIP() << "sanitizers look for leaks, and at threads, in a process of their own";
 #endif
   job_.openToAll();
-  const Outcome run =
-      job_.runChanged([](FilterJob& job) { job.beforeStart = allowNoProcess; });
+  const Outcome run = job_.runChanged([](FilterJob& job) { job.beforeStart = allowNoProcess; });
   if (run.result.status == 126) GTEST_SKIP() << "no other user can be had here";
   EXPECT_EQ(run.log, "");
   if (job_.copies()) {
@@ -109,6 +132,10 @@ TEST_P(Limited, ToNoFurtherProcessPrintsWhatItCanAndTellsOfTheLog) {
   }
 }
 
+// The PDF's own is above: the shell reads scripts, as its tools are here, through its tenth.
+INSTANTIATE_TEST_SUITE_P(Job, FewDescriptors,
+                         ::testing::Values(Kind::Raster, Kind::Orlo, Kind::PdfCopy),
+                         [](const auto& kind) { return nameOf(kind.param); });
 INSTANTIATE_TEST_SUITE_P(Job, Limited,
                          ::testing::Values(Kind::Raster, Kind::Orlo, Kind::Pdf, Kind::PdfCopy),
                          [](const auto& kind) { return nameOf(kind.param); });

@@ -113,11 +113,10 @@ TEST_P(OtherTmp, PrintsARasterAndSaysWhyThereIsNoLog) {
   if (result.status == kNoMounts) GTEST_SKIP() << "no /tmp of one's own can be mounted here";
   EXPECT_EQ(result.status, 0);
   expectSameStream(result.output, expectedStream(reference::defaultOptions(), {page, page}));
-  const std::string warning =
-      GetParam().reason == nullptr
-          ? ""
-          : "\nWARNING: The job log /tmp/velka.log cannot be opened: " +
-                std::string(GetParam().reason) + ".\n";
+  const std::string warning = GetParam().reason == nullptr
+                                  ? ""
+                                  : "\nWARNING: The job log /tmp/velka.log cannot be opened: " +
+                                        std::string(GetParam().reason) + ".\n";
   EXPECT_EQ(result.errors, warning + finished(2));
 }
 
