@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,9 @@ class KilledJob {
 
 /// For the names of tests.
 std::string nameOf(KilledJob::Kind kind);
+inline void PrintTo(KilledJob::Kind kind, std::ostream* out) {
+  *out << nameOf(kind);
+}
 
 /// The pages of a stream, each to its form feed; the end of the document is left out.
 std::vector<Bytes> pagesOf(const Bytes& stream);

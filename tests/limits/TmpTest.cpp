@@ -71,6 +71,10 @@ struct Tmp {
   const char* reason;  ///< why the log cannot be had; null where it can and stays empty
 };
 
+void PrintTo(const Tmp& tmp, std::ostream* out) {
+  *out << tmp.name;
+}
+
 const std::vector<Tmp> kTmps = {
     {"ReadOnly", [] { mountTmp("mode=1777", MS_RDONLY); }, "Read-only file system"},
     {"WithoutRoomForAFile", [] { mountTmp("mode=1777,nr_inodes=1"); }, "No space left on device"},
