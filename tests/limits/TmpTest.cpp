@@ -54,7 +54,7 @@ void enterRootWithoutTmp(const std::string& root) {
   must(mkdir(root.c_str(), 0755) == 0);
   for (const auto& entry : fs::directory_iterator("/")) {
     const std::string name = entry.path().filename();
-    const std::string place = root + "/" + name;
+    const fs::path place = fs::path(root) / name;
     if (entry.is_symlink()) {
       fs::create_symlink(fs::read_symlink(entry), place);
     } else if (entry.is_directory() && name != "tmp") {

@@ -26,7 +26,7 @@ inline bool isLogLine(const std::string& line) {
 inline std::string tornLine(const std::string& log) {
   for (size_t at = 0; at < log.size();) {
     const size_t end = log.find('\n', at);
-    const std::string line = log.substr(at, end - at);
+    std::string line = log.substr(at, end - at);
     if (end == std::string::npos || !isLogLine(line)) return line;
     at = end + 1;
   }
