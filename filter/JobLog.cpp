@@ -37,14 +37,21 @@ void tellIfLogEnded(uint64_t linesBefore) noexcept {
                kJobLog);
 }
 
+void tellLogStaysEmpty() noexcept {
+  std::fprintf(stderr, "\nWARNING: The job log %s stays empty: its thread cannot be started.\n",
+               kJobLog);
+}
+
 }  // namespace velka
 
 void StartLog4z() noexcept {
   const mode_t before = umask(022);
-  velka::emptyJobLog();  // the previous job's lines go
+  const bool emptied = velka::emptyJobLog();  // the previous job's lines go
   ILog4zManager* log = ILog4zManager::getInstance();
   log->setLoggerPath(LOGGER_MAIN_ID, "/tmp");
   log->setLoggerName(LOGGER_MAIN_ID, "velka");
-  log->start();
+  // One that is started already has lines.
+  const bool started = log->start() || log->getStatusTotalWriteCount() > 0;
+  if (emptied && !started) velka::tellLogStaysEmpty();
   umask(before);
 }

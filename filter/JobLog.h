@@ -22,4 +22,7 @@ bool emptyJobLog() noexcept;
 /// log says that the job's own ends early: what became of later pages stands in neither.
 void tellIfLogEnded(uint64_t linesBefore) noexcept;
 
+/// Says, likewise, that the log stays empty because its thread cannot be started.
+void tellLogStaysEmpty() noexcept;
+
 }  // namespace velka

@@ -108,6 +108,11 @@ bool CopyFile::publish() noexcept {
 void CopyFile::keep() noexcept {
   const SignalsHeldBack held(kEndings);
   publishedName.chars[0] = '\0';
+  // The job is passed on: who ends it from here on ends the next filter, and a status of
+  // ours that says otherwise would stand beside a copy that stays.
+  struct sigaction ignore = {};
+  ignore.sa_handler = SIG_IGN;
+  for (const int signal : kEndings) sigaction(signal, &ignore, nullptr);
 }
 
 void installCopySignals() noexcept {

@@ -32,7 +32,8 @@ class CopyFile {
   /// that an earlier run of the job left. Returns whether it has it; errno says why not.
   [[nodiscard]] bool publish() noexcept;
 
-  /// The copy is the printing filter's from here on.
+  /// The copy is the printing filter's from here on, and nothing ends this process any more
+  /// but its own end.
   void keep() noexcept;
 
  private:

@@ -1,6 +1,7 @@
 #include "PageCount.h"
 
 #include <sys/file.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -81,7 +82,14 @@ PageDigits countByReport(const char* pdfPath, const ToolWatch& watch) {
   std::string report;
   const ToolEnd end =
       readShell(formatText("pdfinfo %s", pdfPath).text(), watch, kMostReport, report);
-  return {digitsOfPagesLine(report), end.late, isRun(end), end.status == -1};
+  return {end.status == 0 ? digitsOfPagesLine(report) : -1, end.late, isRun(end), !isRun(end)};
+}
+
+// The shell's own, as where it lacks descriptors: the last tool of the pipeline has status 0
+// whatever comes. One command alone may go.
+bool isShellFailure(const CountText& count) noexcept {
+  const int status = count.end.status;
+  return count.text.empty() && WIFEXITED(status) && WEXITSTATUS(status) != 0;
 }
 
 }  // namespace
@@ -94,7 +102,7 @@ PageDigits countDigits(const char* pdfPath, const ToolWatch& watch) noexcept try
   if (pipeline.cut || command.cut) return {};
   const CountText count = countText(pipeline.text(), command.text(), watch);
   const std::optional<int> digits = digitsOfPageCountFile(count.text);
-  if (!digits) return countByReport(pdfPath, watch);
+  if (!digits || isShellFailure(count)) return countByReport(pdfPath, watch);
   const bool ran = isRun(count.end);
   return {*digits, count.end.late, ran, !count.end.late && !(ran && count.read)};
 } catch (const std::bad_alloc&) {

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -14,6 +13,7 @@
 
 #include "Descriptor.h"
 #include "SignalsHeldBack.h"
+#include "ToolGuard.h"
 
 namespace velka {
 namespace {
@@ -35,10 +35,9 @@ void limit(Resource resource, uint64_t most) noexcept {
 // The child between fork() and exec(): system calls only, because the process has a
 // second thread, which may have held any lock.
 [[noreturn]] void becomeShell(const char* command, const ToolLimits& limits, int null,
-                              int output) noexcept {
-  setpgid(0, 0);
+                              int output, pid_t filter) noexcept {
   // If we are killed outright, nobody else would end a tool that hangs.
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  becomeGuardedTool(filter);
   // What it would keep of ours are the raster and the printer.
   if (dup2(null, STDIN_FILENO) < 0 || dup2(output < 0 ? null : output, STDOUT_FILENO) < 0 ||
       dup2(null, STDERR_FILENO) < 0)
@@ -47,7 +46,7 @@ void limit(Resource resource, uint64_t most) noexcept {
   limit(RLIMIT_AS, limits.memoryBytes);
   // Its memory is somebody's document.
   limit(RLIMIT_CORE, 0);
-  for (const int ours : {SIGPIPE, SIGXFSZ, SIGCHLD}) std::signal(ours, SIG_DFL);
+  for (const int ours : {SIGPIPE, SIGXFSZ, SIGCHLD, SIGTERM}) std::signal(ours, SIG_DFL);
   sigset_t none = {};
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -111,13 +110,16 @@ ToolEnd runShell(const char* command, const ToolWatch& watch, int output) noexce
   // the flag and the sleep.
   const SignalsHeldBack held({SIGTERM});
   if (watch.cancelled != 0) return {};
+  const pid_t filter = getpid();
   const pid_t child = fork();
-  if (child == 0) becomeShell(command, watch.limits, null.get(), output);
+  if (child == 0) becomeShell(command, watch.limits, null.get(), output, filter);
   if (child < 0) return {};
   // The child does it too; whoever comes first, it has its group from here on.
   setpgid(child, child);
   ToolEnd end;
   end.late = isLate(child, watch, held.before());
+  // What a tool leaves behind holds nothing that anybody waits for.
+  kill(-child, SIGKILL);
   end.status = statusOf(child);
   return end;
 }

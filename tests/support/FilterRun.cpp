@@ -47,6 +47,7 @@ struct Descriptors {
     const rlimit limit = {job.fileSize, job.fileSize};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
+  if (job.beforeStart) job.beforeStart();
   std::vector<char*> argv = {const_cast<char*>(program.c_str())};
   for (const std::string& argument : job.arguments)
     argv.push_back(const_cast<char*>(argument.c_str()));

@@ -38,6 +38,8 @@ struct FilterJob {
   unsigned mostSeconds = 0;
   /// Standard output is a pipe that nobody reads.
   bool outputBroken = false;
+  /// Called in the process that becomes the program, with its descriptors and limits.
+  std::function<void()> beforeStart;
 };
 
 struct FilterResult {
