@@ -49,12 +49,18 @@ class AddressSpace : public ::testing::TestWithParam<int> {
     }
     EXPECT_EQ(result.status, 0) << result.errors;
     if (result.output == good) return;
+    // What is sent already stays.
+    const std::string log = logText();
+    if (holds(log, "page 1 is not printed to its end: no memory for its commands")) {
+      EXPECT_TRUE(beginsWith(good, {result.output.begin(), result.output.end() - 2}));
+      return;
+    }
     EXPECT_LE(result.output.size(), 12U) << "half a page";
-    EXPECT_TRUE(holds(logText(), "page 1 is not printed: no memory for ") ||
+    EXPECT_TRUE(holds(log, "page 1 is not printed: no memory for ") ||
                 holds(result.errors, "The PPD file could not be opened.") ||
                 holds(result.errors, "cupsRasterOpen failed.") ||
                 holds(result.errors, "\nWARNING: The job log "))
-        << "nobody is told: " << result.errors << logText();
+        << "nobody is told: " << result.errors << log;
   }
 
   // The least of these at which the page is printed; every one above has to print it.
