@@ -26,6 +26,9 @@ void preferLargePages(unsigned char* block, size_t bytes) noexcept {
 void keepFreedMemory() noexcept {
   mallopt(M_MMAP_MAX, 0);
   mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+  // The log's thread would have 64 MiB of address space for itself, which under a limit are
+  // the pages'.
+  mallopt(M_ARENA_MAX, 1);
 }
 
 unsigned char* pageBytes(size_t bytes) noexcept {

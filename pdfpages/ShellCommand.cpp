@@ -34,8 +34,8 @@ void limit(Resource resource, uint64_t most) noexcept {
 
 // The child between fork() and exec(): system calls only, because the process has a
 // second thread, which may have held any lock.
-[[noreturn]] void becomeShell(const char* command, const ToolLimits& limits, int null,
-                              int output, pid_t filter) noexcept {
+[[noreturn]] void becomeShell(const char* command, const ToolLimits& limits, int null, int output,
+                              pid_t filter) noexcept {
   // If we are killed outright, nobody else would end a tool that hangs.
   becomeGuardedTool(filter);
   // What it would keep of ours are the raster and the printer.
@@ -77,7 +77,7 @@ void sleepUntil(Clock::time_point deadline, int child, const sigset_t& open) noe
   ppoll(&ended, 1, &timeout, &open);
 }
 
-// Waits for the child, or ends its whole group. Returns whether its time was over. The
+// Waits for the child, or has it end its whole group. Returns whether its time was over. The
 // group is killed: the tools hold nothing that they would have to put in order.
 bool isLate(pid_t child, const ToolWatch& watch, const sigset_t& open) noexcept {
   const UniqueFd ending(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
@@ -86,7 +86,7 @@ bool isLate(pid_t child, const ToolWatch& watch, const sigset_t& open) noexcept 
     const bool cancelled = watch.cancelled != 0;
     const bool late = Clock::now() >= deadline;
     if (cancelled || late) {
-      kill(-child, SIGKILL);
+      kill(child, kEndTool);
       return !cancelled;
     }
     sleepUntil(deadline, ending.get(), open);
@@ -114,12 +114,8 @@ ToolEnd runShell(const char* command, const ToolWatch& watch, int output) noexce
   const pid_t child = fork();
   if (child == 0) becomeShell(command, watch.limits, null.get(), output, filter);
   if (child < 0) return {};
-  // The child does it too; whoever comes first, it has its group from here on.
-  setpgid(child, child);
   ToolEnd end;
   end.late = isLate(child, watch, held.before());
-  // What a tool leaves behind holds nothing that anybody waits for.
-  kill(-child, SIGKILL);
   end.status = statusOf(child);
   return end;
 }

@@ -6,15 +6,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 
 namespace velka {
 namespace {
 
-constexpr int kFilterGone = SIGTERM;
+volatile pid_t tool = 0;  // in the guard, which holds the number until it has the status
 
-extern "C" void killGroup(int /*signal*/) {
-  kill(0, SIGKILL);
+extern "C" void killTool(int /*signal*/) {
+  kill(-tool, SIGKILL);
 }
 
 void unblock(int signal) noexcept {
@@ -22,14 +21,6 @@ void unblock(int signal) noexcept {
   sigemptyset(&one);
   sigaddset(&one, signal);
   sigprocmask(SIG_UNBLOCK, &one, nullptr);
-}
-
-// Asked for first, so that no end comes in between.
-void watch(pid_t filter) noexcept {
-  std::signal(kFilterGone, killGroup);
-  unblock(kFilterGone);
-  prctl(PR_SET_PDEATHSIG, kFilterGone);
-  if (getppid() != filter) killGroup(kFilterGone);
 }
 
 [[noreturn]] void endAs(int status) noexcept {
@@ -43,7 +34,15 @@ void watch(pid_t filter) noexcept {
   _exit(kNoGuard);
 }
 
-[[noreturn]] void guard(pid_t tool) noexcept {
+[[noreturn]] void guard(pid_t filter) noexcept {
+  unblock(kEndTool);
+  if (getppid() != filter) killTool(kEndTool);
+  siginfo_t ended = {};
+  while (waitid(P_PID, static_cast<id_t>(tool), &ended, WEXITED | WNOWAIT) != 0)
+    if (errno != EINTR) break;
+  // What it leaves behind holds nothing that anybody waits for.
+  killTool(kEndTool);
+  std::signal(kEndTool, SIG_IGN);
   int status = 0;
   while (waitpid(tool, &status, 0) != tool)
     if (errno != EINTR) _exit(kNoGuard);
@@ -54,12 +53,19 @@ void watch(pid_t filter) noexcept {
 
 void becomeGuardedTool(pid_t filter) noexcept {
   setpgid(0, 0);
-  watch(filter);
-  const pid_t tool = fork();
+  std::signal(kEndTool, killTool);
+  prctl(PR_SET_PDEATHSIG, kEndTool);
+  tool = fork();
   if (tool < 0) _exit(kNoGuard);
-  if (tool > 0) guard(tool);
-  // A guard that is killed alone takes the tool along.
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (tool == 0) {
+    setpgid(0, 0);
+    // A guard that is killed alone takes the tool along.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    return;
+  }
+  // The tool does it too; whoever comes first, it has its group from here on.
+  setpgid(tool, tool);
+  guard(filter);
 }
 
 }  // namespace velka

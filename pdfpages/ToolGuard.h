@@ -3,15 +3,20 @@
 
 #include <sys/types.h>
 
+#include <csignal>
+
 namespace velka {
 
 /// Splits the process that was forked to become a tool in two. Returns in the one that
-/// becomes it; the other leads the process group of both, waits for the tool and ends as it
-/// did. When `filter`, the process that forked, is gone, even killed outright, the guard
-/// kills the whole group: the kernel tells a process of its parent's end, but not those that
-/// this one has started. Where no process is to be had it ends with status `kNoGuard`. Calls
-/// nothing that is not safe between fork() and exec().
+/// becomes it and leads a process group; the other waits for it, kills what is left of the
+/// group then, and ends as the tool did. At `kEndTool`, which must be held back when this is
+/// called, the guard kills the group at once. It does so, too, when `filter`, the process
+/// that forked, is gone, even killed outright: the kernel tells a process of its parent's
+/// end, but not those that this one has started. Where no process is to be had it ends with
+/// status `kNoGuard`. Calls nothing that is not safe between fork() and exec().
 void becomeGuardedTool(pid_t filter) noexcept;
+
+inline constexpr int kEndTool = SIGTERM;
 
 /// As the shell says of a command that it cannot run.
 inline constexpr int kNoGuard = 127;

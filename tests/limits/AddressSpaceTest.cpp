@@ -49,12 +49,22 @@ class AddressSpace : public ::testing::TestWithParam<int> {
     }
     EXPECT_EQ(result.status, 0) << result.errors;
     if (result.output == good) return;
+    // What is sent already stays, and the page is ended as any other.
+    const Bytes end = {0x0C, 0x1B, '@'};
+    const std::string log = logText();
+    if (holds(log, "page 1 is not printed to its end: no memory for its commands")) {
+      ASSERT_GT(result.output.size(), end.size());
+      const auto cut = result.output.end() - static_cast<ptrdiff_t>(end.size());
+      EXPECT_TRUE(beginsWith(good, {result.output.begin(), cut}));
+      EXPECT_EQ(Bytes(cut, result.output.end()), end);
+      return;
+    }
     EXPECT_LE(result.output.size(), 12U) << "half a page";
-    EXPECT_TRUE(holds(logText(), "page 1 is not printed: no memory for ") ||
+    EXPECT_TRUE(holds(log, "page 1 is not printed: no memory for ") ||
                 holds(result.errors, "The PPD file could not be opened.") ||
                 holds(result.errors, "cupsRasterOpen failed.") ||
                 holds(result.errors, "\nWARNING: The job log "))
-        << "nobody is told: " << result.errors << logText();
+        << "nobody is told: " << result.errors << log;
   }
 
   // The least of these at which the page is printed; every one above has to print it.

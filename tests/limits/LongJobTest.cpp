@@ -70,7 +70,7 @@ class LongJob : public ::testing::TestWithParam<int> {};
 
 TEST_P(LongJob, TakesNoMoreAtItsEndThanAtItsStart) {
   const int pages = sweep(500, 10000);
-  const int early = pages / 10;
+  const int early = sweep(50, 100);
   const RasterPage page = inkedPage(rgbHeader(48, 30), 2);
   const Bytes sync = rawStream({});
   const Bytes whole = rawStream({page});
