@@ -38,7 +38,7 @@ refused "a failure" "status 3" "$work/failing" "$here/velka.drv"
 
 mkdir "$work/sound"
 "$here/compile.sh" "$ppdc" "$here/velka.drv" "$work/sound" || fail "the sources do not compile"
-# Sites compile the installed description by hand, in a locale of their own.
+# Sites compile a description of their own by hand, in any locale.
 "$ppdc" -d "$work" "$here/velka.drv" || fail "the sources do not compile by hand"
 cmp "$work/velkastd.ppd" "$ppds/velka-standard.ppd" || fail "standard: other by hand"
 cmp "$work/velkaorl.ppd" "$ppds/velka-orlo.ppd" || fail "orlo: other by hand"
