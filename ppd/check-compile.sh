@@ -27,7 +27,7 @@ refused() {
 # broken NAME: the sources, one of which is about to be spoiled.
 broken() {
   mkdir "$work/$1"
-  cp -r "$here/velka.drv" "$here/velka" "$work/$1"
+  cp -r "$here/velka.drv" "$here/velka" "$here/po" "$work/$1"
 }
 
 broken size
@@ -48,6 +48,7 @@ mkdir "$work/sound" "$work/hand"
 # Sites compile a description of their own by hand, in any locale.
 "$here/expand.sh" "$here" "$work/hand"
 "$ppdc" -d "$work/hand" "$work/hand/velka.drv" || fail "the sources do not compile by hand"
+sed -i -E -f "$here/trim.sed" "$work"/hand/*.ppd
 cmp "$work/hand/velkastd.ppd" "$ppds/velka-standard.ppd" || fail "standard: other by hand"
 cmp "$work/hand/velkaorl.ppd" "$ppds/velka-orlo.ppd" || fail "orlo: other by hand"
 for model in standard orlo; do

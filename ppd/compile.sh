@@ -6,10 +6,11 @@
 set -euo pipefail
 
 ppdc=$1 sources=$2 folder=$3
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d "$folder/ppdc.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-"$(dirname "${BASH_SOURCE[0]}")/expand.sh" "$sources" "$work"
+"$here/expand.sh" "$sources" "$work"
 status=0
 said=$(LC_ALL=C "$ppdc" -d "$work" "$work/velka.drv" 2>&1) || status=$?
 if ((status != 0)) || [[ -n $said ]]; then
@@ -17,5 +18,6 @@ if ((status != 0)) || [[ -n $said ]]; then
   exit 1
 fi
 # ppdc names its output by the 8.3 name that a PPD has to carry inside, in lower case.
+sed -i -E -f "$here/trim.sed" "$work/velkastd.ppd" "$work/velkaorl.ppd"
 mv "$work/velkastd.ppd" "$folder/velka-standard.ppd"
 mv "$work/velkaorl.ppd" "$folder/velka-orlo.ppd"
