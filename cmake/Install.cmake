@@ -70,7 +70,7 @@ set(build_folder \"${PROJECT_BINARY_DIR}\")
 set(filters \"${filter_folder}\")
 set(cups_filters \"${cups_serverbin}/filter\")
 set(cups_serverroot \"${cups_serverroot}\")
-set(ppd_version \"${VELKA_PPD_VERSION}\")")
+set(ppd_version \"${VELKA_PPD_FILE_VERSION}\")")
 install(SCRIPT cmake/BeforeInstall.cmake)
 
 # install_data(FOLDER FILE...)

@@ -18,7 +18,7 @@ texts() {
 
 # A reader takes a text to end at a colon.
 faults() {
-  awk -v language="$1" '
+  texts | awk -v language="$1" '
     function say(what) { print language ": " what; faults = 1 }
     function quoted(line) { sub(/^[a-z]+ "/, "", line); sub(/"$/, "", line); return line }
     FNR == NR { limit[substr($0, 4)] = substr($0, 1, 2) + 0; next }
@@ -37,7 +37,7 @@ faults() {
     END {
       for (id in limit) if (!(id in known)) say("missing: " id)
       exit faults
-    }' <(texts) "$2" | sort
+    }' - "$2" | sort
 }
 
 status=0
