@@ -54,13 +54,14 @@ set(data_modes OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
 set(filter_folder ${VELKA_CUPS_SERVERBIN}/filter)
 set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
+set(own_folder ${CMAKE_INSTALL_DATADIR}/velka)
 set(doc_folder ${CMAKE_INSTALL_DOCDIR})
 set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
 file(GLOB documents CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.png)
 file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 
-set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${doc_folder}/docs ${man_folder})
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${own_folder} ${doc_folder}/docs ${man_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
@@ -88,6 +89,8 @@ if(VELKA_BUILD_PPDS)
   install_data(${model_folder}
     ${PROJECT_BINARY_DIR}/ppd/velka-standard.ppd ${PROJECT_BINARY_DIR}/ppd/velka-orlo.ppd)
 endif()
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/ppd/new-names DESTINATION ${own_folder}
+  PERMISSIONS ${program_modes})
 install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md)
 install_data(${doc_folder}/docs ${documents})
 install_data(${man_folder} ${man_pages})

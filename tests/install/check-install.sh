@@ -41,6 +41,7 @@ files_of() {
   for name in orlo standard; do
     echo "f 0644 share/cups/model/velka/velka-$name.ppd"
   done
+  echo "f 0755 share/velka/new-names"
   echo "f 0644 share/doc/velka/README.md"
   for name in docs/*.md; do
     echo "f 0644 share/doc/velka/$name"

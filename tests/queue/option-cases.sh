@@ -95,6 +95,43 @@ check_upgrade() {
   expect_no_complaints
 }
 
+# The arguments of lpadmin that give all options the choices of the first version, by their
+# names of then, which for some is the default.
+old_defaults() {
+  echo -o OutputColorType=2 -o ColorRangeUseFor=1 -o HorizontalOffset=1 -o VerticalOffset=1 \
+    -o HorizontalOffsetValue=10 -o AnticlockwiseRotate=2 -o DotPlacement=0 -o SplitBlackRed=0 \
+    -o HalftoneBlack=PrinterDefault -o HalftoneRed=4
+}
+
+# Names of then become those of now, and the queue prints the same.
+check_new_names() {
+  local queue ppd before arguments
+  for queue in "${queues[@]}"; do
+    ppd=$work/etc/ppd/$queue.ppd
+    # shellcheck disable=SC2046
+    lpadmin -p "$queue" $(old_defaults)
+    before=$(print "$queue" "$work/two-inch.pdf")
+    arguments=$("$work/usr/share/velka/new-names" "$ppd")
+    # shellcheck disable=SC2086
+    lpadmin -p "$queue" $arguments
+    expect_same "$queue, by new names" "$before" "$(print "$queue" "$work/two-inch.pdf")"
+    [[ $(sed -n 's/^\*Default\(Out\|Col.*For\|Hor\|Ver\|Ant\|DotP\|Spl\|Hal\)/\1/p' "$ppd" | sort) == \
+"AnticlockwiseRotate: 180
+ColorRangeUseFor: Black
+DotPlacement: Original
+HalftoneBlack: ErrorDiffusion
+HalftoneRed: Screen8x8
+HorizontalOffset: Left
+HorizontalOffsetValue: 10
+OutputColorType: Red
+SplitBlackRed: Together
+VerticalOffset: Up
+VerticalOffsetValue: 0" ]] || fail "$queue: $(grep '^\*Default' "$ppd")"
+    [[ -z $("$work/usr/share/velka/new-names" "$ppd") ]] || fail "$queue: more new names"
+  done
+  expect_no_complaints
+}
+
 # What phones and dialogs ask for without knowing a PPD.
 check_presets() {
   local queue
