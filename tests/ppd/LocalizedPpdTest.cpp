@@ -6,30 +6,24 @@
 #include <fstream>
 #include <functional>
 #include <map>
-#include <memory>
 #include <span>
 #include <string>
 
 #include "InitalizeOemCfg.h"
+#include "ppd/BuiltPpd.h"
 
 namespace velka::testing {
 namespace {
 
-using Ppd = std::unique_ptr<ppd_file_t, decltype(&ppdClose)>;
 using Texts = std::map<std::string, std::string>;
-
-const std::string kModels[] = {"standard", "orlo"};
 
 // The program itself stays in the C locale, so that CUPS goes by the environment. It keeps
 // of a PPD's languages the one at hand when the file is opened.
 Ppd openIn(const std::string& locale, const std::string& model) {
   setenv("LC_MESSAGES", locale.c_str(), 1);
   setenv("LC_CTYPE", locale.c_str(), 1);
-  Ppd ppd(ppdOpenFile((VELKA_PPDS "/velka-" + model + ".ppd").c_str()), ppdClose);
-  EXPECT_NE(ppd, nullptr);
-  if (!ppd) return ppd;
-  ppdMarkDefaults(ppd.get());
-  ppdLocalize(ppd.get());
+  Ppd ppd = openBuilt(model);
+  if (ppd) ppdLocalize(ppd.get());
   return ppd;
 }
 
