@@ -60,8 +60,8 @@ show() {
 say "The command stream is in $PWD/$output/commands.escp"
 cat "$output/stats.txt"
 echo "The logs of the filter (velka.log) and of the other filters are in $PWD/$output."
-echo "The same page with DotPlacement=1 is in $PWD/$output/exact.escp"
+echo "The same page with DotPlacement=Exact is in $PWD/$output/exact.escp"
 say "What comes out of a printer that takes its commands by the letter, drawn by velkaview"
-show "Standard model, DotPlacement=1:" "$PWD/$output"/exact*.png
+show "Standard model, DotPlacement=Exact:" "$PWD/$output"/exact*.png
 show "Standard model, as the original stream:" "$PWD/$output"/standard*.png
 show "Orlo model:" "$PWD/$output"/orlo*.png

@@ -110,7 +110,7 @@ say "Printing $document (standard model, 180 x 180 dpi)"
 echo "The job sets the option $option, so that the log names every option."
 view_orlo
 filters=$(find_filters)
-print_document "$filters" "$option DotPlacement=1" "$exact"
+print_document "$filters" "$option DotPlacement=Exact" "$exact"
 # Last, because every job empties the log.
 print_document "$filters" "$option" "$stream"
 cp /tmp/velka.log "$log" || die "the filter left no readable log"

@@ -95,7 +95,7 @@ DotDrawing placementPage() {
       "Velka: placement of the dots", 80 * kPointsPerMillimetre, 200 * kPointsPerMillimetre, {}};
   Writer writer(page);
   writer.title("Which DotPlacement?");
-  writer.line("Print this page with DotPlacement=0 at");
+  writer.line("Print with DotPlacement=Original at");
   writer.line("180 x 180 dpi. Note A or B three times.");
   writer.skip(kLine);
   writer.line("1  The red and the black bar touch: A");
@@ -114,8 +114,8 @@ DotDrawing placementPage() {
   writer.ladder();
   writer.skip(kBand);
   writer.line("Mostly A: leave DotPlacement as it is.");
-  writer.line("Mostly B: set DotPlacement to 1:");
-  writer.line("lpadmin -p QUEUE -o DotPlacement=1");
+  writer.line("Mostly B: set DotPlacement to Exact:");
+  writer.line("lpadmin -p QUEUE -o DotPlacement=Exact");
   return page;
 }
 
