@@ -53,19 +53,14 @@ set(program_modes OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
 set(data_modes OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
 set(filter_folder ${VELKA_CUPS_SERVERBIN}/filter)
-# What a .drv includes must lie apart from it: CUPS takes any file under drv for one.
-set(drv_folder ${VELKA_CUPS_DATADIR}/drv)
-set(defs_folder ${VELKA_CUPS_DATADIR}/ppdc/velka)
 set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
 set(doc_folder ${CMAKE_INSTALL_DOCDIR})
 set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
-file(GLOB definitions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/ppd/velka/*.defs)
 file(GLOB documents CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.png)
 file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 
-set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${drv_folder} ${defs_folder} ${doc_folder}/docs
-  ${man_folder})
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${doc_folder}/docs ${man_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
@@ -75,7 +70,7 @@ set(build_folder \"${PROJECT_BINARY_DIR}\")
 set(filters \"${filter_folder}\")
 set(cups_filters \"${cups_serverbin}/filter\")
 set(cups_serverroot \"${cups_serverroot}\")
-set(ppd_version \"${VELKA_PPD_VERSION}\")")
+set(ppd_version \"${VELKA_PPD_FILE_VERSION}\")")
 install(SCRIPT cmake/BeforeInstall.cmake)
 
 # install_data(FOLDER FILE...)
@@ -88,8 +83,7 @@ install(TARGETS rastovelka velkapdfcopy RUNTIME DESTINATION ${filter_folder}
 install(TARGETS velkaview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   PERMISSIONS ${program_modes})
 
-install_data(${drv_folder} ${PROJECT_SOURCE_DIR}/ppd/velka.drv)
-install_data(${defs_folder} ${definitions})
+# Not the .drv that they are compiled from: CUPS would list each model once more.
 if(VELKA_BUILD_PPDS)
   install_data(${model_folder}
     ${PROJECT_BINARY_DIR}/ppd/velka-standard.ppd ${PROJECT_BINARY_DIR}/ppd/velka-orlo.ppd)

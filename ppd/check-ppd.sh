@@ -56,8 +56,8 @@ sizes_of() { sed -n "s|^\*$1 \([^/]*\)/[^:]*: \"$2\(.*\)\"|\1 \3|p" "$ppd"; }
 equal "printable areas" "$(sizes_of ImageableArea '\(0 0 \)')" "$(sizes_of PaperDimension '\(\)')"
 has_line '*PaperDimension 240x140mm/Fanfold 240 x 140 mm (5 1/2 in): "680.315002441406 396"'
 # The Orlo model takes neither error diffusion's two numbers nor the paper-end rule.
-options=28
-((model != 1)) || options=33
+options=29
+((model != 1)) || options=34
 equal options "$(grep -c '^\*OpenUI ' "$ppd")" "$options"
 equal resolutions "$(grep -c '^\*Resolution ' "$ppd")" 10
 
@@ -67,8 +67,8 @@ for keyword in HorizontalOffset HorizontalOffsetValue VerticalOffset VerticalOff
   AnticlockwiseRotate GreenMinValue BlueMinValue SplitBlackRed DotPlacement; do
   option "$keyword" 0
 done
-has_line '*DotPlacement 0/As the original stream: "0"'
-grep -qE '^\*DotPlacement 1/Exact.*: "1"$' "$ppd" || fail "DotPlacement has no exact choice"
+has_line '*DotPlacement Original/As the original stream: "0"'
+grep -qE '^\*DotPlacement Exact/Exact.*: "1"$' "$ppd" || fail "DotPlacement has no exact choice"
 option OutputColorType 3
 option ColorRangeUseFor 2
 option RedMinValue "$red_minimum"
@@ -82,13 +82,62 @@ option LevelsBlack 10
 option LevelsRed -1
 for keyword in HalftoneBlack HalftoneRed; do
   option "$keyword" -1
-  equal "modes of $keyword" "$(grep -c "^\*$keyword [^ ]*/" "$ppd")" 6
+  # Each by two names.
+  equal "modes of $keyword" "$(grep -c "^\*$keyword [^ ]*/" "$ppd")" 12
 done
 if ((model == 1)); then
   for keyword in DiffusionThreshold DotWeight PaperEnd PaperEndFirstPages PaperEndSecondPages; do
     option "$keyword" -1
   done
 fi
+
+# choice KEYWORD NAME: its text and code, in one line.
+choice() { sed -n "s|^\*$1 $2/\([^:]*: \".*\"\)\$|\1|p" "$ppd"; }
+
+# was KEYWORD NAME OLD-NAME CODE: jobs and queues that use the old name get the same; what
+# dialogs show has it once.
+was() {
+  [[ $(choice "$1" "$2") == *": \"$4\"" ]] || fail "$1=$2 has not the code $4"
+  equal "$1=$3" "$(choice "$1" "$3")" "$(choice "$1" "$2")"
+  has_line "*UIConstraints: *$1 $3 *OldNames False"
+  has_line "*UIConstraints: *OldNames False *$1 $3"
+  old_names=$((old_names + 1))
+}
+old_names=0
+has_line '*OpenGroup: InstallableOptions/Installable Options'
+has_line '*DefaultOldNames: False'
+was OutputColorType BlackAndRed 3 3
+was OutputColorType Black 1 1
+was OutputColorType Red 2 2
+was ColorRangeUseFor Black 1 1
+was ColorRangeUseFor Red 2 2
+was HorizontalOffset Right 0 0
+was HorizontalOffset Left 1 1
+was VerticalOffset Down 0 0
+was VerticalOffset Up 1 1
+was AnticlockwiseRotate 90 1 1
+was AnticlockwiseRotate 180 2 2
+was AnticlockwiseRotate 270 3 3
+was DotPlacement Original 0 0
+was DotPlacement Exact 1 1
+was SplitBlackRed Together 0 0
+was SplitBlackRed BlackFirst 1 1
+for keyword in HalftoneBlack HalftoneRed; do
+  was "$keyword" ErrorDiffusion PrinterDefault -1
+  was "$keyword" Threshold 1 1
+  was "$keyword" Screen6x6 3 3
+  was "$keyword" Screen8x8 4 4
+  was "$keyword" Screen12x12 5 5
+  was "$keyword" Screen16x16 6 6
+done
+if ((model == 1)); then
+  was PaperEnd None PrinterDefault -1
+  was PaperEnd T0 0 0
+  was PaperEnd T1 1 1
+  was PaperEnd T0First 2 2
+  was PaperEnd T1Second 3 3
+fi
+equal "old names" "$(grep -c '^\*UIConstraints: \*OldNames False' "$ppd")" "$old_names"
 
 for resolution in '180 180' '60 180' '90 180' '120 180' '360 180' '360 360' \
   '60 60' '80 60' '90 60' '120 60'; do

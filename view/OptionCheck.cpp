@@ -78,10 +78,13 @@ bool isCommon(const std::string& name) {
       kCommon, [&](const char* known) { return strcasecmp(known, name.c_str()) == 0; });
 }
 
-std::string choicesOf(const ppd_option_t& option) {
+// As dialogs show them: without the old names that some have, too.
+std::string choicesOf(ppd_file_t* ppd, const ppd_option_t& option) {
   std::string text;
+  ppdMarkDefaults(ppd);
   for (const ppd_choice_t& choice :
        std::span(option.choices, static_cast<size_t>(option.num_choices))) {
+    if (ppdInstallableConflict(ppd, option.keyword, choice.choice) != 0) continue;
     text += (text.empty() ? "" : ", ") + std::string(choice.choice);
   }
   return text;
@@ -92,7 +95,7 @@ bool lookUp(ppd_file_t* ppd, const std::string& name, const std::string& value, 
   ppd_option_t* option = ppdFindOption(ppd, name.c_str());
   if (option == nullptr) return false;
   if (!wrong && ppdFindChoice(option, value.c_str()) == nullptr) {
-    wrong = name + " has no choice '" + value + "'; it has " + choicesOf(*option);
+    wrong = name + " has no choice '" + value + "'; it has " + choicesOf(ppd, *option);
   }
   return true;
 }

@@ -23,9 +23,9 @@ void mark(ppd_file_t* ppd, const std::string& text) {
 double widthInPoints(ppd_file_t* ppd) {
   const ppd_size_t* size = ppdPageSize(ppd, nullptr);
   if (size == nullptr) return 0;
-  const bool turned = ppdIsMarked(ppd, "AnticlockwiseRotate", "1") != 0 ||
-                      ppdIsMarked(ppd, "AnticlockwiseRotate", "3") != 0;
-  return static_cast<double>(turned ? size->length : size->width);
+  const ppd_choice_t* turn = ppdFindMarkedChoice(ppd, "AnticlockwiseRotate");
+  const std::string quarters = turn == nullptr || turn->code == nullptr ? "" : turn->code;
+  return static_cast<double>(quarters == "1" || quarters == "3" ? size->length : size->width);
 }
 
 }  // namespace

@@ -38,10 +38,6 @@ files_of() {
     echo "f 0755 lib/cups/filter/$name"
   done
   echo "f 0755 bin/velkaview"
-  echo "f 0644 share/cups/drv/velka.drv"
-  for name in count distance halftone levels limit options paper pdfcopy standard tone; do
-    echo "f 0644 share/cups/ppdc/velka/$name.defs"
-  done
   for name in orlo standard; do
     echo "f 0644 share/cups/model/velka/velka-$name.ppd"
   done

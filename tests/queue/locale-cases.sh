@@ -2,8 +2,7 @@
 # The parts of the test use each other's names.
 # shellcheck shell=bash disable=SC2154
 
-# The driver description is compiled by the server itself, and the user's language goes
-# with the job.
+# The user's language goes with the job.
 check_german() {
   local queue plain sizes
   [[ ${VELKA_SERVER_LOCALE:-C} != C ]] || die "say which locale the server has"

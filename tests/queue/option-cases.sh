@@ -51,3 +51,67 @@ check_defaults() {
   done
   expect_no_complaints
 }
+
+# expect_like QUEUE "OPTION..." "OPTION...": two lists of a job's options print the same.
+expect_like() {
+  local option first=() second=()
+  for option in $2; do first+=(-o "$option"); done
+  for option in $3; do second+=(-o "$option"); done
+  expect_same "$1, $2 and $3" "$(print "$1" "$work/two-inch.pdf" "${first[@]}")" \
+    "$(print "$1" "$work/two-inch.pdf" "${second[@]}")"
+}
+
+# Choices by the names that they had before they were words.
+check_old_names() {
+  local queue
+  for queue in "${queues[@]}"; do
+    expect_like "$queue" 'OutputColorType=Black SplitBlackRed=BlackFirst' \
+      'OutputColorType=1 SplitBlackRed=1'
+    expect_like "$queue" \
+      'HorizontalOffset=Left HorizontalOffsetValue=10 VerticalOffset=Up VerticalOffsetValue=5' \
+      'HorizontalOffset=1 HorizontalOffsetValue=10 VerticalOffset=1 VerticalOffsetValue=5'
+    expect_like "$queue" 'AnticlockwiseRotate=270 DotPlacement=Exact' \
+      'AnticlockwiseRotate=3 DotPlacement=1'
+    expect_like "$queue" 'ColorRangeUseFor=Black HalftoneBlack=Threshold HalftoneRed=Screen16x16' \
+      'ColorRangeUseFor=1 HalftoneBlack=1 HalftoneRed=6'
+  done
+  expect_like "$standard" 'PaperEnd=T1' 'PaperEnd=1'
+  expect_no_complaints
+}
+
+# A queue gets the PPD anew, as after an upgrade, and what its administrator chose stays,
+# whichever name it has.
+check_upgrade() {
+  local queue name
+  for queue in "${queues[@]}"; do
+    for name in 1 Black; do
+      lpadmin -p "$queue" -o OutputColorType="$name" -o Resolution=360x180dpi
+      lpadmin -p "$queue" -m "velka/velka-${queue##*-}.ppd" 2>>"$work/lpadmin.log"
+      grep -qx "\*DefaultOutputColorType: $name" "$work/etc/ppd/$queue.ppd" ||
+        fail "$queue: the default is $(grep '^\*DefaultOutputColorType' "$work/etc/ppd/$queue.ppd")"
+      expect_counts "$queue, $name" "$(print "$queue" "$work/two-inch.pdf")" 1 - 0
+    done
+  done
+  expect_no_complaints
+}
+
+# What phones and dialogs ask for without knowing a PPD.
+check_presets() {
+  local queue
+  for queue in "${queues[@]}"; do
+    expect_counts "$queue, monochrome" \
+      "$(print "$queue" "$work/two-inch.pdf" -o print-color-mode=monochrome)" 1 - 0
+    expect_like "$queue" print-color-mode=monochrome OutputColorType=Black
+    expect_like "$queue" 'print-color-mode=monochrome print-quality=4' OutputColorType=Black
+    expect_like "$queue" print-quality=3 Resolution=120x180dpi
+    expect_like "$queue" print-quality=5 Resolution=360dpi
+    expect_like "$queue" 'print-color-mode=monochrome print-quality=3' \
+      'OutputColorType=Black Resolution=120x180dpi'
+    expect_like "$queue" 'print-color-mode=monochrome print-quality=5' \
+      'OutputColorType=Black Resolution=360dpi'
+    # Who asks for colour or for normal quality gets what the queue has.
+    expect_like "$queue" 'print-color-mode=color print-quality=4' ''
+    expect_like "$queue" 'print-color-mode=monochrome OutputColorType=Red' OutputColorType=Red
+  done
+  expect_no_complaints
+}

@@ -3,16 +3,13 @@
 # The parts of the test use each other's names.
 # shellcheck shell=bash disable=SC2154
 
-# Both the PPDs and the description that they are compiled from are on offer, and the
-# server has no word against either.
+# Each model is on offer once, and the server has no word against it.
 check_models() {
-  local model
+  local offered
   lpinfo -m >"$work/models"
-  for model in velka/velka-standard.ppd velka/velka-orlo.ppd \
-    drv:///velka.drv/VELKASTD.PPD drv:///velka.drv/VELKAORL.PPD; do
-    grep -q "^$model " "$work/models" || fail "lpinfo -m does not list $model"
-  done
-  if grep -iE 'ppdc:|bad driver information' "$log"; then fail "the driver description is bad"; fi
+  offered=$(grep -i velka "$work/models" | sed 's/, [0-9.]*$//' | sort) || true
+  [[ $offered == "velka/velka-orlo.ppd Velka Orlo
+velka/velka-standard.ppd Velka Standard" ]] || fail "lpinfo -m lists $offered"
   expect_no_complaints
 }
 

@@ -157,10 +157,9 @@ add_queue() {
     die "lpadmin could not add $1 with $2: $(cat "$work/lpadmin.log")"
 }
 
-# One by its PPD, one by the driver description that the PPDs are compiled from.
 add_queues() {
   add_queue "$standard" velka/velka-standard.ppd
-  add_queue "$orlo" drv:///velka.drv/VELKAORL.PPD
+  add_queue "$orlo" velka/velka-orlo.ppd
 }
 
 end_server() {

@@ -156,16 +156,16 @@ check_tools() {
 
 check_sheet() {
   local said
-  said=$(orlo --from pages.pdf --page 6 --sheet BrightnessRed=60..140/40 --sheet OutputColorType=1,3 \
+  said=$(orlo --from pages.pdf --page 6 --sheet BrightnessRed=60..140/40 --sheet OutputColorType=Black,BlackAndRed \
     --options LevelsRed=17 --dpi 30 -o grid.png 2>/dev/null)
   [[ $(head -n 1 <<<"$said") == 'grid.png: pages.pdf, page 6, velka-orlo.ppd' ]] || fail "said: $said"
   [[ $(wc -l <<<"$said") == 7 ]] || fail "no six variants: $said"
-  grep -q '^BrightnessRed=100 (default) OutputColorType=3 (default): black [0-9.]* %, red [0-9.]* %' \
+  grep -q '^BrightnessRed=100 (default) OutputColorType=BlackAndRed (default): black [0-9.]* %, red [0-9.]* %' \
     <<<"$said" || fail "no default: $said"
   # Without red its brightness changes nothing.
-  [[ $(grep -c 'OutputColorType=1: .*; the same as BrightnessRed=60 OutputColorType=1$' <<<"$said") == 2 ]] ||
+  [[ $(grep -c 'OutputColorType=Black: .*; the same as BrightnessRed=60 OutputColorType=Black$' <<<"$said") == 2 ]] ||
     fail "not told as the same: $said"
-  orlo --from pages.pdf --sheet OutputColorType=1,3 -o - >out.png 2>said.txt
+  orlo --from pages.pdf --sheet OutputColorType=Black,BlackAndRed -o - >out.png 2>said.txt
   [[ $(head -c 4 out.png | tail -c 3) == PNG ]] || fail 'a sheet to standard output'
   grep -q '^standard output: pages.pdf, page 1' said.txt || fail "not said: $(<said.txt)"
 }
