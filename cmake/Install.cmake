@@ -55,12 +55,15 @@ set(data_modes OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 set(filter_folder ${VELKA_CUPS_SERVERBIN}/filter)
 set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
 set(doc_folder ${CMAKE_INSTALL_DOCDIR})
-set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
+set(man_folder ${CMAKE_INSTALL_MANDIR})
+set(metainfo_folder ${CMAKE_INSTALL_DATADIR}/metainfo)
 file(GLOB documents CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.png)
-file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+file(GLOB command_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+file(GLOB filter_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.8)
 
-set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${doc_folder}/docs ${man_folder})
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${doc_folder}/docs ${man_folder}/man1
+  ${man_folder}/man8 ${metainfo_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
@@ -88,9 +91,12 @@ if(VELKA_BUILD_PPDS)
   install_data(${model_folder}
     ${PROJECT_BINARY_DIR}/ppd/velka-standard.ppd ${PROJECT_BINARY_DIR}/ppd/velka-orlo.ppd)
 endif()
-install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md)
+install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/NEWS.md
+  ${PROJECT_SOURCE_DIR}/SECURITY.md)
 install_data(${doc_folder}/docs ${documents})
-install_data(${man_folder} ${man_pages})
+install_data(${man_folder}/man1 ${command_pages})
+install_data(${man_folder}/man8 ${filter_pages})
+install_data(${metainfo_folder} ${PROJECT_SOURCE_DIR}/packaging/velka.metainfo.xml)
 install(SCRIPT cmake/AfterInstall.cmake)
 
 add_custom_target(uninstall

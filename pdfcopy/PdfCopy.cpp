@@ -19,6 +19,7 @@
 #include "Spool.h"
 #include "StandardDescriptors.h"
 #include "SystemConverter.h"
+#include "Version.h"
 
 namespace velka {
 namespace {
@@ -152,6 +153,8 @@ int passOnJob(int argc, char* argv[]) {
     tellSystemError("Cannot open " + std::string(argc == kWithFile ? argv[6] : "standard input"));
     return 1;
   }
+  // Both filters are of one package; the printing one has no words for it.
+  tellScheduler(MessageLevel::Debug, "Velka " + std::string(version()));
   const Ppd ppd = markedPpd(argv[5]);
   if (pagesComeFromPdf(ppd.get())) return passOnWithCopy(input.get(), argv, ppd.get());
   tellScheduler(MessageLevel::Debug, "No PDF copy: the pages come from the raster");
