@@ -26,9 +26,10 @@ case "${1:-}" in
       lomiri-wallpapers-16.04             # photographs
     )
     ;;
+  --package) packages+=(build-essential debhelper devscripts fakeroot lintian) ;;
   --other-release) packages=(debootstrap) ;;
   *)
-    echo "usage: $0 [--lint | --bench | --other-release]" >&2
+    echo "usage: $0 [--lint | --bench | --package | --other-release]" >&2
     exit 2
     ;;
 esac
