@@ -62,8 +62,8 @@ file(GLOB documents CONFIGURE_DEPENDS
 file(GLOB command_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 file(GLOB filter_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.8)
 
-set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${doc_folder}/docs ${man_folder}/man1
-  ${man_folder}/man8 ${metainfo_folder})
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_SBINDIR}
+  ${doc_folder}/docs ${man_folder}/man1 ${man_folder}/man8 ${metainfo_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
@@ -94,6 +94,11 @@ endif()
 install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/NEWS.md
   ${PROJECT_SOURCE_DIR}/SECURITY.md)
 install_data(${doc_folder}/docs ${documents})
+configure_file(${PROJECT_SOURCE_DIR}/doctor/velka-doctor.in ${PROJECT_BINARY_DIR}/doctor/velka-doctor
+  @ONLY FILE_PERMISSIONS ${program_modes})
+install(PROGRAMS ${PROJECT_BINARY_DIR}/doctor/velka-doctor DESTINATION ${CMAKE_INSTALL_SBINDIR}
+  PERMISSIONS ${program_modes})
+
 install_data(${man_folder}/man1 ${command_pages})
 install_data(${man_folder}/man8 ${filter_pages})
 install_data(${metainfo_folder} ${PROJECT_SOURCE_DIR}/packaging/velka.metainfo.xml)
