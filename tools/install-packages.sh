@@ -14,6 +14,7 @@ packages=(
   libcairo2-dev libpng-dev              # pictures of pages
   libgtest-dev libgmock-dev locales     # tests, some of them in German
   zbar-tools                            # zbarimg, for the tests of barcodes
+  appstream mandoc                      # checks of the metainfo and the manual pages
 )
 
 case "${1:-}" in
