@@ -18,7 +18,7 @@ for page in "$folder"/*.[18]; do
   for other in "$folder"/*.[18]; do
     [[ $other != "$page" ]] || continue
     name=$(basename "${other%.*}") section=${other##*.}
-    sed -n '/^\.SH SEE ALSO/,$p' "$page" | tr -d '\\' | grep -q "^\.BR $name ($section)" ||
+    sed -n '/^\.SH SEE ALSO/,$p' "$page" | sed 's/\\//g' | grep -q "^\.BR $name ($section)" ||
       fail "$(basename "$page") does not lead to $name($section)"
   done
 done
