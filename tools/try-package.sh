@@ -52,7 +52,7 @@ prepare() {
   remove_all
 }
 
-remove_all() { apt-get -qq purge -y "${ours[@]}" >/dev/null 2>&1 || true; }
+remove_all() { dpkg --purge "${ours[@]}" >/dev/null 2>&1 || true; }
 
 prints() {
   step "Printing with the installed package"
@@ -84,7 +84,8 @@ leaves() {
   step "Removing and purging"
   dpkg -L "${ours[@]}" | LC_ALL=C sort -u >/tmp/ours
   apt-get -qq remove -y "${ours[@]}" >/dev/null
-  apt-get -qq purge -y "${ours[@]}" >/dev/null
+  # Nothing is left for apt to know it by.
+  dpkg --purge "${ours[@]}" >/dev/null 2>&1
   left=$(find / -xdev \( -path "$folder" -o -path /proc -o -path /tmp/ours \) -prune -o \
     -iname '*velka*' -print)
   [[ -z $left ]] || die "left behind: $left"
