@@ -56,12 +56,15 @@ set(filter_folder ${VELKA_CUPS_SERVERBIN}/filter)
 set(model_folder ${VELKA_CUPS_DATADIR}/model/velka)
 set(own_folder ${CMAKE_INSTALL_DATADIR}/velka)
 set(doc_folder ${CMAKE_INSTALL_DOCDIR})
-set(man_folder ${CMAKE_INSTALL_MANDIR}/man1)
+set(man_folder ${CMAKE_INSTALL_MANDIR})
+set(metainfo_folder ${CMAKE_INSTALL_DATADIR}/metainfo)
 file(GLOB documents CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.png)
-file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+file(GLOB command_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+file(GLOB filter_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.8)
 
-set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${own_folder} ${doc_folder}/docs ${man_folder})
+set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_SBINDIR} ${own_folder}
+  ${doc_folder}/docs ${man_folder}/man1 ${man_folder}/man8 ${metainfo_folder})
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
@@ -89,11 +92,19 @@ if(VELKA_BUILD_PPDS)
   install_data(${model_folder}
     ${PROJECT_BINARY_DIR}/ppd/velka-standard.ppd ${PROJECT_BINARY_DIR}/ppd/velka-orlo.ppd)
 endif()
-install(PROGRAMS ${PROJECT_SOURCE_DIR}/ppd/new-names DESTINATION ${own_folder}
-  PERMISSIONS ${program_modes})
-install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md)
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/ppd/new-names ${PROJECT_SOURCE_DIR}/ppd/update-queues
+  DESTINATION ${own_folder} PERMISSIONS ${program_modes})
+install_data(${doc_folder} ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/NEWS.md
+  ${PROJECT_SOURCE_DIR}/SECURITY.md)
 install_data(${doc_folder}/docs ${documents})
-install_data(${man_folder} ${man_pages})
+configure_file(${PROJECT_SOURCE_DIR}/doctor/velka-doctor.in ${PROJECT_BINARY_DIR}/doctor/velka-doctor
+  @ONLY FILE_PERMISSIONS ${program_modes})
+install(PROGRAMS ${PROJECT_BINARY_DIR}/doctor/velka-doctor DESTINATION ${CMAKE_INSTALL_SBINDIR}
+  PERMISSIONS ${program_modes})
+
+install_data(${man_folder}/man1 ${command_pages})
+install_data(${man_folder}/man8 ${filter_pages})
+install_data(${metainfo_folder} ${PROJECT_SOURCE_DIR}/packaging/velka.metainfo.xml)
 install(SCRIPT cmake/AfterInstall.cmake)
 
 add_custom_target(uninstall

@@ -19,6 +19,7 @@
 #include "Spool.h"
 #include "StandardDescriptors.h"
 #include "SystemConverter.h"
+#include "Version.h"
 
 namespace velka {
 namespace {
@@ -169,6 +170,8 @@ int passOnJob(int argc, char* argv[]) {
     tellSystemError("Cannot open " + std::string(argc == kWithFile ? argv[6] : "standard input"));
     return 1;
   }
+  // Both filters are of one package; the printing one has no words for it.
+  tellScheduler(MessageLevel::Debug, "Velka " + std::string(version()));
   const Ppd ppd = markedPpd(argv[5]);
   if (isHalfRead(ppd.get())) {
     tellScheduler(MessageLevel::Error,

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install-packages.sh [--lint | --bench | --cover | --mutants | --other-release]: installs
-# what this system is built, tested and shown with on Debian 12 and 13, and does nothing when
+# install-packages.sh [--lint | --bench | --cover | --mutants | --package | --other-release]:
+# installs what this system is built, tested and shown with on Debian 12 and 13, and does nothing when
 # all of it is there already.
 set -euo pipefail
 
@@ -14,6 +14,7 @@ packages=(
   libcairo2-dev libpng-dev              # pictures of pages
   libgtest-dev libgmock-dev locales     # tests, some of them in German
   zbar-tools                            # zbarimg, for the tests of barcodes
+  appstream mandoc                      # checks of the metainfo and the manual pages
 )
 
 case "${1:-}" in
@@ -28,9 +29,10 @@ case "${1:-}" in
     ;;
   --cover) packages+=(gcovr) ;;
   --mutants) packages+=(python3) ;;
+  --package) packages+=(build-essential debhelper devscripts fakeroot lintian) ;;
   --other-release) packages=(debootstrap) ;;
   *)
-    echo "usage: $0 [--lint | --bench | --cover | --mutants | --other-release]" >&2
+    echo "usage: $0 [--lint | --bench | --cover | --mutants | --package | --other-release]" >&2
     exit 2
     ;;
 esac

@@ -6,6 +6,7 @@
 #include "ArgumentCheck.h"
 #include "ArgumentValues.h"
 #include "OptionTable.h"
+#include "Version.h"
 
 namespace velka::view {
 
@@ -18,7 +19,7 @@ std::variant<Arguments, Answer, UsageError> readArguments(int argc, char** argv)
   // NOLINTNEXTLINE(concurrency-mt-unsafe): before any thread
   while ((code = getopt_long(argc, argv, ":o:hV", longOptions().data(), nullptr)) != -1) {
     if (code == 'h') return Answer{helpText()};
-    if (code == 'V') return Answer{versionText()};
+    if (code == 'V') return Answer{velka::versionText("velkaview")};
     if (code == '?' || code == ':') return UsageError{unusableOption(code, argv[optind - 1])};
     if (auto fault = takeOption(code, optarg, arguments)) return UsageError{*fault};
     given.push_back(code);

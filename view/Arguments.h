@@ -67,7 +67,6 @@ struct UsageError {
 
 /// What --help prints, and --version.
 [[nodiscard]] std::string helpText();
-[[nodiscard]] std::string versionText();
 
 /// The format that a file's name decides.
 [[nodiscard]] std::optional<Format> formatOfName(const std::string& name);

@@ -54,8 +54,4 @@ meant. Exit status: 0 fine, 1 trouble with a stream or file, 2 wrong use.
 )";
 }
 
-std::string versionText() {
-  return "velkaview (Velka) " VELKA_VERSION "\n";
-}
-
 }  // namespace velka::view

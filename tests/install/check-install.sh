@@ -38,20 +38,26 @@ files_of() {
     echo "f 0755 lib/cups/filter/$name"
   done
   echo "f 0755 bin/velkaview"
+  echo "f 0755 sbin/velka-doctor"
   for name in orlo standard; do
     echo "f 0644 share/cups/model/velka/velka-$name.ppd"
   done
-  echo "f 0755 share/velka/new-names"
-  echo "f 0644 share/doc/velka/README.md"
+  for name in new-names update-queues; do
+    echo "f 0755 share/velka/$name"
+  done
+  for name in README.md NEWS.md SECURITY.md; do
+    echo "f 0644 share/doc/velka/$name"
+  done
   for name in docs/*.md; do
     echo "f 0644 share/doc/velka/$name"
   done
   for name in docs/*.png; do
     echo "f 0644 share/doc/velka/$name"
   done
-  for name in docs/*.1; do
-    echo "f 0644 share/man/man1/${name#docs/}"
+  for name in docs/*.[18]; do
+    echo "f 0644 share/man/man${name: -1}/${name#docs/}"
   done
+  echo "f 0644 share/metainfo/velka.metainfo.xml"
 }
 
 # The files with all folders above them, as listing() shows them.

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Version.h"
 #include "support/FilterRun.h"
 #include "support/TestPdf.h"
 #include "support/TestPpd.h"
@@ -19,6 +20,9 @@ inline Bytes somePdf(size_t size = 200000) {
 inline std::string asText(const Bytes& bytes) {
   return {bytes.begin(), bytes.end()};
 }
+
+/// What each job says first.
+inline const std::string kVersionTold = "\nDEBUG: Velka " + std::string(version()) + "\n";
 
 /// Copies are wanted unless the queue or the job says otherwise.
 class CopyJob {

@@ -11,7 +11,7 @@ namespace {
 void expectStopped(const CopyJob& copy, const FilterResult& result, const std::string& message) {
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(result.output.empty());
-  EXPECT_EQ(result.errors, "\nERROR: " + message + "\n");
+  EXPECT_EQ(result.errors, kVersionTold + "\nERROR: " + message + "\n");
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }
 
