@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # install-packages.sh [--lint | --bench | --cover | --mutants | --package | --other-release]:
-# installs what this system is built, tested and shown with on Debian 12 and 13, and does nothing when
-# all of it is there already.
+# installs what this system is built, tested and shown with on Debian 12 and 13, and does
+# nothing when all of it is there already.
 set -euo pipefail
 
 packages=(
