@@ -7,7 +7,8 @@
 namespace velka {
 
 /// Makes `malloc` keep what is freed for the next page instead of returning it to
-/// the system, and serve all threads from one heap. For the whole process; called once, before the first page.
+/// the system, and serve all threads from one heap. For the whole process; called once, before the
+/// first page.
 void keepFreedMemory() noexcept;
 
 /// `bytes` bytes (at least one) from `malloc`, their contents undefined, on large
