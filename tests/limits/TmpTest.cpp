@@ -131,7 +131,7 @@ TEST_P(OtherTmp, StopsTheCopierWithAnError) {
   if (result.status == kNoMounts) GTEST_SKIP() << "no /tmp of one's own can be mounted here";
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, Bytes{});
-  EXPECT_TRUE(result.errors.starts_with("\nERROR: ")) << result.errors;
+  EXPECT_TRUE(result.errors.starts_with(kVersionTold + "\nERROR: ")) << result.errors;
 }
 
 INSTANTIATE_TEST_SUITE_P(That, OtherTmp, ::testing::ValuesIn(kTmps),
