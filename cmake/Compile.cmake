@@ -13,6 +13,10 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g -DNDEBUG")
 if(VELKA_SANITIZE)
   target_compile_options(velka_options INTERFACE
     -fsanitize=${VELKA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  if(VELKA_FUZZ)
+    target_compile_options(velka_options INTERFACE
+      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/library.ignore)
+  endif()
   target_link_options(velka_options INTERFACE -fsanitize=${VELKA_SANITIZE})
 elseif(VELKA_COVERAGE)
   target_compile_options(velka_options INTERFACE --coverage)
