@@ -2,6 +2,8 @@
 """Changes operators, constants and conditions one at a time and runs the tests.
 
 usage: mutate.py [--count N] [--seed N] [--workers N] [--least PERCENT] [FOLDER...]
+       mutate.py --again REPORT: the survivors in what an earlier run said, as far as their
+       lines are where they were
 
 Each worker has a copy of the sources and a build of its own below build/mutants. A mutant
 dies when a test program fails, crashes or does not end; it does not count where it does not
@@ -139,19 +141,32 @@ def first_failure(output):
     return failed[0][13:].split(",")[0].split(" (")[0] if failed else "it ended early"
 
 
-def candidates(folders, chance):
-    """One mutant of each line that has any: long tables are not worth more than code."""
-    lines = {}
+def all_mutants(folders):
+    """(mutant, its file's text)"""
     for folder in folders:
         for source in sorted((ROOT / folder).glob("*.cpp")) + sorted((ROOT / folder).glob("*.h")):
             path = str(source.relative_to(ROOT))
             if path != f"{folder}/main.cpp":  # nothing but the call
                 text = source.read_text()
                 for mutant in mutants_of(path, text):
-                    lines.setdefault((path, text.count("\n", 0, mutant.offset)), []).append(mutant)
+                    yield mutant, text
+
+
+def candidates(folders, chance):
+    """One mutant of each line that has any: long tables are not worth more than code."""
+    lines = {}
+    for mutant, text in all_mutants(folders):
+        lines.setdefault((mutant.path, text.count("\n", 0, mutant.offset)), []).append(mutant)
     found = [chance.choice(mutants) for mutants in lines.values()]
     chance.shuffle(found)
     return found
+
+
+def survivors(report, folders):
+    """Those that a report names as such."""
+    lines = [line for line in report.read_text().split("\n") if line.startswith("survived")]
+    named = {line[9:].rsplit(" (", 1)[0] for line in lines}
+    return [mutant for mutant, text in all_mutants(folders) if mutant.describe(text) in named]
 
 
 def main():
@@ -160,11 +175,16 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--workers", type=int, default=os.cpu_count())
     parser.add_argument("--least", type=float, default=95)
+    parser.add_argument("--again", type=pathlib.Path)
     parser.add_argument("folders", nargs="*", choices=[[], *PROGRAMS])
     arguments = parser.parse_args()
     folders = arguments.folders or list(PROGRAMS)
-    mutants = candidates(folders, random.Random(arguments.seed))
-    print(f"{len(mutants)} lines can be changed; {arguments.count} are", flush=True)
+    if arguments.again:
+        mutants = survivors(arguments.again, folders)
+        print(f"{len(mutants)} survivors are tried again", flush=True)
+    else:
+        mutants = candidates(folders, random.Random(arguments.seed))
+        print(f"{len(mutants)} lines can be changed; {arguments.count} are", flush=True)
     return judge(arguments, folders, mutants)
 
 
