@@ -197,12 +197,15 @@ TEST(OptionLookup, WhatIsAbsentHasNoCode) {
 }
 
 TEST(OptionGroups, DoNothingWithoutARecordOrAPpd) {
-  const OpenPpd ppd(Options{{"AnticlockwiseRotate", "3"}, {"RedMinValue", "9"}});
+  const OpenPpd ppd(
+      Options{{"AnticlockwiseRotate", "3"}, {"RedMinValue", "9"}, {"HorizontalOffsetValue", "2"}});
   tagOEMCFG record = {};
   InitRotate(&record, nullptr);
+  InitHorizontalOffsetValue(&record, nullptr);
   InitMinColorOffset(&record, nullptr);
   InitMaxColorOffset(&record, nullptr);
   EXPECT_EQ(+record.sRotation, 0);
+  EXPECT_EQ(+record.sHrzOffset, 0);
   InitRotate(nullptr, ppd);
   InitMinColorOffset(nullptr, ppd);
   InitHorizontalOffsetValue(nullptr, ppd);
