@@ -79,6 +79,8 @@ make_folders() {
 }
 
 write_configuration() {
+  # Where no blank is in its name.
+  cp "$here/leak-suppressions.txt" "$work/"
   # What a server remembers of the jobs before it: the next one's number.
   echo "NextJobId $first_job" >"$work/cache/job.cache"
   cat >"$work/etc/cups-files.conf" <<TEXT
@@ -96,6 +98,7 @@ PageLog $work/page_log
 Printcap $work/state/printcap
 SystemGroup $(id -gn)
 PassEnv ASAN_OPTIONS UBSAN_OPTIONS TSAN_OPTIONS LC_ALL LOCPATH
+SetEnv LSAN_OPTIONS suppressions=$work/leak-suppressions.txt:print_suppressions=0
 TEXT
   cat >"$work/etc/cupsd.conf" <<TEXT
 LogLevel debug
