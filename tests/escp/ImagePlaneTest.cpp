@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <random>
-#include <utility>
 
 #include "CommandBuffer.h"
 #include "escp/PageFixture.h"
@@ -41,7 +40,8 @@ struct ThreePlanes {
     job.pdev.bmInfoHeaderOut = job.pdev.bmInfoHeader;
     job.pdev.dwBytesPerLineOut = kWidth * 3;
     job.pdev.devModeOut = job.mode;
-    job.pdev.pBufStartOut = std::exchange(job.pdev.pBufStart, nullptr);
+    job.pdev.pBufStartOut = job.pdev.pBufStart;
+    job.pdev.pBufStart = nullptr;
     job.pdev.dwBufSizeOut = job.pdev.dwBufSize;
     generator.m_pImgBuf = static_cast<unsigned char*>(std::malloc(greys.size()));
     std::copy(greys.begin(), greys.end(), generator.m_pImgBuf);
