@@ -125,12 +125,19 @@ void FaultyJob::restoreTmp() const {
   if (!document_.empty()) fs::copy_file(document_, id_.pdf());
 }
 
+// The loader takes a blank for the end of a name, and a checkout may lie below one.
+std::string FaultyJob::preloaded() const {
+  std::string shim = folder_ / "shim.so";
+  if (!fs::exists(shim)) fs::create_symlink(VELKA_FAULT_SHIM, shim);
+  return shim;
+}
+
 Trial FaultyJob::run(const std::string& fault) const {
   restoreTmp();
   const std::string report = folder_ / "report";
   writeText(report, std::string(sizeof(FaultReport), '\0'));
   FilterJob job = job_;
-  job.environment.insert(job.environment.end(), {{"LD_PRELOAD", VELKA_FAULT_SHIM},
+  job.environment.insert(job.environment.end(), {{"LD_PRELOAD", preloaded()},
                                                  {"VELKA_FAULT", fault},
                                                  {"VELKA_FAULT_PROGRAM", program_},
                                                  {"VELKA_FAULT_REPORT", report},

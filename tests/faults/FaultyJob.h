@@ -40,6 +40,7 @@ class FaultyJob {
   [[nodiscard]] Bytes outputOfRaster() const;
 
  private:
+  [[nodiscard]] std::string preloaded() const;
   void restoreTmp() const;
   void makeRasterJob(int model, const std::vector<std::pair<std::string, std::string>>& options);
   void makePdfJob();
