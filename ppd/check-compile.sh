@@ -5,14 +5,8 @@ set -euo pipefail
 
 ppdc=$1 ppds=$2
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../tests/support/checks.sh"
 
 # refused NAME SAID PPDC SOURCE
 refused() {

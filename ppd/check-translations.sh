@@ -6,14 +6,8 @@ set -euo pipefail
 ppds=$1
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tool=$here/../tools/translations.sh
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../tests/support/checks.sh"
 
 # found WANTED-TEXT SED-SCRIPT: the German texts, spoiled by a script.
 found() {

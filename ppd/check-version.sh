@@ -5,14 +5,8 @@ set -euo pipefail
 ppds=$1
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tool=$here/../tools/ppd-version.sh
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../tests/support/checks.sh"
 
 # digest SED-SCRIPT: of the PPDs after a change.
 digest() {

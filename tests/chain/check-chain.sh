@@ -10,14 +10,8 @@ export PPD=$3
 page=$4
 filters=$(cups-config --serverbin)/filter
 export CONTENT_TYPE=application/pdf FINAL_CONTENT_TYPE=application/vnd.cups-raster
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 
 options="HorizontalOffset=1 HorizontalOffsetValue=2.5 VerticalOffset=1 VerticalOffsetValue=10"
 options+=" AnticlockwiseRotate=2 OutputColorType=1 ColorRangeUseFor=1 RedMinValue=90"

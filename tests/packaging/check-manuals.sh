@@ -5,12 +5,8 @@ set -euo pipefail
 
 command -v mandoc >/dev/null || { echo "skipped: mandoc is not installed" && exit 77; }
 folder=$1
-failures=0
-
-fail() {
-  printf 'FAILED: %s\n' "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 
 for page in "$folder"/*.[18]; do
   said=$(mandoc -Tlint -W warning "$page") || true
@@ -22,4 +18,4 @@ for page in "$folder"/*.[18]; do
       fail "$(basename "$page") does not lead to $name($section)"
   done
 done
-exit "$((failures > 0))"
+((failures == 0))

@@ -4,14 +4,8 @@
 set -euo pipefail
 
 own_tmp=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 
 equal() { [[ $2 == "$3" ]] || fail "$1: '$2', not '$3'"; }
 

@@ -8,16 +8,10 @@ ppds=$2
 page=$3
 rastovelka=$4
 filters=$5
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 export TMPDIR=$work/tmp
 mkdir "$TMPDIR"
-failures=0
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
 
 value() { sed -n "s/^$1 *//p" <<<"$2"; }
 

@@ -7,17 +7,11 @@ set -euo pipefail
 velkaview=$1
 ppds=$2
 page=$3
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 export TMPDIR=$work/tmp
 mkdir "$TMPDIR"
-failures=0
 cd "$work"
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
 
 # The locale is made for this test alone, unless the system has it.
 make_locale() {

@@ -8,17 +8,11 @@ velkaview=$1
 reading=$2
 ppds=$3
 page=$4
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# shellcheck source=tests/support/checks.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../support/checks.sh"
 export TMPDIR=$work/tmp
 mkdir "$TMPDIR"
-failures=0
 cd "$work"
-
-fail() {
-  echo "$*" >&2
-  failures=$((failures + 1))
-}
 
 check_file() {
   local facts
