@@ -9,6 +9,7 @@
 #include "ESCPSML.h"
 #include "Input.h"
 #include "PreInc.h"
+#include "escp/LoadedPlanes.h"
 #include "reference/ReferenceEncoder.h"
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
@@ -17,13 +18,7 @@ namespace {
 
 using namespace velka;
 using namespace velka::fuzz;
-
-unsigned char* copyOf(const Bytes& bytes) {
-  auto* copy = static_cast<unsigned char*>(std::malloc(bytes.size() + 1));
-  require(copy != nullptr);
-  std::copy(bytes.begin(), bytes.end(), copy);
-  return copy;
-}
+using velka::testing::load;
 
 reference::Separation anyPlanes(Input& input) {
   reference::Separation planes;
@@ -33,16 +28,6 @@ reference::Separation anyPlanes(Input& input) {
   planes.black = input.dots(size);
   planes.red = input.dots(size);
   return planes;
-}
-
-void load(CESCPSML& generator, const reference::Separation& planes) {
-  generator.m_pBlackBuf = copyOf(planes.black);
-  generator.m_dwBlackSize = static_cast<unsigned>(planes.black.size());
-  generator.m_pRedBuf = copyOf(planes.red);
-  generator.m_dwRedSize = static_cast<unsigned>(planes.red.size());
-  generator.m_nPlaneStride = planes.width;
-  generator.m_nPageWidth = planes.width;
-  generator.m_nPageHeight = planes.height;
 }
 
 // Mostly near the planes; at times at the ends of the numbers, less their distance from

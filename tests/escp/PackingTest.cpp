@@ -7,28 +7,12 @@
 #include <random>
 
 #include "ESCPSML.h"
+#include "escp/LoadedPlanes.h"
 #include "reference/ReferenceEncoder.h"
 #include "support/Capture.h"
 
 namespace velka::testing {
 namespace {
-
-unsigned char* copyOf(const Bytes& bytes) {
-  auto* copy = static_cast<unsigned char*>(std::malloc(bytes.size() + 1));
-  std::memcpy(copy, bytes.data(), bytes.size());
-  return copy;
-}
-
-// A generator that holds the given planes.
-void load(CESCPSML& generator, const reference::Separation& planes) {
-  generator.m_pBlackBuf = copyOf(planes.black);
-  generator.m_dwBlackSize = static_cast<unsigned>(planes.black.size());
-  generator.m_pRedBuf = copyOf(planes.red);
-  generator.m_dwRedSize = static_cast<unsigned>(planes.red.size());
-  generator.m_nPlaneStride = planes.width;
-  generator.m_nPageWidth = planes.width;
-  generator.m_nPageHeight = planes.height;
-}
 
 reference::Separation randomPlanes(std::mt19937& random, int width, int height, unsigned oneIn) {
   reference::Separation planes;
