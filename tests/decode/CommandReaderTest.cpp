@@ -137,6 +137,7 @@ TEST(CommandReader, TellsWhereTheFirstMalformedCommandBegins) {
       {{0x1B, '$', 1}, "the stream ends inside a command"},
       {{0x1D, 4, 'S', 0}, "unknown command 1D 04 53"},
       {{0x1D, 4, 'T'}, "the stream ends inside a command"},
+      {{0x1B, '(', 'v', 0x1B, '(', 'v'}, "the stream ends inside a long paper move"},
       {{0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 1, 2, 0, 0, 0},
        "the stream ends inside a long paper move"},
       {{0x1B, '(', 'v', 0x1B, '(', 'v', 2, 0, 1, 2, 0, 0, 0, 7},

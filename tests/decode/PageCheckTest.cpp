@@ -133,6 +133,9 @@ Stream slices(const std::vector<int>& rows) {
 TEST(PageCheck, SlicesOfABandThatEightDotsNeverPrintAreGaps) {
   EXPECT_EQ(saidOf(slices({24, 24, 30, 24})),
             "3 gaps in the print, up to 6.77 mm, the first at 3.4 mm");
+  // Twenty-three where red went a row up.
+  EXPECT_EQ(saidOf(slices({24, 23})), "2 gaps in the print, up to 6.77 mm, the first at 3.4 mm");
+  EXPECT_EQ(saidOf(slices({24, 24, 22})), "");
   EXPECT_EQ(saidOf(slices({24, 24, 8, 24})), "");
   EXPECT_EQ(saidOf(slices({24, 30, 31})), "");
 }
@@ -164,6 +167,25 @@ TEST(PageCheck, BlackThatForgotTheWayOfRedLeavesGapsWhereThePageShowsItsWayOfCou
             "2 gaps in the print, up to 17.50 mm, the first at 17.5 mm");
   // The same ways of the paper without white in front of the ink may be meant.
   EXPECT_EQ(saidOf(countedByInk(bands, 2)), "");
+}
+
+// Red three rows up may still belong to the black above it; a row lower it does not, and
+// black comes as much later again.
+TEST(PageCheck, BlackThatForgotAWayAsShortAsItCanBeToldIsBlamed) {
+  const std::vector<std::pair<char, int>> shortest = {{'b', 100}, {'r', 121}, {'b', 142}};
+  EXPECT_EQ(saidOf(countedByInk(shortest, 20)), "a gap in the print, 2.96 mm at 20.5 mm");
+  const std::vector<std::pair<char, int>> shorter = {{'b', 100}, {'r', 120}, {'b', 142}};
+  EXPECT_EQ(saidOf(countedByInk(shorter, 20)), "");
+}
+
+TEST(PageCheck, BlackBelowBlackThatStandsNearerThanRedWentForgotNothing) {
+  Stream columns(size_t{60}, 0);
+  columns.insert(columns.end(), kFull.begin(), kFull.end());
+  ExpectedStream stream;
+  stream.start(66).unit(10).down(200).toX(0).block(0, 39, 21, columns);
+  stream.unit(10).down(60).toX(0).block(1, 39, 21, columns);
+  stream.unit(10).down(100).toX(0).block(0, 39, 21, columns);
+  EXPECT_EQ(saidOf(stream.formFeed().bytes()), "");
 }
 
 TEST(PageCheck, BlackThatStandsNearerThanRedWentForgotNothing) {

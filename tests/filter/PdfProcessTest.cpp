@@ -231,6 +231,11 @@ TEST(PdfGeometry, IsSetFromStrideWidthAndHeight) {
   EXPECT_EQ(+g_oemPDEV.srcGdiInfo.ulVertRes, 7U);
   InitPdfProcessOemPDEV(4000000000U, 5, 7);
   EXPECT_EQ(+g_oemPDEV.dwBufSize, 0U);
+  for (const int noRows : {0, -1}) {
+    g_oemPDEV.dwBufSize = 1;
+    InitPdfProcessOemPDEV(16, 5, noRows);
+    EXPECT_EQ(+g_oemPDEV.dwBufSize, 0U);
+  }
   g_oemPDEV = {};
 }
 

@@ -142,6 +142,10 @@ TEST(DocumentKinds, AreToldByTheFirstBytes) {
   EXPECT_EQ(documentKind("%!PS-Adobe-3.0\n"), DocumentKind::PostScript);
   EXPECT_EQ(documentKind("P6\n# made from %PDF-1.4\n"), DocumentKind::Picture);
   EXPECT_EQ(documentKind("%PDF"), DocumentKind::Picture);
+  for (const char* const start : {"\n%PDF-", "\r%PDF-", "x\n%PDF-", "x\r%PDF-"})
+    EXPECT_EQ(documentKind(start), DocumentKind::Pdf) << start;
+  for (const char* const start : {"x%PDF-", "\nx%PDF-", "\rx%PDF-"})
+    EXPECT_EQ(documentKind(start), DocumentKind::Picture) << start;
   EXPECT_EQ(documentKind(""), DocumentKind::Picture);
 }
 

@@ -53,7 +53,7 @@ class Tree:
         self.limits = {}
         self.copy()
         must(run(["cmake", "-G", "Ninja", "-S", ".", "-B", "build", "-DCMAKE_BUILD_TYPE=None",
-                  "-DCMAKE_CXX_FLAGS=-O1"], self.folder))
+                  "-DCMAKE_CXX_FLAGS=-O1 -D_GLIBCXX_ASSERTIONS"], self.folder))
         for program in programs:
             must(self.build(self.target(program)))
             began = time.monotonic()
