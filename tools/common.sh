@@ -20,6 +20,17 @@ need_writable() {
   [[ -w . ]] || die "this folder cannot be written by $(id -un): $PWD"
 }
 
+# copy_sources FOLDER: what is under version control, as it stands; all but what was built
+# where nothing is.
+copy_sources() {
+  mkdir -p "$1"
+  if git ls-files >/dev/null 2>&1; then
+    git ls-files -z | tar -c --null --files-from=- --ignore-failed-read
+  else
+    tar -c --exclude=./build --exclude=./demo-output --exclude=./.git .
+  fi | tar -x -C "$1"
+}
+
 # build PRESET [TARGET...]. VELKA_WERROR=ON makes warnings errors, in this build folder
 # from then on; OFF ends that.
 build() {

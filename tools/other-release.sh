@@ -30,8 +30,7 @@ prepare() {
   rm -rf "$home"
   chroot "$root" id "$user" >/dev/null 2>&1 || chroot "$root" useradd --shell /bin/bash "$user"
   echo "$user ALL=(ALL) NOPASSWD: ALL" >"$root/etc/sudoers.d/$user"
-  mkdir -p "$root$folder"
-  tar -c --exclude=./build --exclude=./demo-output --exclude=./.git . | tar -x -C "$root$folder"
+  copy_sources "$root$folder"
   chroot "$root" chown -R "$user:" "/home/$user"
 }
 

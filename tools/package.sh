@@ -22,13 +22,12 @@ skip() {
   exit 0
 }
 
-# make_in FOLDER [OPTION...]: from the files that are under version control, as they stand.
+# make_in FOLDER [OPTION...]
 make_in() {
   local to=$1/velka-$version
   shift
   rm -rf "${to%/*}"
-  mkdir -p "$to"
-  git ls-files -z | xargs -0 tar -c --ignore-failed-read | tar -x -C "$to"
+  copy_sources "$to"
   (cd "$to" && dpkg-buildpackage -us -uc "$@") >"$to.log" 2>&1 ||
     die "dpkg-buildpackage failed, see $to.log: $(tail -n 5 "$to.log")"
 }
