@@ -56,14 +56,6 @@ void limit(Resource resource, uint64_t most) noexcept {
   _exit(kNoShell);
 }
 
-// Its number stays its own, and its group's, until waitpid() takes the status.
-bool hasEnded(pid_t child) noexcept {
-  siginfo_t info = {};
-  if (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) != 0)
-    return errno != EINTR;
-  return info.si_pid == child;
-}
-
 // Sleeps until the child ends, one of the signals of `open` comes, or the time is over.
 void sleepUntil(Clock::time_point deadline, int child, const sigset_t& open) noexcept {
   using std::chrono::nanoseconds;

@@ -10,17 +10,18 @@
 namespace velka {
 namespace {
 
-volatile pid_t tool = 0;  // in the guard, which holds the number until it has the status
-
-extern "C" void killTool(int /*signal*/) {
+void killGroup(pid_t tool) noexcept {
   kill(-tool, SIGKILL);
 }
 
-void unblock(int signal) noexcept {
-  sigset_t one = {};
-  sigemptyset(&one);
-  sigaddset(&one, signal);
-  sigprocmask(SIG_UNBLOCK, &one, nullptr);
+// What the guard waits for, held back so that none is missed.
+sigset_t heldBack() noexcept {
+  sigset_t signals = {};
+  sigemptyset(&signals);
+  sigaddset(&signals, kEndTool);
+  sigaddset(&signals, SIGCHLD);
+  sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return signals;
 }
 
 [[noreturn]] void endAs(int status) noexcept {
@@ -29,20 +30,22 @@ void unblock(int signal) noexcept {
   const rlimit none = {0, 0};
   setrlimit(RLIMIT_CORE, &none);
   std::signal(WTERMSIG(status), SIG_DFL);
-  unblock(WTERMSIG(status));
+  sigset_t its = {};
+  sigemptyset(&its);
+  sigaddset(&its, WTERMSIG(status));
+  sigprocmask(SIG_UNBLOCK, &its, nullptr);
   kill(getpid(), WTERMSIG(status));
   _exit(kNoGuard);
 }
 
-[[noreturn]] void guard(pid_t filter) noexcept {
-  unblock(kEndTool);
-  if (getppid() != filter) killTool(kEndTool);
-  siginfo_t ended = {};
-  while (waitid(P_PID, static_cast<id_t>(tool), &ended, WEXITED | WNOWAIT) != 0)
-    if (errno != EINTR) break;
+// No handlers: between fork() and exec() not every system lets them run.
+[[noreturn]] void guard(pid_t filter, pid_t tool, const sigset_t& awaited) noexcept {
+  if (getppid() != filter) killGroup(tool);
+  siginfo_t signal = {};
+  while (!hasEnded(tool))
+    if (sigwaitinfo(&awaited, &signal) == kEndTool) killGroup(tool);
   // What it leaves behind holds nothing that anybody waits for.
-  killTool(kEndTool);
-  std::signal(kEndTool, SIG_IGN);
+  killGroup(tool);
   int status = 0;
   while (waitpid(tool, &status, 0) != tool)
     if (errno != EINTR) _exit(kNoGuard);
@@ -51,11 +54,20 @@ void unblock(int signal) noexcept {
 
 }  // namespace
 
+bool hasEnded(pid_t child) noexcept {
+  siginfo_t info = {};
+  if (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) != 0)
+    return errno != EINTR;
+  return info.si_pid == child;
+}
+
 void becomeGuardedTool(pid_t filter) noexcept {
   setpgid(0, 0);
-  std::signal(kEndTool, killTool);
+  // Ignored children leave no status.
+  std::signal(SIGCHLD, SIG_DFL);
+  const sigset_t awaited = heldBack();
   prctl(PR_SET_PDEATHSIG, kEndTool);
-  tool = fork();
+  const pid_t tool = fork();
   if (tool < 0) _exit(kNoGuard);
   if (tool == 0) {
     setpgid(0, 0);
@@ -65,7 +77,7 @@ void becomeGuardedTool(pid_t filter) noexcept {
   }
   // The tool does it too; whoever comes first, it has its group from here on.
   setpgid(tool, tool);
-  guard(filter);
+  guard(filter, tool, awaited);
 }
 
 }  // namespace velka

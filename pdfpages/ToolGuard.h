@@ -18,6 +18,10 @@ void becomeGuardedTool(pid_t filter) noexcept;
 
 inline constexpr int kEndTool = SIGTERM;
 
+/// Whether the child has ended. Its number stays its own, and its group's, until waitpid()
+/// takes the status.
+bool hasEnded(pid_t child) noexcept;
+
 /// As the shell says of a command that it cannot run.
 inline constexpr int kNoGuard = 127;
 

@@ -9,7 +9,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/common.sh
 source tools/common.sh
 
-architecture=${1:-arm64}
+architecture=arm64
+case ${1:-} in
+  '') ;;
+  --inside) architecture=$2 ;;
+  *) architecture=$1 ;;
+esac
 release=${VELKA_PACKAGE_RELEASE:-$(. /etc/os-release && echo "$VERSION_CODENAME")}
 notes=build/other-machine.log
 # shellcheck source=tools/system.sh
@@ -72,7 +77,6 @@ build_and_test_there() {
 }
 
 if [[ ${1:-} == --inside ]]; then
-  architecture=$2 machine=${machines[$2]}
   enter_system "$3"
   cd /source
   install_all

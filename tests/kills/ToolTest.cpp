@@ -54,10 +54,6 @@ class ToolsOfAJob : public ::testing::Test {
 };
 
 TEST_F(ToolsOfAJob, GoWithAllTheyStartedWhenTheFilterIsKilledOutright) {
-#ifdef __SANITIZE_THREAD__
-  GTEST_SKIP()
-      << "this sanitizer puts signal handlers off, the guard's between fork and exec for good";
-#endif
   for (const char* tool : {"pdfinfo", "pdftoppm"}) {
     SCOPED_TRACE(tool);
     unlink(mark().c_str());
