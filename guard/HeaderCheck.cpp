@@ -108,8 +108,9 @@ std::string troubleText(Trouble trouble, const cups_page_header2_t& header, uint
       return name + " is not printed: its " + pairText(header.cupsWidth, header.cupsHeight) +
              " pixels are more than a page may take";
     case Trouble::TooLong:
-      return name + " is longer than 42.5 inches, the longest form that the printer can be "
-                    "told: the paper behind it will not stand where a page begins";
+      return name +
+             " is longer than 42.5 inches, the longest form that the printer can be "
+             "told: the paper behind it will not stand where a page begins";
     case Trouble::Copy:
     case Trouble::None:
       break;

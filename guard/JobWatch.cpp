@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <new>
 
 #include "FilterMessages.h"
 #include "FixedText.h"
@@ -19,6 +20,10 @@ namespace {
 
 void raise(Trouble trouble) {
   tellScheduler(MessageLevel::State, std::string("+").append(stateReason(trouble)));
+}
+
+void tellLostSight() noexcept {
+  tellOutOfMemory("No memory to watch the job's pages");
 }
 
 void account(uint64_t page, uint32_t copies) {
@@ -44,8 +49,8 @@ std::string progressText(uint64_t page, const Copies& copies) {
 std::string missingPagesText(uint64_t pages, uint64_t inCopy) {
   const bool one = pages == inCopy + 1;
   const std::string first = std::to_string(inCopy + 1);
-  const std::string which = one ? "Page " + first + " is" :
-                                  "Pages " + first + " to " + std::to_string(pages) + " are";
+  const std::string which =
+      one ? "Page " + first + " is" : "Pages " + first + " to " + std::to_string(pages) + " are";
   return which + " not in the PDF copy of the job, which has " + std::to_string(inCopy) +
          (inCopy == 1 ? " page" : " pages") + ": " + (one ? "it stays" : "they stay") +
          " white; print the job with PdfPreprocess=no";
@@ -70,7 +75,7 @@ bool JobWatch::findCopy() {
   return false;
 }
 
-bool JobWatch::pageBegins(const cups_page_header2_t& header) {
+bool JobWatch::pageBegins(const cups_page_header2_t& header) noexcept try {
   const bool first = ++page_ == 1;
   if (first) jobBegins(header);
   Trouble trouble = headerTrouble(header, first, mostPageBytes(ppd_, header));
@@ -88,30 +93,39 @@ bool JobWatch::pageBegins(const cups_page_header2_t& header) {
   told_ = 0;
   if (printed_) tellScheduler(MessageLevel::Info, progressText(page_, copies_));
   return true;
+} catch (const std::bad_alloc&) {
+  tellLostSight();
+  return true;
 }
 
-void JobWatch::pagePassed(int percent) {
+void JobWatch::pagePassed(int percent) noexcept try {
   constexpr int kStep = 10;
   const int tenths = percent / kStep * kStep;
   if (tenths <= told_ || !printed_) return;
   told_ = tenths;
   tellScheduler(MessageLevel::Attribute, "job-media-progress=" + std::to_string(tenths));
+} catch (const std::bad_alloc&) {
+  tellLostSight();
 }
 
-void JobWatch::pageEnds() {
+void JobWatch::pageEnds() noexcept try {
   if (!printed_) return;
   constexpr int kWhole = 100;
   pagePassed(kWhole);
   account(page_, copies_.collated ? 1 : copies_.count);
+} catch (const std::bad_alloc&) {
+  tellLostSight();
 }
 
-void JobWatch::pagesEnd() {
+void JobWatch::pagesEnd() noexcept try {
   if (!copies_.collated) return;
   for (uint64_t page = 1; page <= page_; ++page)
     if (!std::ranges::binary_search(notPrinted_, page)) account(page, copies_.count - 1);
+} catch (const std::bad_alloc&) {
+  tellLostSight();
 }
 
-void JobWatch::checkCopyPages(const ToolWatch& watch) const {
+void JobWatch::checkCopyPages(const ToolWatch& watch) const noexcept try {
   if (!copy_) return;
   const FixedText name = formatText("/proc/%d/fd/%d", getpid(), copy_.get());
   const auto pages = countPages(name.text(), watch);
@@ -123,6 +137,8 @@ void JobWatch::checkCopyPages(const ToolWatch& watch) const {
   if (page_ <= inCopy) return;
   tellScheduler(MessageLevel::Error, missingPagesText(page_, inCopy));
   raise(Trouble::Copy);
+} catch (const std::bad_alloc&) {
+  tellLostSight();
 }
 
 }  // namespace velka

@@ -29,8 +29,8 @@ struct Copies {
 /// Which of a job's pages are not in a PDF of fewer.
 [[nodiscard]] std::string missingPagesText(uint64_t pages, uint64_t inCopy);
 
-/// Tells the scheduler what happens to the pages of one job. The texts that it writes are
-/// those of FilterMessages.h.
+/// Tells the scheduler what happens to the pages of one job. Where memory runs out, that is
+/// told instead: the pages themselves go on.
 class JobWatch {
  public:
   /// Both stay their owner's; no PPD is the standard model's.
@@ -38,22 +38,22 @@ class JobWatch {
 
   /// A page's header has come. False where the job had better stop before it: nothing of it
   /// would print, and nothing was printed so far.
-  [[nodiscard]] bool pageBegins(const cups_page_header2_t& header);
+  [[nodiscard]] bool pageBegins(const cups_page_header2_t& header) noexcept;
 
   /// So much of the page's lines went by (0 to 100).
-  void pagePassed(int percent);
+  void pagePassed(int percent) noexcept;
 
   /// All of the page's lines went by, or the raster ended in it: it is printed.
-  void pageEnds();
+  void pageEnds() noexcept;
 
   /// No page follows: the rest of the copies is printed.
-  void pagesEnd();
+  void pagesEnd() noexcept;
 
   /// Tells of pages that are not in the job's PDF copy, where they come from it. Runs a tool,
   /// so it is for when nobody waits any more.
-  void checkCopyPages(const ToolWatch& watch) const;
+  void checkCopyPages(const ToolWatch& watch) const noexcept;
 
-  /// Something went wrong with the raster itself.
+  /// The page in work, or the last one; 0 before the first.
   [[nodiscard]] uint64_t page() const noexcept { return page_; }
 
  private:

@@ -33,8 +33,8 @@ bool RasterPassage::waits(const volatile std::sig_atomic_t& cancelled) const noe
     const SignalsHeldBack held({SIGTERM});
     pollfd input = {from_, POLLIN, 0};
     // What cannot be waited for is read, which says why.
-    while (cancelled == 0 && begin_ == end_ &&
-           ppoll(&input, 1, nullptr, &held.before()) < 0 && errno == EINTR) {
+    while (cancelled == 0 && begin_ == end_ && ppoll(&input, 1, nullptr, &held.before()) < 0 &&
+           errno == EINTR) {
     }
   }
   return cancelled == 0;

@@ -109,6 +109,8 @@ size_t PageLines::take(std::span<const uint8_t> bytes) noexcept {
 size_t PageLines::takeCompressed(std::span<const uint8_t> bytes) noexcept {
   size_t at = 0;
   while (lines_ > 0 && at < bytes.size()) {
+    if (data_ == 0 && left_ > 0) at += takeWholeRuns(bytes.subspan(at));
+    if (at == bytes.size()) break;
     if (data_ > 0) {
       const size_t n = std::min<size_t>(data_, bytes.size() - at);
       data_ -= static_cast<uint32_t>(n);
@@ -119,6 +121,20 @@ size_t PageLines::takeCompressed(std::span<const uint8_t> bytes) noexcept {
       beginRun(bytes[at++]);
     }
     if (data_ == 0 && left_ == 0 && sameLines_ > 0) endLine();
+  }
+  return at;
+}
+
+// Runs that end before the line and the bytes do, without a look at anything else: most do.
+size_t PageLines::takeWholeRuns(std::span<const uint8_t> bytes) noexcept {
+  constexpr uint32_t kMostUnits = 128;
+  const uint64_t mostData = uint64_t{kMostUnits} * pixelBytes_;
+  size_t at = 0;
+  while (left_ > mostData && bytes.size() - at > mostData + 1 && bytes[at] != kClearToEnd) {
+    const uint8_t code = bytes[at];
+    const uint32_t units = code > kClearToEnd ? 257U - code : code + 1U;
+    left_ -= units * pixelBytes_;
+    at += 1 + (code > kClearToEnd ? units : 1) * size_t{pixelBytes_};
   }
   return at;
 }

@@ -64,6 +64,7 @@ class PageLines {
 
  private:
   [[nodiscard]] size_t takeCompressed(std::span<const uint8_t> bytes) noexcept;
+  [[nodiscard]] size_t takeWholeRuns(std::span<const uint8_t> bytes) noexcept;
   void beginLine(uint8_t repeats) noexcept;
   void beginRun(uint8_t code) noexcept;
   void endLine() noexcept;
@@ -72,11 +73,11 @@ class PageLines {
   uint32_t lineBytes_;
   uint32_t pixelBytes_;
   uint64_t allLines_;
-  uint64_t lines_;           // still to come; the one that has begun is among them
-  uint64_t passed_ = 0;      // plain: bytes of them that went by
-  uint32_t left_ = 0;        // compressed: bytes that runs have yet to give the line
-  uint32_t data_ = 0;        // bytes to come that a run's code has announced
-  uint32_t sameLines_ = 0;   // lines that the one in work stands for
+  uint64_t lines_;          // still to come; the one that has begun is among them
+  uint64_t passed_ = 0;     // plain: bytes of them that went by
+  uint32_t left_ = 0;       // compressed: bytes that runs have yet to give the line
+  uint32_t data_ = 0;       // bytes to come that a run's code has announced
+  uint32_t sameLines_ = 0;  // lines that the one in work stands for
 };
 
 }  // namespace velka

@@ -95,9 +95,9 @@ double ratioOf(const Bytes& stream) {
 
 // As the rasteriser writes them: A4 at 360 dpi.
 TEST(Cost, OfWatchingAJobIsAtMostThirteenTenthsOfPassingItOn) {
-  EXPECT_LE(ratioOf(rasterStream(
-                std::vector<RasterPage>(3, whitePage(rgbHeader(2976, 4209, 360, 360))))),
-            1.3);
+  EXPECT_LE(
+      ratioOf(rasterStream(std::vector<RasterPage>(3, whitePage(rgbHeader(2976, 4209, 360, 360))))),
+      1.3);
 }
 
 }  // namespace

@@ -52,7 +52,8 @@ TEST(CopiesOfPages, AreCountedAsTheModelPrintsThem) {
   const Bytes stream = rasterStream({inkedPage(header, 1), inkedPage(header, 2)});
   const FilterResult standard = guarded(stream);
   EXPECT_EQ(told(standard, "PAGE"), (Texts{"1 3", "2 3"}));
-  EXPECT_EQ(told(standard, "INFO"), (Texts{"Printing page 1, 3 copies", "Printing page 2, 3 copies"}));
+  EXPECT_EQ(told(standard, "INFO"),
+            (Texts{"Printing page 1, 3 copies", "Printing page 2, 3 copies"}));
   EXPECT_EQ(told(guarded(stream, kOrlo), "PAGE"), (Texts{"1 1", "2 1"}));
 }
 

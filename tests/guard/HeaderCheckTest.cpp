@@ -1,7 +1,6 @@
-#include "HeaderCheck.h"
-
 #include <gtest/gtest.h>
 
+#include "HeaderCheck.h"
 #include "JobWatch.h"
 #include "support/RasterBuilder.h"
 
@@ -13,8 +12,8 @@ using namespace velka::testing;
 constexpr uint64_t kMost = uint64_t{1} << 30U;
 
 TEST(HeaderCheck, TheQueuesOwnResolutionsAreFine) {
-  const std::pair<unsigned, unsigned> pairs[] = {{180, 180}, {60, 180}, {90, 180}, {120, 180},
-                                                 {360, 180}, {360, 360}, {60, 60}, {80, 60},
+  const std::pair<unsigned, unsigned> pairs[] = {{180, 180}, {60, 180},  {90, 180}, {120, 180},
+                                                 {360, 180}, {360, 360}, {60, 60},  {80, 60},
                                                  {90, 60},   {120, 60},  {720, 720}};
   for (const auto& [across, down] : pairs)
     EXPECT_EQ(headerTrouble(rgbHeader(100, 100, across, down), true, kMost), Trouble::None)

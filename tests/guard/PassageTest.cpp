@@ -91,8 +91,7 @@ TEST(PassedOn, NothingIsNothingAndAStreamWithoutAPageIsTold) {
   const Bytes sync = firstBytes(rasterStream(twoPages()), 4);
   const FilterResult result = guarded(sync);
   EXPECT_EQ(result.output, sync);
-  EXPECT_EQ(told(result, "ERROR"),
-            (Texts{"The raster holds no page, so that nothing is printed"}));
+  EXPECT_EQ(told(result, "ERROR"), (Texts{"The raster holds no page, so that nothing is printed"}));
 }
 
 TEST(PassedOn, AReaderThatIsGoneIsNoError) {

@@ -1,11 +1,10 @@
-#include "RasterStream.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <random>
 
+#include "RasterStream.h"
 #include "guard/GuardJob.h"
 #include "guard/OtherOrder.h"
 

@@ -46,10 +46,11 @@ int main(int argc, char* argv[]) {
   if (argc != 2) return 2;
   const std::string folder = argv[1];
   const cups_page_header2_t good = rgbHeader(360, 360);
-  const bool written = write(folder + "/good.ras", {blackPage(good)}) &&
-                       write(folder + "/sets.ras", {blackPage(setsHeader()), blackPage(setsHeader())}) &&
-                       write(folder + "/grey.ras", {blackPage(greyHeader())}) &&
-                       write(folder + "/300dpi.ras", {blackPage(rgbHeader(600, 600, 300, 300))}) &&
-                       write(folder + "/long.ras", {blackPage(rgbHeader(180, 7740))});
+  const bool written =
+      write(folder + "/good.ras", {blackPage(good)}) &&
+      write(folder + "/sets.ras", {blackPage(setsHeader()), blackPage(setsHeader())}) &&
+      write(folder + "/grey.ras", {blackPage(greyHeader())}) &&
+      write(folder + "/300dpi.ras", {blackPage(rgbHeader(600, 600, 300, 300))}) &&
+      write(folder + "/long.ras", {blackPage(rgbHeader(180, 7740))});
   return written ? 0 : 1;
 }
