@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "HeaderCheck.h"
+#include "HeaderFields.h"
 #include "Input.h"
 #include "JobWatch.h"
 #include "RasterStream.h"
@@ -15,8 +16,8 @@ using namespace velka::fuzz;
 using Stream = std::span<const uint8_t>;
 
 // Beyond these libcups would be asked for more memory, or time, than a round may take.
-constexpr uint32_t kMostLine = 1U << 14U;
-constexpr uint32_t kMostLines = 1U << 12U;
+constexpr uint32_t kMostLine = 1U << 12U;
+constexpr uint32_t kMostLines = 1U << 8U;
 constexpr uint32_t kMostColours = 16;
 
 bool isSmall(const cups_page_header2_t& header) {
@@ -39,7 +40,7 @@ ssize_t readSource(void* context, unsigned char* buffer, size_t length) {
 
 bool readLines(cups_raster_t* raster, const cups_page_header2_t& header) {
   std::vector<uint8_t> line(header.cupsBytesPerLine);
-  const bool planar = header.cupsColorOrder == CUPS_ORDER_PLANAR;
+  const bool planar = enumBits(header.cupsColorOrder) == CUPS_ORDER_PLANAR;
   const uint32_t lines = header.cupsHeight * (planar ? header.cupsNumColors : 1);
   for (uint32_t row = 0; row < lines; ++row)
     if (cupsRasterReadPixels(raster, line.data(), header.cupsBytesPerLine) == 0) return false;

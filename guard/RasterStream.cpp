@@ -5,6 +5,8 @@
 #include <cstring>
 #include <memory>
 
+#include "HeaderFields.h"
+
 namespace velka {
 namespace {
 
@@ -37,13 +39,13 @@ uint32_t number(RasterSync sync, bool swapped) noexcept {
 
 // As libcups counts them, in 32 bits.
 uint32_t linesOf(const cups_page_header2_t& header) noexcept {
-  const bool planar = header.cupsColorOrder == CUPS_ORDER_PLANAR;
+  const bool planar = enumBits(header.cupsColorOrder) == CUPS_ORDER_PLANAR;
   return planar ? header.cupsHeight * header.cupsNumColors : header.cupsHeight;
 }
 
 // Of the unit that runs repeat, as libcups counts them.
 uint32_t unitBytes(const cups_page_header2_t& header) noexcept {
-  const bool chunked = header.cupsColorOrder == CUPS_ORDER_CHUNKED;
+  const bool chunked = enumBits(header.cupsColorOrder) == CUPS_ORDER_CHUNKED;
   const unsigned bits = chunked ? header.cupsBitsPerPixel : header.cupsBitsPerColor;
   return std::max((bits + kBitsPerByte - 1) / kBitsPerByte, 1U);
 }
