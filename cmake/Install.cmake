@@ -82,7 +82,7 @@ function(install_data folder)
   install(FILES ${ARGN} DESTINATION ${folder} PERMISSIONS ${data_modes})
 endfunction()
 
-install(TARGETS rastovelka velkapdfcopy RUNTIME DESTINATION ${filter_folder}
+install(TARGETS rastovelka velkapdfcopy velkaguard RUNTIME DESTINATION ${filter_folder}
   PERMISSIONS ${program_modes})
 install(TARGETS velkaview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   PERMISSIONS ${program_modes})

@@ -55,6 +55,16 @@ uint64_t bytesOf(float width, float length, Resolution dpi) noexcept {
 
 }  // namespace
 
+uint64_t PageSize::stride() const noexcept {
+  return paddedRowBytes(width, bitsPerPixel);
+}
+
+bool PageSize::isAllowed() const noexcept {
+  const uint64_t counted = paddedRowBytes(width, std::max(bitsPerPixel, kBitsPerPixel));
+  const auto bytes = checkedMul(counted, height);
+  return checkedMul32(stride(), height) && bytes && *bytes <= mostBytes;
+}
+
 uint64_t mostPageBytes(ppd_file_t* ppd, const cups_page_header2_t& header) noexcept {
   if (ppd == nullptr) return kLeast;
   const Resolution highest = highestResolution(ppd);

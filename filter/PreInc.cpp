@@ -14,7 +14,7 @@
 namespace {
 
 constexpr uint32_t kBitmapHeadersBytes = 54;
-constexpr uint32_t kFirstScaledDpi = 361;
+using velka::kFirstScaledDpi;
 constexpr double kMostDpi = 360.0;
 constexpr int16_t kPortrait = 1;
 

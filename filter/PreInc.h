@@ -11,6 +11,13 @@
 
 #include "DeviceRecords.h"
 
+namespace velka {
+
+/// Pages of that many dots per inch across, and of more, are sent as ones of 360 both ways.
+inline constexpr uint32_t kFirstScaledDpi = 361;
+
+}  // namespace velka
+
 /// Fills the device mode: resolutions, collation and copies from the header,
 /// orientation always portrait.
 void InitDevmode(_DEVMODE* devmode, const cups_page_header2_t* header) noexcept;

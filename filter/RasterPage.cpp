@@ -17,13 +17,6 @@ namespace {
 
 constexpr uint32_t kBitsPerPixel = 24;
 
-// Whether a page may have what it and its planes take, which are a byte a pixel.
-bool isAllowed(const PageSize& size) noexcept {
-  const uint64_t stride = paddedRowBytes(size.width, std::max(size.bitsPerPixel, kBitsPerPixel));
-  const auto bytes = checkedMul(stride, size.height);
-  return bytes && *bytes <= size.mostBytes;
-}
-
 // With fewer bits than three bytes a pixel, a row's pixels reach into the rows below it.
 bool rowsStandAlone(const cups_page_header2_t& header) noexcept {
   return header.cupsBitsPerPixel >= kBitsPerPixel;
@@ -35,7 +28,7 @@ PageRoom provide(_OEMPDEV& pdev, const PageSize& size, Allocate allocate) noexce
   pdev.dwBufSize = 0;
   pdev.dwWhiteRows = 0;
   const auto bytes = checkedMul32(size.stride(), size.height);
-  if (!bytes || !isAllowed(size)) return PageRoom::TooLarge;
+  if (!bytes || !size.isAllowed()) return PageRoom::TooLarge;
   pdev.pBufStart = allocate(*bytes);
   if (pdev.pBufStart == nullptr) return PageRoom::Refused;
   pdev.dwBufSize = *bytes;
@@ -57,10 +50,6 @@ uint32_t storeLines(const _OEMPDEV& pdev, const cups_page_header2_t& header, Ras
 }
 
 }  // namespace
-
-uint64_t PageSize::stride() const noexcept {
-  return paddedRowBytes(width, bitsPerPixel);
-}
 
 PageRoom makePage(_OEMPDEV& pdev, const PageSize& size) noexcept {
   pdev.dwMostBytes = static_cast<uint32_t>(size.mostBytes);

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "DeviceRecords.h"
+#include "PageLimit.h"
 #include "RasterInput.h"
 
 namespace velka {
@@ -16,16 +17,6 @@ enum class PageRoom : uint8_t {
   Had,
   Refused,   ///< there is none
   TooLarge,  ///< it is more than a page may ask for
-};
-
-/// What a page asks for, and the most bytes that it may (mostPageBytes).
-struct PageSize {
-  uint32_t width;   ///< pixels
-  uint32_t height;  ///< rows
-  uint32_t bitsPerPixel;
-  uint64_t mostBytes;
-
-  [[nodiscard]] uint64_t stride() const noexcept;
 };
 
 /// Gives the record a page bitmap of this size, its contents undefined, and the bound for

@@ -36,7 +36,7 @@ _DEVOBJ g_devObj = {};
 
 namespace {
 
-constexpr int kOrloModelNumber = 2;
+using velka::isOrloModel;
 
 int asInt(unsigned int value) noexcept {
   return static_cast<int>(value);
@@ -202,7 +202,7 @@ void StartDoc(ppd_file_t* ppd, cups_page_header2_t header) noexcept {
   InitalizeOemCfg(&g_oemCfg, ppd, &header);
   InitDevmode(&g_devMode, &header);
   InitOemPDEV(&g_oemPDEV, &header);
-  const bool orlo = ppd != nullptr && ppd->model_number == kOrloModelNumber;
+  const bool orlo = isOrloModel(ppd);
   g_devObj = {&g_oemPDEV, &g_devMode, &g_oemCfg, orlo ? 1 : 0};
   velka::setPlacement(velka::chosenPlacement(ppd));
   if (velka::placement() == velka::DotPlacement::Exact) VELKA_LOG_DEBUG("Init DotPlacement: 1");

@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <memory>
 #include <new>
 #include <string>
 
@@ -24,29 +22,11 @@
 namespace velka {
 namespace {
 
-struct PpdCloser {
-  void operator()(ppd_file_t* ppd) const noexcept { ppdClose(ppd); }
-};
-
-using Ppd = std::unique_ptr<ppd_file_t, PpdCloser>;
-
-const char* ppdPath() noexcept {
-  return std::getenv("PPD");  // NOLINT(concurrency-mt-unsafe): one thread reads it
-}
-
-// The queue's, with the job's options, as the printing filter has it; none where there
-// is none, and the pages come from the raster then.
-Ppd markedPpd(const char* options) noexcept {
-  Ppd ppd(ppdOpenFile(ppdPath()));
-  if (ppd != nullptr) markOptions(ppd.get(), options);
-  return ppd;
-}
-
 // Whether memory, say, ran out while it was read: the printing filter may fare better and
 // miss the copy. An option with a default is marked one way or the other.
 bool isHalfRead(ppd_file_t* ppd) noexcept {
   constexpr const char* kOption = "PdfPreprocess";
-  if (ppd == nullptr) return ppdPath() != nullptr && access(ppdPath(), F_OK) == 0;
+  if (ppd == nullptr) return queuePpd() != nullptr && access(queuePpd(), F_OK) == 0;
   ppd_option_t* option = ppdFindOption(ppd, kOption);
   return option != nullptr && ppdFindChoice(option, option->defchoice) != nullptr &&
          ppdFindMarkedChoice(ppd, kOption) == nullptr;
@@ -172,7 +152,8 @@ int passOnJob(int argc, char* argv[]) {
   }
   // Both filters are of one package; the printing one has no words for it.
   tellScheduler(MessageLevel::Debug, "Velka " + std::string(version()));
-  const Ppd ppd = markedPpd(argv[5]);
+  // Without one the pages come from the raster.
+  const OwnedPpd ppd = markedPpd(argv[5]);
   if (isHalfRead(ppd.get())) {
     tellScheduler(MessageLevel::Error,
                   "The PPD of this queue cannot be read, so that it is not known whether a PDF "
@@ -191,7 +172,7 @@ int runPdfCopy(int argc, char* argv[]) noexcept try {
   installCopySignals();
   return passOnJob(argc, argv);
 } catch (const std::bad_alloc&) {
-  tellOutOfMemory();
+  tellOutOfMemory("No memory for the PDF copy of the job");
   return 1;
 }
 

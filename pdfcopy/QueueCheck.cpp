@@ -9,10 +9,10 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "MarkedOptions.h"
+
 namespace velka {
 namespace {
-
-constexpr int kOrloModelNumber = 2;
 
 std::string environment(const char* name, const char* otherwise) {
   const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): one thread reads it
@@ -73,7 +73,7 @@ std::string whyPagesWouldBeWhite(ppd_file_t* ppd) {
   return "The PPD of this queue is older (" + version + ") than its filters (" + VELKA_PPD_VERSION +
          "), so pages could come out white. Print the job again after: " + "lpadmin -p " +
          environment("PRINTER", "QUEUE") + " -m velka/velka-" +
-         (ppd->model_number == kOrloModelNumber ? "orlo" : "standard") + ".ppd";
+         (isOrloModel(ppd) ? "orlo" : "standard") + ".ppd";
 }
 
 }  // namespace velka

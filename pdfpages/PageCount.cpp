@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <new>
 #include <string>
 
@@ -48,6 +49,21 @@ struct CountText {
   std::string text;  ///< empty where there is none
   bool read = true;
 };
+
+// What stands behind the label on the last line that starts with it, up to what is no
+// digit; nothing where there is no such line.
+std::optional<std::string_view> pagesValue(std::string_view report) noexcept {
+  constexpr std::string_view kLabel = "Pages:";
+  size_t value = std::string_view::npos;
+  for (size_t line = 0; line < report.size(); line = report.find('\n', line) + 1) {
+    if (report.substr(line).starts_with(kLabel))
+      value = report.find_first_not_of(' ', line + kLabel.size());
+    if (report.find('\n', line) == std::string_view::npos) break;
+  }
+  if (value == std::string_view::npos) return std::nullopt;
+  const size_t end = std::min(report.find_first_not_of("0123456789", value), report.size());
+  return report.substr(value, end - value);
+}
 
 bool isRun(const ToolEnd& end) noexcept {
   return end.status != -1 && end.status != kNoDescriptors << 8;
@@ -127,16 +143,27 @@ std::optional<int> digitsOfPageCountFile(std::string_view contents) noexcept {
 }
 
 int digitsOfPagesLine(std::string_view report) noexcept {
-  constexpr std::string_view kLabel = "Pages:";
-  size_t value = std::string_view::npos;
-  for (size_t line = 0; line < report.size(); line = report.find('\n', line) + 1) {
-    if (report.substr(line).starts_with(kLabel))
-      value = report.find_first_not_of(' ', line + kLabel.size());
-    if (report.find('\n', line) == std::string_view::npos) break;
-  }
-  if (value == std::string_view::npos) return 1;
-  const size_t end = std::min(report.find_first_not_of("0123456789", value), report.size());
-  return std::clamp(static_cast<int>(end - value), 1, kMostDigits);
+  const auto value = pagesValue(report);
+  return value ? std::clamp(static_cast<int>(value->size()), 1, kMostDigits) : 1;
+}
+
+std::optional<int> pagesOfReport(std::string_view report) noexcept {
+  constexpr size_t kMostKept = 9;
+  const auto value = pagesValue(report);
+  if (!value || value->empty() || value->size() > kMostKept) return std::nullopt;
+  int pages = 0;
+  std::from_chars(value->data(), value->data() + value->size(), pages);
+  return pages;
+}
+
+std::optional<int> countPages(const char* pdfPath, const ToolWatch& watch) noexcept try {
+  const FixedText command = formatText("pdfinfo %s", pdfPath);
+  if (!isPlainPath(pdfPath) || command.cut) return std::nullopt;
+  std::string report;
+  const ToolEnd end = readShell(command.text(), watch, kMostReport, report);
+  return end.status == 0 ? pagesOfReport(report) : std::nullopt;
+} catch (const std::bad_alloc&) {
+  return std::nullopt;
 }
 
 }  // namespace velka

@@ -32,4 +32,12 @@ struct PageDigits {
 /// 1 where there is no such value.
 [[nodiscard]] int digitsOfPagesLine(std::string_view report) noexcept;
 
+/// The pages of a PDF, as pdfinfo reports them; none where it cannot be run or reports none.
+/// The path must be a plain one (PlainNames.h).
+[[nodiscard]] std::optional<int> countPages(const char* pdfPath, const ToolWatch& watch) noexcept;
+
+/// The number on the last line that starts with "Pages:"; none where there is no such
+/// number of at most nine digits.
+[[nodiscard]] std::optional<int> pagesOfReport(std::string_view report) noexcept;
+
 }  // namespace velka

@@ -42,6 +42,8 @@ has_line "*cupsManualCopies: $manual_copies"
 has_line '*cupsFilter: "application/vnd.cups-raster 0 rastovelka"'
 has_line '*cupsPreFilter: "application/vnd.cups-pdf 0 velkapdfcopy"'
 has_line '*cupsPreFilter: "image/png 0 velkapdfcopy"'
+has_line '*cupsPreFilter: "application/vnd.cups-raster 0 velkaguard"'
+equal "reasons of the printer's state" "$(grep -c '^\*cupsIPPReason velka-[a-z-]*/[^:]*: ""$' "$ppd")" 5
 has_line '*HWMargins: 0 0 0 0'
 has_line '*MaxMediaWidth: "1080"'
 has_line '*MaxMediaHeight: "3060"'

@@ -8,12 +8,13 @@ ppds=$1 translations=$2
 # Lengths are in bytes.
 export LC_ALL=C
 
-# What a dialog shows of a PPD: groups, options, choices, presets; before each the bytes that
+# What a dialog shows of a PPD: groups, options, choices, presets, states; before each the bytes that
 # a reader has for it. Numbers stay numbers.
 texts() {
   sed -nE -e '/^\*(PageRegion|ImageableArea|PaperDimension) /d' \
     -e 's|^\*OpenGroup: [^/]*/(.*)$|40 \1|p' \
-    -e 's|^\*[A-Z][A-Za-z]* [^ :/]*/([^:]*):.*|80 \1|p' "$ppds"/*.ppd | grep '[A-Za-z]' | sort -u
+    -e 's|^\*[A-Z][A-Za-z]* [^ :/]*/([^:]*):.*|80 \1|p' \
+    -e 's|^\*cupsIPPReason [^ :/]*/([^:]*):.*|80 \1|p' "$ppds"/*.ppd | grep '[A-Za-z]' | sort -u
 }
 
 # A reader takes a text to end at a colon.

@@ -22,7 +22,7 @@ make_system() {
   mkdir -p "$root"/etc/cups/ppd "$root"/usr/{bin,lib/cups/filter,share/cups/model/velka} \
     "$root"/{tmp,var/log,sys/kernel/security/apparmor}
   chmod 1777 "$root/tmp"
-  for name in rastovelka velkapdfcopy; do
+  for name in rastovelka velkapdfcopy velkaguard; do
     install -m 755 /bin/true "$root/usr/lib/cups/filter/$name"
   done
   for name in pdfinfo pdftoppm; do install -m 755 /bin/true "$root/usr/bin/$name"; done
@@ -61,6 +61,12 @@ chmod 775 "$root/usr/lib/cups/filter/velkapdfcopy"
 finds 'velkapdfcopy may be written by others' 'chmod 755'
 chmod 700 "$root/usr/lib/cups/filter/rastovelka"
 finds 'rastovelka may not be started by everybody' 'chmod 755'
+rm "$root/usr/lib/cups/filter/velkaguard"
+finds 'filter/velkaguard is not there' 'install the package'
+chmod 664 "$root/usr/lib/cups/filter/velkaguard"
+finds 'velkaguard may be written by others' 'chmod 755'
+chown 1 "$root/usr/lib/cups/filter/velkaguard"
+finds 'velkaguard does not belong to root' 'chown root'
 chown 1 "$root/usr/lib/cups/filter/rastovelka"
 finds 'does not belong to root' 'chown root'
 rm "$root/usr/bin/pdftoppm"
@@ -73,6 +79,8 @@ sed -i 's/^\*cupsModelNumber:.*/*cupsModelNumber: 7/' "$root/etc/cups/ppd/standa
 finds 'queue standard has a PPD of no model' 'lpadmin -p standard'
 sed -i '/velkapdfcopy/d' "$root/etc/cups/ppd/standard.ppd"
 finds 'queue standard starts no velkapdfcopy' 'lpadmin -p standard -m velka/velka-standard.ppd'
+sed -i '/velkaguard/d' "$root/etc/cups/ppd/orlo.ppd"
+finds 'queue orlo starts no velkaguard' 'lpadmin -p orlo -m velka/velka-orlo.ppd'
 printf '<%s>\nState %s\n</Printer>\n' 'DefaultPrinter standard' Idle 'Printer orlo' Stopped \
   >"$root/etc/cups/printers.conf"
 finds 'queue orlo is stopped' 'cupsenable orlo'

@@ -25,6 +25,7 @@ constexpr const char* kSanitizerOptions =
 
 const char* programOf(FaultyJob::Kind kind) {
   if (kind <= FaultyJob::Kind::PdfPage) return VELKA_FILTER;
+  if (kind == FaultyJob::Kind::Guard) return VELKA_GUARD;
   return kind == FaultyJob::Kind::View ? VELKA_VIEW : VELKA_PDFCOPY;
 }
 
@@ -54,6 +55,7 @@ FaultyJob::FaultyJob(Kind kind) : kind_(kind), program_(programOf(kind)) {
   program_ = fs::canonical(program_);
   switch (kind) {
     case Kind::Standard:
+    case Kind::Guard:
       makeRasterJob(1, {});
       break;
     case Kind::Orlo:

@@ -22,7 +22,17 @@ struct Trial {
 
 class FaultyJob {
  public:
-  enum class Kind : uint8_t { Standard, Orlo, Split, Turned, PdfPage, PdfCopy, PictureCopy, View };
+  enum class Kind : uint8_t {
+    Standard,
+    Orlo,
+    Split,
+    Turned,
+    PdfPage,
+    PdfCopy,
+    PictureCopy,
+    Guard,
+    View
+  };
 
   explicit FaultyJob(Kind kind);
 

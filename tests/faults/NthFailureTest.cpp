@@ -230,8 +230,8 @@ TEST_P(NthFailure, EndsTheJobAsDecided) {
 }
 
 std::string nameOf(const ::testing::TestParamInfo<FaultyJob::Kind>& kind) {
-  constexpr std::array kNames = {"Standard", "Orlo",    "Split",       "Turned",
-                                 "PdfPage",  "PdfCopy", "PictureCopy", "View"};
+  constexpr std::array kNames = {"Standard", "Orlo",        "Split", "Turned", "PdfPage",
+                                 "PdfCopy",  "PictureCopy", "Guard", "View"};
   return kNames[static_cast<size_t>(kind.param)];
 }
 
@@ -239,7 +239,8 @@ INSTANTIATE_TEST_SUITE_P(Of, NthFailure,
                          ::testing::Values(FaultyJob::Kind::Standard, FaultyJob::Kind::Orlo,
                                            FaultyJob::Kind::Split, FaultyJob::Kind::Turned,
                                            FaultyJob::Kind::PdfPage, FaultyJob::Kind::PdfCopy,
-                                           FaultyJob::Kind::PictureCopy, FaultyJob::Kind::View),
+                                           FaultyJob::Kind::PictureCopy, FaultyJob::Kind::Guard,
+                                           FaultyJob::Kind::View),
                          nameOf);
 
 }  // namespace

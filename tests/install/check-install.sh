@@ -34,7 +34,7 @@ listing() { (cd "$1" && find . -mindepth 1 -printf '%y %04m %P\n' | LC_ALL=C sor
 
 files_of() {
   local name
-  for name in rastovelka velkapdfcopy; do
+  for name in rastovelka velkapdfcopy velkaguard; do
     echo "f 0755 lib/cups/filter/$name"
   done
   echo "f 0755 bin/velkaview"

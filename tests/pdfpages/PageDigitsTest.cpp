@@ -34,5 +34,14 @@ TEST(PagesLine, IsTheLastThatStartsSo) {
   EXPECT_EQ(digitsOfPagesLine("Pages:           123"), 3);
 }
 
+TEST(PagesLine, GivesTheNumberItself) {
+  EXPECT_EQ(pagesOfReport("Title: a\nPages: 1\nPages:           120\n"), 120);
+  EXPECT_EQ(pagesOfReport("Pages: 999999999"), 999999999);
+  EXPECT_EQ(pagesOfReport("Pages: 1234567890"), std::nullopt);
+  EXPECT_EQ(pagesOfReport("Pages: none\n"), std::nullopt);
+  EXPECT_EQ(pagesOfReport("Pages:"), std::nullopt);
+  EXPECT_EQ(pagesOfReport(""), std::nullopt);
+}
+
 }  // namespace
 }  // namespace velka::testing

@@ -21,6 +21,8 @@ source "$here/option-cases.sh"
 source "$here/locale-cases.sh"
 # shellcheck source=tests/queue/trouble-cases.sh
 source "$here/trouble-cases.sh"
+# shellcheck source=tests/queue/guard-cases.sh
+source "$here/guard-cases.sh"
 
 start_server
 add_queues

@@ -40,6 +40,7 @@ make_documents() {
   boxes 2 | ghostscript png16m "$work/two-inch.png" -r180
   boxes 2 | ghostscript jpeg "$work/two-inch.jpg" -r180
   grey_page | ghostscript pdfwrite "$work/grey.pdf"
+  { grey_page && grey_page && grey_page; } | ghostscript pdfwrite "$work/grey3.pdf"
   # Not white, and of three pages of 60 lines at most.
   seq -f 'line %g of a plain text' 150 >"$work/lines.txt"
   head -c 300 "$work/three.pdf" >"$work/broken.pdf"

@@ -102,6 +102,7 @@ SetEnv LSAN_OPTIONS suppressions=$work/leak-suppressions.txt:print_suppressions=
 TEXT
   cat >"$work/etc/cupsd.conf" <<TEXT
 LogLevel debug
+PageLogFormat %p %j %P %C
 MaxLogSize 0
 ServerName localhost
 Listen $work/socket

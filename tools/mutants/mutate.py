@@ -35,6 +35,7 @@ PROGRAMS = {
     "orlo": ["orlo", "reference", "jobs"],
     "filter": ["filter", "reference", "levels", "jobs", "exact"],
     "pdfcopy": ["pdfcopy"],
+    "guard": ["guard"],
     "decode": ["decode", "view"],
 }
 

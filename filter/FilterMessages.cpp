@@ -18,6 +18,12 @@ std::string_view prefixOf(MessageLevel level) noexcept {
       return "ERROR: ";
     case MessageLevel::Info:
       return "INFO: ";
+    case MessageLevel::State:
+      return "STATE: ";
+    case MessageLevel::Attribute:
+      return "ATTR: ";
+    case MessageLevel::Page:
+      return "PAGE: ";
     case MessageLevel::Debug:
       break;
   }
@@ -40,8 +46,10 @@ void tellScheduler(MessageLevel level, std::string_view text) {
   writeError(line);
 }
 
-void tellOutOfMemory() noexcept {
-  writeError("\nERROR: No memory for the PDF copy of the job\n");
+void tellOutOfMemory(std::string_view text) noexcept {
+  writeError("\nERROR: ");
+  writeError(text);
+  writeError("\n");
 }
 
 void tellSystemError(std::string_view text) {
