@@ -27,16 +27,17 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
   return CAIRO_STATUS_SUCCESS;
 }
 
-double insetOf(double dots) {
-  return dots <= 1 ? kLineInset : kInset;
+// Half of a fine row is what the height of a page is rounded by.
+double insetOf(double dots, int dpi) {
+  return dots <= 1 || dpi > 180 ? kLineInset : kInset;
 }
 
-void fill(cairo_t* context, const DotBox& box) {
+void fill(cairo_t* context, const DotBox& box, int dpi) {
   constexpr double kFull = 255;
   cairo_set_source_rgb(context, box.colour.red / kFull, box.colour.green / kFull,
                        box.colour.blue / kFull);
-  const double x = insetOf(box.width);
-  const double y = insetOf(box.height);
+  const double x = insetOf(box.width, dpi);
+  const double y = insetOf(box.height, dpi);
   cairo_rectangle(context, box.left + x, box.top + y, box.width - 2 * x, box.height - 2 * y);
   cairo_fill(context);
 }
@@ -45,7 +46,7 @@ void draw(cairo_surface_t* surface, const DotDrawing& drawing) {
   const Context context(cairo_create(surface));
   const double pointsPerDot = 72.0 / drawing.dpi;
   cairo_scale(context.get(), pointsPerDot, pointsPerDot);
-  for (const DotBox& box : drawing.boxes) fill(context.get(), box);
+  for (const DotBox& box : drawing.boxes) fill(context.get(), box, drawing.dpi);
   cairo_show_page(context.get());
 }
 

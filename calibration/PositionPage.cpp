@@ -52,16 +52,26 @@ void addScale(PageWriter& writer, const Scale& scale) {
 }
 
 void addText(PageWriter& writer) {
-  for (const char* text :
-       {"1  Lay a ruler on the paper, its 0 on", "   the left edge, across. Which line of",
-        "   the scale is at its 30 mm?", "   At 0 nothing is to be set. Right of 0",
-        "   set, with the number,", "      HorizontalOffset=Right",
-        "      HorizontalOffsetValue=number", "   Left of 0 the same with Left.", "",
-        "2  Its 0 on the top edge, along: which", "   line is at 30 mm? Below 0 set",
-        "      VerticalOffset=Down", "      VerticalOffsetValue=number",
-        "   Above 0 the same with Up.", "",
-        "Half a line is 0.5 mm. To set them:", "lpadmin -p QUEUE -o HorizontalOffset=Left",
-        "   -o HorizontalOffsetValue=2.5", "Printed with them this page reads 0."}) {
+  for (const char* text : {"1  Lay a ruler on the paper, its 0 on",
+                           "   the left edge, across. Which line of",
+                           "   the scale is at its 30 mm?",
+                           "   At 0 nothing is to be set. Right of",
+                           "   0 set, with the number,",
+                           "      HorizontalOffset=Right",
+                           "      HorizontalOffsetValue=number",
+                           "   Left of 0 the same with Left.",
+                           "",
+                           "2  Its 0 on the top edge, along: which",
+                           "   line is at 30 mm? Below 0 set",
+                           "      VerticalOffset=Down",
+                           "      VerticalOffsetValue=number",
+                           "   Above 0 the same with Up.",
+                           "",
+                           "Short lines are 0.5 mm. To set them:",
+                           "lpadmin -p QUEUE",
+                           "   -o HorizontalOffset=Left",
+                           "   -o HorizontalOffsetValue=2.5",
+                           "Printed with them this page reads 0."}) {
     writer.line(text);
   }
 }

@@ -22,6 +22,9 @@ constexpr int kSeries = kPatchesBelow + kShades * kPatchHeight + 20;
 constexpr int kBlackTop = 220;
 constexpr int kRedTop = kBlackTop + 3 * kSeries + kLine;
 
+// A setting between two choices: the PPDs have one such, without a number.
+constexpr const char* kNoNumber = "def.";
+
 enum class Part : uint8_t { Brightness, Contrast, Levels };
 
 // An option, and the values of it to show: choices of the PPDs, as they read.
@@ -68,8 +71,7 @@ struct Value {
   int setting;
 };
 
-// The value of now is one of those shown: it takes the place of the nearest. Between two
-// choices of the middle tones lies the one that the PPDs call the printer's default.
+// The value of now is one of those shown: it takes the place of the nearest.
 std::vector<Value> valuesOf(const Series& series, int now) {
   std::vector<Value> values;
   for (const int value : series.values) {
@@ -80,7 +82,7 @@ std::vector<Value> valuesOf(const Series& series, int now) {
   if (nearest->setting == now) return values;
   const int code = series.part == Part::Levels ? now / 3 : (now + 200) / 2;
   const bool isChoice = settingOf(series.part, code) == now;
-  *nearest = {isChoice ? std::to_string(code) : "def.", now};
+  *nearest = {isChoice ? std::to_string(code) : kNoNumber, now};
   return values;
 }
 
@@ -118,7 +120,9 @@ int topOf(size_t series) {
 }
 
 void addSeries(PageWriter& writer, int top, const std::vector<TonePatch>& patches) {
-  writer.text(patches.front().option, kLeft, top);
+  const bool named =
+      std::ranges::any_of(patches, [](const TonePatch& patch) { return patch.value == kNoNumber; });
+  writer.text(patches.front().option + (named ? "   def.: PrinterDefault" : ""), kLeft, top);
   for (const TonePatch& patch : patches) {
     if (patch.shade != 0) continue;
     const int middle = static_cast<int>(patch.box.left) + kPatchWidth / 2;
@@ -131,9 +135,11 @@ void addSeries(PageWriter& writer, int top, const std::vector<TonePatch>& patche
   }
 }
 
-// Cells of two dots, so that they are whole dots at 90, 180 and 360 dpi.
+// Cells of two dots, so that they are whole dots at 90, 180 and 360 dpi; and so far from
+// the edges of these that they are no more where the page does not lie on whole dots.
 void addPatch(DotDrawing& page, const TonePatch& patch) {
   constexpr int kCell = 2;
+  constexpr double kClear = 0.24;
   constexpr std::array<std::array<int, 2>, 3> kCells{{{0, 0}, {1, 1}, {0, 1}}};
   if (patch.quarters > static_cast<int>(kCells.size())) page.boxes.push_back(patch.box);
   if (patch.quarters > static_cast<int>(kCells.size())) return;
@@ -141,9 +147,9 @@ void addPatch(DotDrawing& page, const TonePatch& patch) {
     for (int left = 0; left < kPatchWidth; left += 2 * kCell) {
       for (int i = 0; i < patch.quarters; ++i) {
         const auto& cell = kCells[static_cast<size_t>(i)];
-        page.boxes.push_back({patch.box.left + left + cell[0] * kCell,
-                              patch.box.top + top + cell[1] * kCell, kCell, kCell,
-                              patch.box.colour});
+        page.boxes.push_back({patch.box.left + left + cell[0] * kCell + kClear,
+                              patch.box.top + top + cell[1] * kCell + kClear, kCell - 2 * kClear,
+                              kCell - 2 * kClear, patch.box.colour});
       }
     }
   }
@@ -177,10 +183,10 @@ Drawn tonesPage(const PageSettings& settings) {
   PageWriter writer(page);
   writer.title("Which tones?");
   addPrintLines(writer, settings, "-o Resolution=180dpi");
-  writer.line("Choose in each row the column whose four");
+  writer.line("Choose in a row the column whose four");
   writer.line("fields can be told apart best, and set");
   writer.line("option=number. Underlined: what is set");
-  writer.line("now. One row at a time, then print again.");
+  writer.line("now. One option, then make a new page.");
   constexpr size_t kPatchesOfSeries = size_t{kValues} * kShades;
   for (size_t i = 0; i < kAll.size(); ++i) {
     writer.write(kAll[i].ink == Ink::Red ? kRed : kBlack);
