@@ -103,8 +103,7 @@ bool isRed(const ColourRow* row, size_t column) {
   return row != nullptr && column < row->patches.size() && row->patches[column].ink == Ink::Red;
 }
 
-// A line wherever red ends: at the left of each patch and of the place behind the last, and
-// above each patch of a row and below those of the last.
+// A line wherever red ends: at the left of each patch and of the place behind the last.
 void addLinesBeside(PageWriter& writer, const ColourRow& row) {
   const int pitch = pitchOf(row);
   const auto high = static_cast<int>(row.patches.front().box.height) + kGap + kThin;
@@ -116,16 +115,24 @@ void addLinesBeside(PageWriter& writer, const ColourRow& row) {
   }
 }
 
-void addLinesBetween(PageWriter& writer, const ColourRow* above, const ColourRow* below) {
-  const ColourRow& row = below != nullptr ? *below : *above;
+void addLinesAcross(PageWriter& writer, const ColourRow& row, int below, const ColourRow* upper,
+                    const ColourRow* lower) {
   const int pitch = pitchOf(row);
-  const auto high = static_cast<int>(row.patches.front().box.height);
-  const int top = (below != nullptr ? row.top : row.top + high + kGap) - (kGap + kThin) / 2;
   for (size_t column = 0; column < row.patches.size(); ++column) {
-    if (isRed(above, column) == isRed(below, column)) continue;
+    if (isRed(upper, column) == isRed(lower, column)) continue;
     const int left = kLeft + static_cast<int>(column) * pitch - (kGap + kThin) / 2;
-    writer.box(left, top, pitch + kThin, kThin);
+    writer.box(left, below - (kGap + kThin) / 2, pitch + kThin, kThin);
   }
+}
+
+// Above the patches of a row, which has `above` over it, or below those of the last.
+void addLinesAbove(PageWriter& writer, const ColourRow* above, const ColourRow& row) {
+  addLinesAcross(writer, row, row.top, above, &row);
+}
+
+void addLinesBelow(PageWriter& writer, const ColourRow& row) {
+  const auto high = static_cast<int>(row.patches.front().box.height);
+  addLinesAcross(writer, row, row.top + high + kGap, &row, nullptr);
 }
 
 void addPatches(DotDrawing& page, const ColourRow& row) {
@@ -142,8 +149,8 @@ void addBound(DotDrawing& page, PageWriter& writer, const ColourRow& row) {
   }
   addPatches(page, row);
   addLinesBeside(writer, row);
-  addLinesBetween(writer, nullptr, &row);
-  addLinesBetween(writer, &row, nullptr);
+  addLinesAbove(writer, nullptr, row);
+  addLinesBelow(writer, row);
 }
 
 void addChart(DotDrawing& page, PageWriter& writer, const std::vector<ColourRow>& rows) {
@@ -159,10 +166,10 @@ void addChart(DotDrawing& page, PageWriter& writer, const std::vector<ColourRow>
   for (const ColourRow& row : rows) {
     addPatches(page, row);
     addLinesBeside(writer, row);
-    addLinesBetween(writer, above, &row);
+    addLinesAbove(writer, above, row);
     above = &row;
   }
-  addLinesBetween(writer, above, nullptr);
+  addLinesBelow(writer, rows.back());
 }
 
 std::string rangeText(const char* part, int low, int high) {

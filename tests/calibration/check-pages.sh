@@ -81,7 +81,7 @@ check_position() {
 
 # What a patch promises is what its value prints, on the original stream too.
 check_tones() {
-  local placement=DotPlacement=Exact option
+  local placement=DotPlacement=Exact
   on_place tones standard "$placement"
   cp stream.prn before.prn
   print_page tones standard "PageSize=80x200mm $placement BrightnessBlack=125 LevelsRed=30" after.prn
