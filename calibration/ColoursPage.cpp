@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 
 #include "PageTones.h"
 
@@ -185,6 +186,17 @@ void addExplanation(PageWriter& writer, const tagOEMCFG& options) {
   writer.line("A frame holds what then prints red.");
 }
 
+void addAdvice(PageWriter& writer, const tagOEMCFG& options) {
+  const std::string ink = options.ColorRangeUseFor == 1 ? "black" : "red";
+  for (const std::string& text : std::initializer_list<std::string>{
+           "Light colours at the top, dark ones at", "the bottom. On a screen all are seen.", "",
+           "Set RedMinValue to the number of the", "first patch of its row that should be",
+           ink + ", GreenMaxValue and BlueMaxValue to", "the last. Then make this page again:",
+           "velkaview --calibration colours", "  --ppd FILE --options RedMinValue=120"}) {
+    writer.line(text);
+  }
+}
+
 }  // namespace
 
 int pitchOf(const ColourRow& row) {
@@ -213,13 +225,7 @@ Drawn coloursPage(const PageSettings& settings) {
   for (size_t i = 0; i < kBounds.size(); ++i) addBound(page, writer, rows[i]);
   addChart(page, writer, {rows.begin() + kBounds.size(), rows.end()});
   writer.goTo(kChartTop + kRows * (kChartHeight + kGap) + 8);
-  for (const char* text :
-       {"Light colours at the top, dark ones at", "the bottom. On a screen all are seen.", "",
-        "Set RedMinValue to the number of the", "first patch of its row that should be",
-        "red, GreenMaxValue and BlueMaxValue to", "the last. Then make this page again:",
-        "velkaview --calibration colours", "  --ppd FILE --options RedMinValue=120"}) {
-    writer.line(text);
-  }
+  addAdvice(writer, settings.options);
   return fitting(std::move(page), settings);
 }
 

@@ -133,6 +133,18 @@ TEST(ColoursPage, FramesTheRedPatchesAndNoOthers) {
   }
 }
 
+TEST(ColoursPage, WithARangeForBlackFramesWhatIsOutsideIt) {
+  tagOEMCFG options = optionsOf(ranges()[0]);
+  options.ColorRangeUseFor = 1;
+  const ColourRow row = colourRows(options)[0];
+  EXPECT_EQ(redNumbers(row), (std::pair<std::string, std::string>("90", "120")));
+  PageSettings settings;
+  settings.options = options;
+  const Drawn drawn = coloursPage(settings);
+  const DotBox& box = row.patches.front().box;
+  EXPECT_TRUE(hasLineAt(std::get<DotDrawing>(drawn), box.left - 3, box.top + 5));
+}
+
 TEST(ColoursPage, FramesRedsAboveAndBelowToo) {
   const Range range{{150, 0, 0}, {255, 100, 50}};
   const DotDrawing page = pageOf(range);

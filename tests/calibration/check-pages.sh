@@ -51,6 +51,20 @@ make_pages() {
   done
 }
 
+# refuses WANTED OPTIONS: a page that would tell nothing.
+refuses() {
+  local said status=0
+  said=$("$velkaview" --calibration tones --ppd "$ppds/velka-orlo.ppd" --options "$2" \
+    -o refused.pdf 2>&1) || status=$?
+  [[ $status == 2 && $said == *"$1"* && ! -e refused.pdf ]] || fail "$2: $status, $said"
+}
+
+check_refusals() {
+  refuses '57x200mm is too small for this page' PageSize=57x200mm
+  refuses 'one of the inks does not print' OutputColorType=Black
+  refuses 'did you mean RedMinValue?' RedMinValu=90
+}
+
 check_registration() {
   on_place registration standard 'Resolution=360dpi DotPlacement=Exact'
   says 'all numbers are right' registration standard stream.prn
@@ -109,6 +123,7 @@ check_colours() {
 }
 
 make_pages
+check_refusals
 check_registration
 check_position
 check_tones
