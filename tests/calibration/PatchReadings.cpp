@@ -35,6 +35,7 @@ void compareTones(const std::string& option, const std::string& value,
   constexpr double kDark = 0.9;
   constexpr double kAlikeInTheDark = 0.07;
   const std::vector<TonePatch> patches = tonePatches(defaultOemdev[0]);
+  const std::string named = option + "=" + value;
   int changed = 0;
   int compared = 0;
   for (const TonePatch& patch : patches) {
@@ -48,11 +49,11 @@ void compareTones(const std::string& option, const std::string& value,
     std::printf("%s shade %d: %.3f promised, %.3f kept\n", option.c_str(), patch.shade, promised,
                 kept);
     if (std::abs(promised - kept) > (promised < kDark ? kAlike : kAlikeInTheDark))
-      complain(option + "=" + value + " is another tone");
+      complain(named + " is another tone");
     if (std::abs(kept - coverage(before, now->box, red)) > kAlike) ++changed;
     ++compared;
   }
-  if (compared != 4 || changed < 2) complain(option + "=" + value + " changes nothing");
+  if (compared != 4 || changed < 2) complain(named + " changes nothing");
 }
 
 namespace {

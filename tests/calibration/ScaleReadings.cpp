@@ -39,7 +39,7 @@ Field fieldOf(const DotBox& first, const DotBox& last, bool down, int64_t around
 
 // The number at which lines of both sides meet.
 std::string readVernier(const std::vector<Dot>& dots, const Vernier& vernier) {
-  const int64_t around = vernier.steps * vernier.step * kFine + kFine;
+  const int64_t around = int64_t{vernier.steps} * vernier.step * kFine + kFine;
   const auto lines = [&](auto line, bool red) {
     return linesIn(
         dots, red,
