@@ -6,8 +6,8 @@
 #include <cstring>
 #include <utility>
 
-#include "Calibration.h"
 #include "OptionTable.h"
+#include "Pages.h"
 #include "SheetValues.h"
 
 namespace velka::view {
@@ -91,7 +91,9 @@ Fault takeSheet(const char* text, Arguments& arguments) {
 }
 
 Fault takeCalibration(const std::string& name, Arguments& arguments) {
-  if (!isCalibration(name)) return invalid("calibration", name, calibrationNames());
+  if (calibration::pageNamed(name) == nullptr) {
+    return invalid("calibration", name, calibration::pageNames());
+  }
   arguments.calibration = name;
   return setAction(arguments, Action::Calibration);
 }

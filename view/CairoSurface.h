@@ -1,20 +1,13 @@
-// Pictures as the drawing library sees them, and its objects with an owner.
+// Pictures as the drawing library sees them.
 #pragma once
 
-#include <cairo.h>
-
-#include <memory>
-
+#include "CairoObjects.h"
 #include "Picture.h"
 
 namespace velka::view {
 
-struct CairoFree {
-  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-  void operator()(cairo_t* context) const { cairo_destroy(context); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, CairoFree>;
-using Context = std::unique_ptr<cairo_t, CairoFree>;
+using calibration::Context;
+using calibration::Surface;
 
 /// The picture's own pixels; it must outlive the surface.
 inline Surface surfaceOf(Picture& picture) {

@@ -1,50 +1,46 @@
-#include "Calibration.h"
-
-#include <algorithm>
-#include <array>
-
 #include "Files.h"
-#include "PlacementPage.h"
+#include "MarkedOptions.h"
+#include "Pages.h"
+#include "Ppd.h"
 #include "Report.h"
 #include "Views.h"
 
 namespace velka::view {
 namespace {
 
-struct Calibration {
-  const char* name;
-  DotDrawing (*page)();
-};
+using calibration::PageSettings;
 
-constexpr std::array<Calibration, 1> kCalibrations{{{"placement", placementPage}}};
+// Without a PPD the standard model's own options and a roll of 80 mm.
+Problem readSettings(const Arguments& arguments, PageSettings& settings) {
+  if (arguments.ppd.empty()) return std::nullopt;
+  Problem problem;
+  const PpdFile ppd = openPpd(arguments.ppd, problem);
+  if (!ppd) return problem;
+  velka::markOptions(ppd.get(), arguments.options.c_str());
+  settings = calibration::settingsOf(ppd.get());
+  return std::nullopt;
+}
 
-const Calibration* find(const std::string& name) {
-  const auto* found = std::ranges::find(kCalibrations, name, &Calibration::name);
-  return found == kCalibrations.end() ? nullptr : found;
+Problem writePage(const calibration::DotDrawing& page, const std::string& name) {
+  const auto pdf = pdfOf(page);
+  if (const auto* why = std::get_if<std::string>(&pdf)) return *why;
+  return writeFile(name, std::get<std::vector<uint8_t>>(pdf));
 }
 
 }  // namespace
 
-bool isCalibration(const std::string& name) {
-  return find(name) != nullptr;
-}
-
-std::string calibrationNames() {
-  std::string names;
-  for (const Calibration& calibration : kCalibrations) {
-    names += (names.empty() ? "" : ", ") + std::string(calibration.name);
-  }
-  return names;
-}
-
 int writeCalibration(const Arguments& arguments) {
-  const Calibration* calibration = find(arguments.calibration);
-  if (calibration == nullptr) return fail("no page of that name", kWrongUse);
-  const auto pdf = pdfOf(calibration->page());
-  if (const auto* why = std::get_if<std::string>(&pdf)) return fail(*why);
+  const calibration::Page* page = calibration::pageNamed(arguments.calibration);
+  if (page == nullptr) return fail("no page of that name", kWrongUse);
+  PageSettings settings;
+  if (auto problem = readSettings(arguments, settings)) return fail(*problem);
+  const calibration::Drawn drawn = page->draw(settings);
+  if (const auto* why = std::get_if<std::string>(&drawn)) return fail(*why, kWrongUse);
   const std::string name =
       arguments.output.empty() ? arguments.calibration + ".pdf" : arguments.output;
-  if (auto problem = writeFile(name, std::get<std::vector<uint8_t>>(pdf))) return fail(*problem);
+  if (auto problem = writePage(std::get<calibration::DotDrawing>(drawn), name)) {
+    return fail(*problem);
+  }
   return kDone;
 }
 

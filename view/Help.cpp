@@ -6,7 +6,7 @@ std::string helpText() {
   return R"(Usage: velkaview [OPTION]... FILE
   or:  velkaview --list|--stats [OPTION]... FILE
   or:  velkaview --diff [--tone] [OPTION]... FILE FILE
-  or:  velkaview --calibration placement [--output FILE.pdf]
+  or:  velkaview --calibration NAME [--ppd FILE.ppd [--options TEXT]] [--output FILE.pdf]
   or:  velkaview --from FILE --ppd FILE.ppd [--options TEXT] [OPTION]...
 Draws the paper that a command stream prints. FILE - is standard input.
 
@@ -23,7 +23,11 @@ What to do
       --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet;
                          also NAME=FROM..TO/STEP; twice for a grid
       --calibration NAME write a page to print that tells what the printer does, a PDF;
-                         placement: whether it wants the option DotPlacement
+                         placement: whether it wants the option DotPlacement;
+                         registration: how red and the second pass of 360 dpi lie;
+                         position: which offsets put the page in its place;
+                         tones: brightness, contrast and middle tones side by side;
+                         colours: which colours print red
       --progress         tell how far it is, also where no terminal is
 
 The printer

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "NearestName.h"
+#include "Pages.h"
 
 namespace velka::view {
 namespace {
@@ -74,9 +75,17 @@ std::string nameOf(Action action) {
   return kNames.at(static_cast<size_t>(action));
 }
 
+// Some of our own pages are made for a printer's paper and options.
+bool isForPrinter(const Arguments& arguments) {
+  const calibration::Page* page = calibration::pageNamed(arguments.calibration);
+  return arguments.action == Action::Calibration && page != nullptr && page->hasSettings;
+}
+
 // A document's pages are chosen before they are printed, whatever is shown then.
 bool isUsed(const Use& use, const Arguments& arguments) {
   if (use.code == kPage && !arguments.from.empty()) return true;
+  const bool isPrinter = use.code == kPpd || use.code == kAnyPpd || use.code == kOptions;
+  if (isPrinter && isForPrinter(arguments)) return true;
   return (use.actions & bit(arguments.action)) != 0;
 }
 

@@ -113,6 +113,12 @@ TEST(Arguments, ACalibrationPageNeedsNothingElse) {
   EXPECT_EQ(arguments.action, Action::Calibration);
   EXPECT_EQ(arguments.calibration, "placement");
   EXPECT_EQ(accepted({"--calibration=placement", "--format=pdf", "-o", "page"}).output, "page");
+  for (const char* name : {"registration", "position", "tones", "colours"}) {
+    const Arguments made =
+        accepted({"--calibration", name, "--ppd", "p", "--any-ppd", "--options", "PageSize=A4"});
+    EXPECT_EQ(made.calibration, name);
+    EXPECT_EQ(made.options, "PageSize=A4");
+  }
 }
 
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsThere) {
@@ -163,11 +169,15 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--list", "--stats", "a"},
        "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
       {{"--calibration", "nothing"},
-       "invalid value 'nothing' for --calibration: it takes placement"},
+       "invalid value 'nothing' for --calibration: it takes placement, registration, position, "
+       "tones, colours"},
       {{"--calibration", "placement", "a"}, "unexpected argument 'a'"},
       {{"--calibration", "placement", "--from", "a"},
        "--calibration writes a page of its own, without --from"},
       {{"--calibration", "placement", "--ppd", "p"}, "--ppd does nothing with --calibration"},
+      {{"--calibration", "colours", "--model", "standard"},
+       "--model does nothing with --calibration"},
+      {{"--calibration", "colours", "--options", "RedMinValue=90"}, "--options needs --ppd"},
       {{"--calibration", "placement", "--page", "1"}, "--page does nothing with --calibration"},
       {{"--calibration", "placement", "--save", "a"}, "--save needs --from"},
       {{"--calibration", "placement", "-o", "x.png"}, "--calibration writes a PDF"},

@@ -7,7 +7,7 @@
 #include "DotFont.h"
 #include "PlacementPage.h"
 
-namespace velka::view {
+namespace velka::calibration {
 namespace {
 
 std::vector<uint8_t> bytesOf(const DotDrawing& drawing) {
@@ -42,8 +42,9 @@ TEST(PlacementPage, UsesNoCharacterThatItsLettersLack) {
 
 TEST(PlacementPage, HoldsBothInksAndIsTheSameFileEachTime) {
   const DotDrawing page = placementPage();
-  for (const auto ink : {decode::Ink::Black, decode::Ink::Red}) {
-    EXPECT_TRUE(std::ranges::any_of(page.boxes, [&](const DotBox& box) { return box.ink == ink; }));
+  for (const Colour colour : {kBlack, kRed}) {
+    EXPECT_TRUE(
+        std::ranges::any_of(page.boxes, [&](const DotBox& box) { return box.colour == colour; }));
   }
   const std::vector<uint8_t> bytes = bytesOf(page);
   const std::string text(bytes.begin(), bytes.end());
@@ -70,4 +71,4 @@ TEST(DotDrawing, StrokesOfALetterCoverItsCellsAndNoOther) {
 }
 
 }  // namespace
-}  // namespace velka::view
+}  // namespace velka::calibration

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-namespace velka::view {
+namespace velka::calibration {
 
 inline constexpr int kGlyphColumns = 5;
 inline constexpr int kGlyphRows = 9;  ///< seven above the line that letters stand on
@@ -15,4 +15,4 @@ using Glyph = std::array<uint8_t, kGlyphRows>;
 /// Of those characters that the pages of ours use; null for any other.
 [[nodiscard]] const Glyph* glyphOf(char character);
 
-}  // namespace velka::view
+}  // namespace velka::calibration

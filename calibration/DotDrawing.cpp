@@ -4,13 +4,11 @@
 
 #include <new>
 
-#include "CairoSurface.h"
+#include "CairoObjects.h"
 #include "DotFont.h"
 
-namespace velka::view {
+namespace velka::calibration {
 namespace {
-
-constexpr double kPointsPerDot = 72.0 / 180;
 
 // Rasterisers fill each dot that a box touches, and round the height of the page; so each
 // box stays inside its dots. A single dot's line is still one where dots lie elsewhere.
@@ -29,22 +27,26 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
   return CAIRO_STATUS_SUCCESS;
 }
 
-double insetOf(double dots) {
-  return dots <= 1 ? kLineInset : kInset;
+// Half of a fine row is what the height of a page is rounded by.
+double insetOf(double dots, int dpi) {
+  return dots <= 1 || dpi > 180 ? kLineInset : kInset;
 }
 
-void fill(cairo_t* context, const DotBox& box) {
-  cairo_set_source_rgb(context, box.ink == decode::Ink::Red ? 1 : 0, 0, 0);
-  const double x = insetOf(box.width);
-  const double y = insetOf(box.height);
+void fill(cairo_t* context, const DotBox& box, int dpi) {
+  constexpr double kFull = 255;
+  cairo_set_source_rgb(context, box.colour.red / kFull, box.colour.green / kFull,
+                       box.colour.blue / kFull);
+  const double x = insetOf(box.width, dpi);
+  const double y = insetOf(box.height, dpi);
   cairo_rectangle(context, box.left + x, box.top + y, box.width - 2 * x, box.height - 2 * y);
   cairo_fill(context);
 }
 
 void draw(cairo_surface_t* surface, const DotDrawing& drawing) {
   const Context context(cairo_create(surface));
-  cairo_scale(context.get(), kPointsPerDot, kPointsPerDot);
-  for (const DotBox& box : drawing.boxes) fill(context.get(), box);
+  const double pointsPerDot = 72.0 / drawing.dpi;
+  cairo_scale(context.get(), pointsPerDot, pointsPerDot);
+  for (const DotBox& box : drawing.boxes) fill(context.get(), box, drawing.dpi);
   cairo_show_page(context.get());
 }
 
@@ -81,7 +83,7 @@ int letterPitch(int cell) {
   return (kGlyphColumns + 1) * cell;
 }
 
-void DotDrawing::addText(std::string_view text, int left, int top, int cell) {
+void DotDrawing::addText(std::string_view text, int left, int top, int cell, Colour colour) {
   for (const char character : text) {
     std::vector<DotBox> strokes;
     if (const Glyph* glyph = glyphOf(character)) {
@@ -90,8 +92,8 @@ void DotDrawing::addText(std::string_view text, int left, int top, int cell) {
       strokes.push_back(boxOf(0, 0, kGlyphColumns, kGlyphRows));
     }
     for (const DotBox& box : strokes) {
-      boxes.push_back(
-          {left + box.left * cell, top + box.top * cell, box.width * cell, box.height * cell});
+      boxes.push_back({left + box.left * cell, top + box.top * cell, box.width * cell,
+                       box.height * cell, colour});
     }
     left += letterPitch(cell);
   }
@@ -111,4 +113,4 @@ std::variant<std::vector<uint8_t>, std::string> pdfOf(const DotDrawing& drawing)
   return bytes;
 }
 
-}  // namespace velka::view
+}  // namespace velka::calibration

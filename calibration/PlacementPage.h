@@ -3,7 +3,7 @@
 
 #include "DotDrawing.h"
 
-namespace velka::view {
+namespace velka::calibration {
 
 /// A page of the PPDs' paper 80x200mm with three fields, each read as A or B. Printed at
 /// 180 x 180 dpi by the standard model with DotPlacement 0, each reads B on a printer that
@@ -13,4 +13,4 @@ namespace velka::view {
 /// their own first.
 [[nodiscard]] DotDrawing placementPage();
 
-}  // namespace velka::view
+}  // namespace velka::calibration
