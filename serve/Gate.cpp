@@ -53,7 +53,7 @@ std::optional<Response> Gate::refuse(const Request& request, std::string& rest) 
 const Pairs& safeHeaders() {
   static const Pairs headers = {
       {"Content-Security-Policy",
-       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
+       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
        "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
       {"Cross-Origin-Opener-Policy", "same-origin"},
       {"Cross-Origin-Resource-Policy", "same-origin"},

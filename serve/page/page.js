@@ -1,27 +1,20 @@
-// What the page does: it keeps the settings, asks for pictures and tells what is found.
+// What the page does: it keeps the settings, asks for pictures and has told what is found.
 import { Controls } from "./controls.js";
 import { Paper } from "./paper.js";
-import { showPlace, showSwatches, showTurned } from "./colours.js";
+import { Findings } from "./findings.js";
+import { ask, byId, MM, say, state, tab } from "./state.js";
 
-const byId = (id) => document.getElementById(id);
-const MM = 25.4;
 const LEAST_DPI = 10;
 const MOST_DPI = 1440;
 const STARVED = 200;  // milliseconds without a new picture while a slider moves
-const tab = [...crypto.getRandomValues(new Uint8Array(8))].map((b) => b.toString(16).padStart(2, "0")).join("");
 
 let printer;        // the options, from the server
-let settings = {};  // those that are not as usual
-let page = 1;
-let turn = 0;       // counts settings and pages
 let look = { x: 0, y: 0, dpi: 60 };
 let fitted = true;
 let size = { width: 210, height: 297 };  // of the paper, millimetres
 let past = [];
 let future = [];
-let moving = false;
-let turned = new Set();
-let picked = null;
+let changing = null;  // the option that the last step back is about
 let underWay = 0;
 let paintedAt = 0;
 let waiting = false;
@@ -29,36 +22,14 @@ let controls;
 
 const print = new Paper(byId("print"), (query, signal) => ask("paper", query, signal), (how) => move(how, false));
 const original = new Paper(byId("original"), (query, signal) => ask("original", query, signal), (how) => move(how, true));
-
-function queryOf(more) {
-  const query = new URLSearchParams();
-  for (const [keyword, name] of Object.entries(settings)) query.set(`o.${keyword}`, name);
-  query.set("page", page);
-  for (const [key, value] of Object.entries(more)) query.set(key, value);
-  return query;
-}
-
-// An answer, or null where it is outdated or there is none.
-async function ask(what, query, signal) {
-  try {
-    const answer = await fetch(`${what}?${queryOf(query)}`, { signal });
-    if (answer.ok) return answer;
-    if (answer.status !== 409) say((await answer.text()).trim());
-  } catch (error) {
-    if (error.name !== "AbortError") say("velkaview does not answer any more: it has ended.");
-  }
-  return null;
-}
-
-function say(text) {
-  byId("message").textContent = text;
-  byId("message").hidden = !text;
-}
+const findings = new Findings({
+  grant, unmark, set: (keyword, name) => change(keyword, name, false), nameOf: (keyword) => controls.textOf(keyword),
+});
 
 // Pictures
 
 async function showPrint() {
-  const mine = turn;
+  const mine = state.turn;
   const asked = performance.now();
   waiting = false;
   underWay += 1;
@@ -75,7 +46,7 @@ function painted(mine, milliseconds) {
   paintedAt = performance.now();
   document.body.dataset.turn = mine;
   document.body.dataset.milliseconds = milliseconds.toFixed(1);
-  if (!fitTo(print.piece)) tellSoon();
+  if (!fitTo(print.piece)) findings.soon();
 }
 
 // Another size of paper than was thought.
@@ -115,47 +86,50 @@ function printSoon(held) {
 const ofRaster = (one) => JSON.stringify(["PageSize", "Resolution", "PdfPreprocess"].map((key) => one[key] ?? ""));
 
 function use(next, held = false) {
-  const sameRaster = ofRaster(next) === ofRaster(settings);
-  settings = next;
-  turn += 1;
+  const sameRaster = ofRaster(next) === ofRaster(state.settings);
+  state.settings = next;
+  state.turn += 1;
   say("");
-  controls.show(settings);
+  controls.show(state.settings);
   history.replaceState(null, "", `#${fragment()}`);
   byId("undo").disabled = past.length === 0;
   byId("redo").disabled = future.length === 0;
   printSoon(held);
   if (!sameRaster) void showOriginal();
-  void tellLines();
+  void findings.lines();
 }
 
+// Presses of keys on one control are one step, and so is the drag of a slider.
 function remember() {
-  past.push(settings);
+  changing = null;
+  past.push(state.settings);
   if (past.length > 200) past.shift();
   future = [];
 }
 
 function change(keyword, name, held) {
-  const next = { ...settings, [keyword]: name };
+  const next = { ...state.settings, [keyword]: name };
   if (controls.rows.get(keyword).usual === name) delete next[keyword];
-  const same = (settings[keyword] ?? controls.rows.get(keyword).usual) === name;
-  if (!moving && !same) remember();
-  moving = held;
-  turned = new Set();
+  const same = (state.settings[keyword] ?? controls.rows.get(keyword).usual) === name;
+  if (!same && changing !== keyword) remember();
+  changing = keyword;
+  state.turned = new Set();
   if (!same) use(next, held);
   else if (!held) printSoon(false);
 }
 
 function step(from, to) {
   if (from.length === 0) return;
-  to.push(settings);
-  turned = new Set();
+  to.push(state.settings);
+  changing = null;
+  state.turned = new Set();
   use(from.pop());
 }
 
 function fragment() {
   const parts = new URLSearchParams();
-  if (page !== 1) parts.set("page", page);
-  for (const [keyword, name] of Object.entries(settings)) parts.set(keyword, name);
+  if (state.page !== 1) parts.set("page", state.page);
+  for (const [keyword, name] of Object.entries(state.settings)) parts.set(keyword, name);
   return parts.toString();
 }
 
@@ -173,100 +147,24 @@ function pageOfFragment() {
   return Math.max(1, Number(new URLSearchParams(location.hash.slice(1)).get("page")) || 1);
 }
 
-// What is told beside the pictures, once they are there.
-
-let telling = 0;
-function tellSoon() {
-  clearTimeout(telling);
-  telling = setTimeout(() => { void tellFacts(); void tellColours(); void tellPlace(); }, 60);
-}
-
-async function answerOf(what, more) {
-  const mine = turn;
-  const answer = await ask(what, more);
-  if (!answer) return null;
-  const found = await answer.json();
-  return mine === turn ? found : null;
-}
-
-const number = (value, digits) => value.toLocaleString("en", { maximumFractionDigits: digits });
-
-async function tellFacts() {
-  const found = await answerOf("facts", { tab, turn });
-  if (!found) return;
-  const rows = [["Paper", `${number(found.width, 0)} x ${number(found.length, 0)} mm`]];
-  if (found.coverage) {
-    rows.unshift(["Black covers", `${(found.coverage[0] * 100).toFixed(2)} %`],
-      ["Red covers", `${(found.coverage[1] * 100).toFixed(2)} %`]);
-  }
-  rows.push(["Prints in about", `${number(found.seconds, found.seconds < 10 ? 1 : 0)} s`],
-    ["Sends", `${number(found.bytes / 1024, 0)} KiB`]);
-  byId("facts").replaceChildren(...rows.flatMap(([name, value]) => {
-    const [dt, dd] = [document.createElement("dt"), document.createElement("dd")];
-    dt.textContent = name;
-    dd.textContent = value;
-    return [dt, dd];
-  }));
-  const flaws = found.blank ? "This page has no ink, so nothing is sent for it." : found.flaws;
-  byId("flaws").textContent = found.blank ? flaws : `On paper: ${flaws}`;
-  byId("flaws").hidden = !flaws;
-  byId("facts").dataset.turn = turn;
-}
-
-async function tellColours() {
-  const found = await answerOf("colours", {});
-  if (!found) return;
-  showSwatches(byId("swatches"), found.colours, turned, (rgb) => { void pickColour(rgb); });
-  byId("swatches").dataset.turn = turn;
-}
-
-async function tellLines() {
-  const found = await answerOf("lines", {});
-  if (!found) return;
-  byId("lp").textContent = found.lp;
-  byId("lpadmin").textContent = found.lpadmin || "(all is as the printer description has it)";
-  byId("save").href = `velka.options?${queryOf({})}`;
-}
-
-// Places and colours that were clicked
-
-const reach = () => Math.min(1, 2.5 * original.fine / look.dpi * MM);
-
-async function tellPlace() {
-  if (!picked) return;
-  const found = await answerOf("place", picked.rgb ? { rgb: picked.rgb.slice(1) } : { ...picked, reach: picked.reach });
-  if (!found) return;
-  showPlace(byId("place"), found, { want, set: (keyword, name) => change(keyword, name, false) },
-    (keyword) => controls.textOf(keyword));
-  if (picked.told) showTurned(byId("place"), picked.told);
-  byId("place").dataset.turn = turn;
-}
-
-async function pickPlace({ x, y }) {
-  if (x < 0 || y < 0 || x > size.width * 2 || y > size.height * 2) return;
-  picked = { x: x.toFixed(3), y: y.toFixed(3), reach: reach().toFixed(3) };
+function pickPlace({ x, y }) {
+  if (x < 0 || y < 0) return;
+  const reach = Math.min(1, 2.5 * original.fine / look.dpi * MM);
   original.marks = [{ x, y }];
   original.paint();
-  await tellPlace();
+  void findings.pick({ x: x.toFixed(3), y: y.toFixed(3), reach: reach.toFixed(3) });
 }
 
-async function pickColour(rgb) {
-  picked = { rgb };
+// Of a colour, which is everywhere.
+function unmark() {
   original.marks = [];
   original.paint();
-  await tellPlace();
 }
 
-async function want(ink, rgb) {
-  const found = await answerOf("wanted", { ink, rgb: rgb.slice(1) });
-  if (!found) return;
-  picked.told = found;
-  if (found.why) {
-    await tellPlace();
-    return;
-  }
+// What a wish came to.
+function grant(found) {
   remember();
-  turned = new Set(found.turned.map((one) => one.rgb));
+  state.turned = new Set(found.turned.map((one) => one.rgb));
   use(found.settings);
 }
 
@@ -294,13 +192,13 @@ function zoomTo(dpi, about) {
 }
 
 function ownDpi() {
-  const name = settings.Resolution ?? controls.rows.get("Resolution")?.usual ?? "180dpi";
+  const name = state.settings.Resolution ?? controls.rows.get("Resolution")?.usual ?? "180dpi";
   return Math.max(...name.match(/\d+/g).map(Number));
 }
 
 function move(how, onOriginal) {
   if (how.click) {
-    if (onOriginal) void pickPlace(how.click);
+    if (onOriginal) pickPlace(how.click);
   } else if (how.zoom) {
     zoomTo(look.dpi * (how.zoom > 0 ? 1.25 : 0.8), how.about);
   } else {
@@ -330,18 +228,18 @@ function onKey(event) {
 }
 
 function turnPage(to) {
-  page = Math.max(1, Math.round(to) || 1);
-  byId("page").value = page;
-  picked = null;
+  state.page = Math.max(1, Math.round(to) || 1);
+  byId("page").value = state.page;
+  state.picked = null;
   original.marks = [];
-  use(settings);
+  use(state.settings);
   void showOriginal();
 }
 
 function listen() {
   byId("undo").addEventListener("click", () => step(past, future));
   byId("redo").addEventListener("click", () => step(future, past));
-  byId("reset").addEventListener("click", () => { remember(); turned = new Set(); use({}); });
+  byId("reset").addEventListener("click", () => { remember(); state.turned = new Set(); use({}); });
   byId("page").addEventListener("change", (event) => turnPage(Number(event.target.value)));
   byId("smaller").addEventListener("click", () => zoomTo(look.dpi * 0.8));
   byId("larger").addEventListener("click", () => zoomTo(look.dpi * 1.25));
@@ -358,12 +256,15 @@ function listen() {
   window.addEventListener("resize", () => { if (fitted) fit(); else redraw(); });
   window.addEventListener("hashchange", () => {
     remember();
-    page = pageOfFragment();
-    byId("page").value = page;
+    state.page = pageOfFragment();
+    byId("page").value = state.page;
     use(settingsOfFragment());
     void showOriginal();
   });
   document.addEventListener("keydown", onKey);
+  for (const end of ["pointerdown", "focusout"]) {
+    byId("controls").addEventListener(end, () => { changing = null; });
+  }
 }
 
 async function start() {
@@ -375,13 +276,13 @@ async function start() {
   byId("title").append(small);
   document.title = `${printer.document} - Velka`;
   controls = new Controls(byId("controls"), printer.groups, change);
-  page = location.hash ? pageOfFragment() : printer.page;
-  byId("page").value = page;
-  settings = location.hash ? settingsOfFragment() : printer.settings;
-  controls.show(settings);
+  state.page = location.hash ? pageOfFragment() : printer.page;
+  byId("page").value = state.page;
+  state.settings = location.hash ? settingsOfFragment() : printer.settings;
+  controls.show(state.settings);
   history.replaceState(null, "", `#${fragment()}`);
   listen();
-  void tellLines();
+  void findings.lines();
   fit();
 }
 

@@ -56,6 +56,7 @@ export class Paper {
     this.piece = { left, top, w, h, width, height, dpi: look.dpi };
     this.paint();
     this.painted += 1;
+    this.canvas.dataset.painted = this.painted;
     return true;
   }
 
@@ -77,6 +78,7 @@ export class Paper {
   paintPiece(context) {
     const { left, top, w, h, width, height } = this.piece;
     const to = this.toScreen(this.look, this.piece);
+    Object.assign(this.canvas.dataset, { left: to.x(0), top: to.y(0), dpi: this.piece.dpi, scale: to.scale });
     context.imageSmoothingEnabled = to.scale < 1;
     context.fillStyle = "#fff";
     context.fillRect(to.x(0), to.y(0), width * to.scale, height * to.scale);
