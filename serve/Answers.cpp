@@ -1,9 +1,8 @@
 #include "Answers.h"
 
-#include <nlohmann/json.hpp>
-
 #include <charconv>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 #include "Head.h"
 #include "PageFiles.h"
@@ -27,8 +26,10 @@ Response told(int status, const std::string& why) {
 
 // Names of files and texts of PPDs may be in any code.
 Response told(const ordered_json& json) {
-  return {kOk, "application/json",
-          json.dump(-1, ' ', false, ordered_json::error_handler_t::replace), {}};
+  return {kOk,
+          "application/json",
+          json.dump(-1, ' ', false, ordered_json::error_handler_t::replace),
+          {}};
 }
 
 Response told(const Failure& failure) {
@@ -85,12 +86,9 @@ Response drawn(view::RowsDrawing drawing, double dpi, const Frame& frame) {
 ordered_json jsonOf(const InkRules& rules, const ColourGroup& group, double all) {
   const auto inks = inksOf(rules, group);
   const auto share = [all](uint64_t pixels) { return static_cast<double>(pixels) / all; };
-  return {{"rgb", textOfColour(group.rgb)},
-          {"ink", nameOf(dotOf(rules, group.rgb).ink)},
-          {"share", share(group.pixels)},
-          {"none", share(inks[0])},
-          {"black", share(inks[1])},
-          {"red", share(inks[2])}};
+  return {{"rgb", textOfColour(group.rgb)}, {"ink", nameOf(dotOf(rules, group.rgb).ink)},
+          {"share", share(group.pixels)},   {"none", share(inks[0])},
+          {"black", share(inks[1])},        {"red", share(inks[2])}};
 }
 
 double pixelsOf(const std::vector<ColourGroup>& groups) {
@@ -176,14 +174,14 @@ Response Answers::lines(const Settings& settings) const {
     usual.emplace_back(subject_.options.find(name) == nullptr ? name + "-default" : name, value);
   const std::string job = view::asArguments(subject_.options.whole(settings), " ");
   return told({{"lp", "lp -d QUEUE" + joined(job) + " " + view::quoted(subject_.fileName)},
-               {"lpadmin", usual.empty()
-                               ? ""
-                               : "lpadmin -p QUEUE" + joined(view::asArguments(usual, " "))}});
+               {"lpadmin",
+                usual.empty() ? "" : "lpadmin -p QUEUE" + joined(view::asArguments(usual, " "))}});
 }
 
 Response Answers::savedSettings(const Settings& settings) const {
   const Settings whole = subject_.options.whole(settings);
-  return {kOk, "text/plain; charset=utf-8",
+  return {kOk,
+          "text/plain; charset=utf-8",
           view::asArguments(whole, "\n") + (whole.empty() ? "" : "\n"),
           {{"Content-Disposition", "attachment; filename=\"velka.options\""}}};
 }
@@ -214,8 +212,8 @@ Response Answers::facts(const Wish& wish) const {
   const auto found = subject_.bench.print(wish);
   if (const auto* failure = std::get_if<Failure>(&found)) return told(*failure);
   const PrintedPage& page = *std::get<Workbench::Page>(found);
-  const decode::StreamStats stats = decode::readStats(page.stream.bytes, page.stream.model,
-                                                      decode::Speeds{}, page.view.width);
+  const decode::StreamStats stats =
+      decode::readStats(page.stream.bytes, page.stream.model, decode::Speeds{}, page.view.width);
   const decode::Paper paper = page.paper();
   ordered_json json = {{"width", static_cast<double>(paper.width) / kUnitsPerMillimetre},
                        {"length", static_cast<double>(paper.length) / kUnitsPerMillimetre},

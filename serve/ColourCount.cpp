@@ -47,9 +47,8 @@ std::vector<ColourGroup> groupColours(std::span<const CountedColour> colours) {
   std::vector<ColourGroup> groups;
   for (const CountedColour& colour : colours.first(std::min(colours.size(), kMostFounders))) {
     if (groups.size() == kMostGroups) break;
-    const bool alike = std::ranges::any_of(groups, [&](const ColourGroup& group) {
-      return distance(group.rgb, colour.rgb) < kAlike;
-    });
+    const bool alike = std::ranges::any_of(
+        groups, [&](const ColourGroup& group) { return distance(group.rgb, colour.rgb) < kAlike; });
     if (!alike) groups.push_back({colour.rgb, 0, {}});
   }
   for (const CountedColour& colour : colours) {

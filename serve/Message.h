@@ -13,8 +13,8 @@ using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 struct Request {
   std::string method;
-  std::string path;  ///< without what stands behind "?"
-  Pairs query;       ///< decoded
+  std::string path;                ///< without what stands behind "?"
+  Pairs query;                     ///< decoded
   std::vector<std::string> hosts;  ///< the values of each header of that name
   std::vector<std::string> origins;
   std::string site;  ///< what the browser says of who asks (Sec-Fetch-Site); empty: nothing

@@ -8,8 +8,8 @@ namespace velka::serve {
 namespace {
 
 constexpr std::string_view kOption = "o.";
-constexpr std::array<std::string_view, 12> kKnown{"page", "tab", "turn", "dpi", "x",   "y",   "w",
-                                                  "h",    "pins", "reach", "ink", "rgb"};
+constexpr std::array<std::string_view, 12> kKnown{"page", "tab", "turn", "dpi",   "x",   "y",
+                                                  "w",    "h",   "pins", "reach", "ink", "rgb"};
 constexpr uint64_t kMostPages = 1'000'000;
 
 template <typename Number>
@@ -75,7 +75,8 @@ std::optional<Look> lookOf(const Request& request) {
     if (!number) return std::nullopt;
     numbers.at(i) = *number;
   }
-  const Look look{dpi.value_or(0), {numbers[0], numbers[1], numbers[2], numbers[3]},
+  const Look look{dpi.value_or(0),
+                  {numbers[0], numbers[1], numbers[2], numbers[3]},
                   request.parameter("pins") == "1"};
   if (!dpi || !isSound(look.frame)) return std::nullopt;
   return look;

@@ -90,7 +90,8 @@ view::Problem readRaster(const std::string& name, uint64_t number, RasterPixels&
     if (page == number) pixels.rgb.assign(row * header.cupsHeight, 0xFF);
     for (unsigned y = 0; y < header.cupsHeight; ++y) {
       if (cupsRasterReadPixels(file.get(), line.data(), wanted) != wanted) break;
-      if (page == number) std::copy_n(line.begin(), row, pixels.rgb.begin() + static_cast<int64_t>(row * y));
+      if (page == number)
+        std::copy_n(line.begin(), row, pixels.rgb.begin() + static_cast<int64_t>(row * y));
     }
     if (page < number) continue;
     pixels.width = header.cupsWidth;

@@ -29,10 +29,10 @@ Rasters::Found Rasters::get(const Settings& settings, uint64_t page,
     return kept_.front().second;
   }
   const bool copy = valueOf(options_, settings, "PdfPreprocess") == "yes";
-  auto raster = std::make_shared<KeptRaster>(
-      view::ChainJob{document_.bytes, document_.name, document_.ppd, text, copy,
-                     view::PageRange{page, page}, true},
-      held_);
+  auto raster =
+      std::make_shared<KeptRaster>(view::ChainJob{document_.bytes, document_.name, document_.ppd,
+                                                  text, copy, view::PageRange{page, page}, true},
+                                   held_);
   if (auto problem = raster->make(unwanted)) return Refusal{*problem};
   kept_.emplace_front(key, raster);
   if (kept_.size() > kMost) kept_.pop_back();

@@ -1,7 +1,6 @@
 #include "Serve.h"
 
 #include <spawn.h>
-
 #include <unistd.h>
 
 #include <array>

@@ -46,8 +46,8 @@ Settings withColourIn(const PrinterOptions& options, Settings settings, uint32_t
     const int value = static_cast<int>((rgb >> bound.shift) & 0xFFU);
     for (const bool least : {true, false}) {
       const char* keyword = least ? bound.least : bound.most;
-      settings = changed(options, settings, keyword,
-                         lettingIn(options, settings, keyword, least, value));
+      settings =
+          changed(options, settings, keyword, lettingIn(options, settings, keyword, least, value));
     }
   }
   return settings;

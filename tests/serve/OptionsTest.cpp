@@ -52,13 +52,15 @@ TEST(PrinterOptions, BeginWithTheCommandLinesAndKeepWhatThePpdDoesNotKnow) {
                                "number-up=2 job-name='a b' LevelsBlack=10");
   EXPECT_EQ(textOf(options.initial()),
             "PageSize=Custom.80x200mm OutputColorType=Black RedMinValue=90 ");
-  EXPECT_EQ(options.jobText({{"RedMinValue", "95"}}), "number-up=2 job-name=a\\ b RedMinValue=95");
+  EXPECT_EQ(options.jobText({{"RedMinValue", "95"}}), "job-name=a\\ b number-up=2 RedMinValue=95");
   EXPECT_EQ(readText(options, {{"PageSize", "Custom.80x200mm"}}), "PageSize=Custom.80x200mm ");
 }
 
 TEST(PrinterOptions, SayWhatTheRasterDependsOn) {
   const PrinterOptions options(kStandard, "");
-  const Settings settings = {{"PageSize", "A5"}, {"Resolution", "360dpi"}, {"RedMinValue", "90"},
+  const Settings settings = {{"PageSize", "A5"},
+                             {"Resolution", "360dpi"},
+                             {"RedMinValue", "90"},
                              {"PdfPreprocess", "yes"}};
   EXPECT_EQ(textOf(options.ofRaster(settings)), "PageSize=A5 Resolution=360dpi PdfPreprocess=yes ");
 }

@@ -12,8 +12,7 @@ namespace {
 view::Rows counted(int32_t width, int32_t height) {
   view::Picture picture{width, height, 180, {}};
   for (int32_t y = 0; y < height; ++y)
-    for (int32_t x = 0; x < width; ++x)
-      picture.pixels.push_back(static_cast<uint32_t>(y << 8 | x));
+    for (int32_t x = 0; x < width; ++x) picture.pixels.push_back(static_cast<uint32_t>(y << 8 | x));
   return view::rowsOf(std::move(picture));
 }
 
@@ -67,7 +66,8 @@ TEST(RasterPixels, AreThePagesOwnAndWhiteWhereRowsAreMissing) {
     const auto& line = second.lines[static_cast<size_t>(y)];
     for (int64_t x = 0; x < 8; ++x) {
       const auto i = static_cast<size_t>(3 * x);
-      EXPECT_EQ(pixels.at(x, y), uint32_t{line[i]} << 16U | uint32_t{line[i + 1]} << 8U | line[i + 2]);
+      EXPECT_EQ(pixels.at(x, y),
+                uint32_t{line[i]} << 16U | uint32_t{line[i + 1]} << 8U | line[i + 2]);
     }
   }
   for (int64_t x = 0; x < 8; ++x) EXPECT_EQ(pixels.at(x, 3), 0xFFFFFFU);
@@ -82,7 +82,8 @@ TEST(RasterPixels, AreSquareOnTheScreen) {
   EXPECT_EQ(rows->size().height, 3);
   std::vector<uint32_t> row(6);
   rows->draw(1, row);
-  EXPECT_EQ(row, (std::vector<uint32_t>{0x060708, 0x060708, 0x060708, 0x090A0B, 0x090A0B, 0x090A0B}));
+  EXPECT_EQ(row,
+            (std::vector<uint32_t>{0x060708, 0x060708, 0x060708, 0x090A0B, 0x090A0B, 0x090A0B}));
 }
 
 }  // namespace
