@@ -89,9 +89,9 @@ std::string content() {
   page += text("Roman", 12, {60, 705}, "Move the bounds of the range until that is so.");
   page += text("Roman", 9, {60, 685}, "Nine points: invoice 4711, payable within 14 days net.");
   page += text("Roman", 7, {60, 671}, "Seven points: general terms and conditions apply.");
-  page += fill(kColours[0]) + text("Roman", 12, {330, 722}, "Total due: 1,284.50");
-  page += text("Roman", 9, {330, 705}, "Nine points in red: final reminder");
-  page += text("Bold", 20, {330, 676}, "URGENT") + fill(kColours[11]);
+  page += fill(kColours[0]) + text("Roman", 12, {375, 722}, "Total due: 1,284.50");
+  page += text("Roman", 9, {375, 705}, "Nine points in red: final reminder");
+  page += text("Bold", 20, {375, 676}, "URGENT") + fill(kColours[11]);
   page += text("Bold", 11, {60, 600}, "Colours");
   page += text("Bold", 11, {60, 408}, "Tints");
   page += colours() + wedges() + lines();

@@ -78,7 +78,7 @@ def check_turns(server):
 
 def check_many(server):
     """Several at once, each with its own settings: each gets what it asks for alone."""
-    paths = [f"paper?{WHOLE}&o.RedMinValue={value}" for value in (0, 100, 200, 255)]
+    paths = [f"paper?{WHOLE}&o.PageSize=57x100mm&o.RedMinValue={value}" for value in (0, 100, 200, 255)]
     alone = [server.ask(path) for path in paths]
     with concurrent.futures.ThreadPoolExecutor(8) as pool:
         together = list(pool.map(server.ask, paths * 3))

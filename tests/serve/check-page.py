@@ -49,7 +49,7 @@ def same_as_program(tab, *arguments):
     """The paper on the screen is velkaview's own picture of it, pixel by pixel."""
     dpi = tab.data("#print", "dpi")
     name = service.picture(PROGRAM, FOLDER, DOCUMENT, PPD, "--dpi", dpi, *arguments)
-    width, height, rows = pictures.read_png(name)
+    width, height, row = pictures.read_png(name)
     ruler = 22
     left, top = (round(float(tab.data("#print", side))) for side in ("left", "top"))
     assert tab.data("#print", "scale") == "1"
@@ -58,7 +58,7 @@ def same_as_program(tab, *arguments):
     wide, high = min(left + width, across) - x, min(top + height, down) - y
     assert wide > 200 and high > 200, f"{wide} x {high} pixels are nothing to compare"
     shown = tab.canvas("#print", x, y, wide, high)
-    meant = [row[3 * (x - left):3 * (x - left + wide)] for row in rows[y - top:y - top + high]]
+    meant = [row(i)[3 * (x - left):3 * (x - left + wide)] for i in range(y - top, y - top + high)]
     wrong = sum(a != b for a, b in zip(shown, meant))
     assert len(shown) == len(meant) and wrong == 0, f"{wrong} of {high} rows differ"
     assert len(set(b"".join(meant))) > 1, "the picture is empty"

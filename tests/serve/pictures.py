@@ -31,6 +31,7 @@ def _colours(row, width, depth, colour, palette):
 
 
 def read_png(name):
+    """Its width, its height, and what gives a row; only rows that are asked for are made."""
     data = open(name, "rb").read()
     assert data[:8] == b"\x89PNG\r\n\x1a\n", name
     at, packed, palette = 8, b"", b""
@@ -51,8 +52,8 @@ def read_png(name):
     for y in range(height):
         line = raw[y * (size + 1):(y + 1) * (size + 1)]
         before = _unfiltered(line[0], line[1:], before, max(1, bits // 8))
-        rows.append(_colours(before, width, depth, colour, palette))
-    return width, height, rows
+        rows.append(before)
+    return width, height, lambda y: _colours(rows[y], width, depth, colour, palette)
 
 
 def write_pdf(name, content, width=595, height=842):
