@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# run.sh BUILD-FOLDER [jobs|stages|instructions]: measures the built filter and
+# run.sh BUILD-FOLDER [jobs|stages|instructions|serve]: measures the built filter and
 # prints tables. VELKA_BENCH_ARGUMENTS goes to velka-bench-jobs (--only pages, --runs 9).
 # VELKA_BENCH_PHOTOGRAPHS names JPEG files to measure with, one a line; without it some of
 # Debian's wallpapers are taken.
@@ -114,6 +114,12 @@ stages() {
   "$build/bench/velka-bench-stages" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 }
 
+# From a slider of the page in the browser to its picture, beside the filter alone.
+page() {
+  printf '\n### The page in the browser\n\n'
+  PYTHONPATH=tests/serve python3 -B bench/serve.py "$build"
+}
+
 if [[ -z ${VELKA_BENCH_OWN_TMP:-} ]]; then
   export VELKA_BENCH_OWN_TMP=yes
   has_own_tmp || true
@@ -128,10 +134,12 @@ case $part in
   jobs) whole_jobs ;;
   stages) stages ;;
   instructions) instructions ;;
+  serve) page ;;
   all)
     stages
     whole_jobs
     instructions
+    page
     ;;
-  *) die "no part $part: jobs, stages or instructions" ;;
+  *) die "no part $part: jobs, stages, instructions or serve" ;;
 esac

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# install-packages.sh [--lint | --bench | --cover | --mutants | --package | --other-release]:
+# install-packages.sh [--lint | --browser | --bench | --cover | --mutants | --package | --other-release]:
 # installs what this system is built, tested and shown with on Debian 12 and 13, and does
 # nothing when all of it is there already.
 set -euo pipefail
@@ -12,16 +12,22 @@ packages=(
   cups-filters-core-drivers             # pdftopdf, pdftoraster
   poppler-utils                         # pdftoppm, pdfinfo
   libcairo2-dev libpng-dev              # pictures of pages
+  libmicrohttpd-dev nlohmann-json3-dev  # velkaview --serve
   libgtest-dev libgmock-dev locales     # tests, some of them in German
   zbar-tools                            # zbarimg, for the tests of barcodes
   appstream mandoc                      # checks of the metainfo and the manual pages
+  python3                               # drives the browser in the tests of --serve
 )
+# A browser is large: its tests say that they are skipped where there is none.
+browser=(chromium chromium-driver)
 
 case "${1:-}" in
   '') ;;
   --lint) packages+=(clang-format clang-tidy libbenchmark-dev) ;;
+  --browser) packages=("${browser[@]}") ;;
   --bench)
     packages+=(
+      "${browser[@]}"
       libbenchmark-dev valgrind
       printer-driver-gutenprint           # filters to measure beside ours
       lomiri-wallpapers-16.04             # photographs
@@ -32,7 +38,7 @@ case "${1:-}" in
   --package) packages+=(build-essential debhelper devscripts fakeroot lintian) ;;
   --other-release) packages=(debootstrap) ;;
   *)
-    echo "usage: $0 [--lint | --bench | --cover | --mutants | --package | --other-release]" >&2
+    echo "usage: $0 [--lint | --browser | --bench | --cover | --mutants | --package | --other-release]" >&2
     exit 2
     ;;
 esac

@@ -12,8 +12,20 @@ Fault checkAlone(const Arguments& arguments) {
   return std::nullopt;
 }
 
+// A document, or none: there is a page of our own then.
+Fault checkServed(const Arguments& arguments) {
+  if (!arguments.from.empty()) return "--serve takes the document's name itself, without --from";
+  if (arguments.ppd.empty()) return "--serve needs --ppd";
+  if (arguments.files.size() > 1) return "unexpected argument '" + arguments.files[1] + "'";
+  if (arguments.pages && arguments.pages->first != arguments.pages->last) {
+    return "--serve shows one page at a time, so --page takes one number";
+  }
+  return std::nullopt;
+}
+
 Fault checkFiles(const Arguments& arguments) {
   if (arguments.action == Action::Calibration) return checkAlone(arguments);
+  if (arguments.action == Action::Serve) return checkServed(arguments);
   const bool sheet = arguments.action == Action::Sheet;
   const bool diff = arguments.action == Action::Diff;
   if (!arguments.from.empty()) {
@@ -60,7 +72,7 @@ Fault checkSave(const Arguments& arguments) {
 Fault checkSheet(const Arguments& arguments) {
   if (arguments.action != Action::Sheet) return std::nullopt;
   constexpr size_t kMostVariants = 1024;
-  if (arguments.sheet.size() > 2) return "--sheet can be given once, or twice for a grid";
+  if (arguments.sheet.size() > 2) return "--sheet can be given once, or with --by (or twice) for a grid";
   size_t variants = 1;
   for (const SheetOption& option : arguments.sheet) variants *= option.values.size();
   if (variants > kMostVariants) {
@@ -82,6 +94,7 @@ std::optional<std::string> whatContradicts(const Arguments& arguments) {
   if (auto fault = checkFiles(arguments)) return fault;
   if (arguments.dpi && arguments.scale) return "--dpi and --scale exclude each other";
   if (!arguments.options.empty() && arguments.ppd.empty()) return "--options needs --ppd";
+  if (!arguments.optionsFile.empty() && arguments.ppd.empty()) return "--options-file needs --ppd";
   if (arguments.anyPpd && arguments.ppd.empty()) return "--any-ppd needs --ppd";
   if (auto fault = checkSheet(arguments)) return fault;
   if (auto fault = checkSave(arguments)) return fault;

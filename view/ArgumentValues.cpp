@@ -24,6 +24,7 @@ struct Range {
 constexpr Range kDpiRange{1, 7200, "a number from 1 to 7200"};
 constexpr Range kScaleRange{0.001, 100, "a number from 0.001 to 100"};
 constexpr Range kWidthRange{1, 5000, "millimetres from 1 to 5000"};
+constexpr uint16_t kLeastPort = 1024;
 constexpr Range kSpeedRange{0.001, 1e6, "millimetres a second from 0.001 to 1000000"};
 
 Fault invalid(const std::string& name, const std::string& text, const std::string& allowed) {
@@ -75,9 +76,15 @@ Fault readFormat(const std::string& text, std::optional<Format>& format) {
   return text == "png" || text == "pdf" ? std::nullopt : invalid("format", text, "png or pdf");
 }
 
+// Ports below are the system's.
+Fault readPort(const char* text, uint16_t& port) {
+  const bool sound = readNumber(text, port) && port >= kLeastPort;
+  return sound ? std::nullopt : invalid("port", text, "a number from 1024 to 65535");
+}
+
 Fault setAction(Arguments& arguments, Action action) {
   if (arguments.action != Action::Draw && arguments.action != action) {
-    return "only one of --list, --stats, --diff, --sheet and --calibration can be given";
+    return "only one of --list, --stats, --diff, --sheet, --calibration and --serve can be given";
   }
   arguments.action = action;
   return std::nullopt;
@@ -88,6 +95,13 @@ Fault takeSheet(const char* text, Arguments& arguments) {
   if (!option) return invalid("sheet", text, "NAME=A,B,... or NAME=FROM..TO/STEP");
   arguments.sheet.push_back(std::move(*option));
   return setAction(arguments, Action::Sheet);
+}
+
+Fault takeBy(const char* text, Arguments& arguments) {
+  if (arguments.by) return "--by can be given once";
+  arguments.by = readSheetOption(text);
+  if (!arguments.by) return invalid("by", text, "NAME=A,B,... or NAME=FROM..TO/STEP");
+  return std::nullopt;
 }
 
 Fault takeCalibration(const std::string& name, Arguments& arguments) {
@@ -117,15 +131,17 @@ void takeSwitch(int code, Arguments& arguments) {
   (code == kPins     ? arguments.pins
    : code == kTone   ? arguments.tone
    : code == kAnyPpd ? arguments.anyPpd
+   : code == kOpen   ? arguments.open
                      : arguments.progress) = true;
 }
 
 Fault takeText(int code, const char* text, Arguments& arguments) {
-  std::string& target = code == kFrom      ? arguments.from
-                        : code == kPpd     ? arguments.ppd
-                        : code == kOptions ? arguments.options
-                        : code == kSave    ? arguments.save
-                                           : arguments.output;
+  std::string& target = code == kFrom          ? arguments.from
+                        : code == kPpd         ? arguments.ppd
+                        : code == kOptions     ? arguments.options
+                        : code == kOptionsFile ? arguments.optionsFile
+                        : code == kSave        ? arguments.save
+                                               : arguments.output;
   target = text;
   if (target.empty() && code != kOptions) return "an option's file has an empty name";
   return std::nullopt;
@@ -143,6 +159,12 @@ Fault takeOption(int code, const char* text, Arguments& arguments) {
       return setAction(arguments, Action::Diff);
     case kSheet:
       return takeSheet(text, arguments);
+    case kBy:
+      return takeBy(text, arguments);
+    case kServe:
+      return setAction(arguments, Action::Serve);
+    case kPort:
+      return readPort(text, arguments.port);
     case kCalibration:
       return takeCalibration(text, arguments);
     case kModel:
@@ -160,6 +182,7 @@ Fault takeOption(int code, const char* text, Arguments& arguments) {
     case kPins:
     case kTone:
     case kAnyPpd:
+    case kOpen:
     case kProgress:
       takeSwitch(code, arguments);
       return std::nullopt;

@@ -24,6 +24,7 @@ std::variant<Arguments, Answer, UsageError> readArguments(int argc, char** argv)
     if (auto fault = takeOption(code, optarg, arguments)) return UsageError{*fault};
     given.push_back(code);
   }
+  if (arguments.by) arguments.sheet.push_back(*arguments.by);
   arguments.files.assign(argv + optind, argv + argc);
   if (auto fault = whatContradicts(arguments)) return UsageError{*fault};
   if (auto fault = whatIsIdle(given, arguments)) return UsageError{*fault};

@@ -12,7 +12,7 @@
 
 namespace velka::view {
 
-enum class Action : uint8_t { Draw, List, Stats, Diff, Sheet, Calibration };
+enum class Action : uint8_t { Draw, List, Stats, Diff, Sheet, Calibration, Serve };
 enum class Format : uint8_t { Png, Pdf };
 
 /// Pages from 1, both ends included.
@@ -37,7 +37,9 @@ struct Arguments {
   std::string ppd;
   bool anyPpd = false;  ///< another maker's will do, too
   std::string options;
+  std::string optionsFile;         ///< a file of more options; empty: none
   std::vector<SheetOption> sheet;  ///< one, or two that make a grid
+  std::optional<SheetOption> by;   ///< the second of them, stated by a word of its own
   std::string calibration;         ///< the page to write, of those that there are
   std::optional<decode::Model> model;
   std::optional<double> scale;
@@ -50,6 +52,8 @@ struct Arguments {
   bool tone = false;      ///< of --diff: means, not dots
   bool progress = false;  ///< tell how far it is, also where nobody looks
   decode::Speeds speeds;
+  uint16_t port = 0;  ///< of --serve; 0: any that is free
+  bool open = false;  ///< show the page of --serve in the user's browser
 };
 
 /// A line asked for with --help or --version, to be printed and done with.

@@ -2,13 +2,17 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "Arguments.h"
+#include "ChainTools.h"
+#include "Files.h"
 #include "Outcome.h"
+#include "WorkFolder.h"
 
 namespace velka::view {
 
@@ -19,6 +23,7 @@ struct ChainJob {
   std::string options;             ///< as the print system hands them to filters
   bool pdfPreprocess = false;      ///< whether `options` ask for it
   std::optional<PageRange> pages;  ///< those to print, of the document as it is printed
+  bool quiet = false;              ///< tells nobody which step it is at
 };
 
 struct Printed {
@@ -38,5 +43,50 @@ struct Printed {
 /// in the build tree, where it was installed together with this program, and among the
 /// system's.
 [[nodiscard]] Problem runChain(const ChainJob& job, Printed& printed);
+
+/// The same in two steps, so that a raster may be printed several times. The raster lies in
+/// a folder of its own that goes with this object; what `job` and `held` are must outlive
+/// it.
+class Chain {
+ public:
+  /// Whether a step is not wanted any more, asked while it runs.
+  using Unwanted = std::function<bool()>;
+
+  Chain(const ChainJob& job, const SignalsHeld& held) : job_(job), held_(held) {}
+
+  [[nodiscard]] Problem makeRaster(const Unwanted& unwanted = {});
+  /// The raster's file, once there is one.
+  [[nodiscard]] const std::string& raster() const { return raster_; }
+  /// Whether it holds the pages that were wanted and no other.
+  [[nodiscard]] bool pagesChosen() const { return chosen_; }
+  /// Runs our filter on it with these options, which may say nothing that would have made
+  /// another raster. One run at a time.
+  [[nodiscard]] Problem print(const std::string& options, Printed& printed,
+                              const Unwanted& unwanted = {});
+
+ private:
+  [[nodiscard]] Problem layOutDocument();
+  [[nodiscard]] Problem runWay();
+  [[nodiscard]] Problem chooseFromPdf(const std::string& output);
+  [[nodiscard]] Problem chooseFromRaster();
+  [[nodiscard]] Problem noSuchPage(const std::string& pages) const;
+  [[nodiscard]] Problem findCopy(const std::string& last);
+  [[nodiscard]] Problem step(const std::string& program, const std::string& options,
+                             const std::string& output, bool mayBeSilent = false);
+
+  const ChainJob& job_;
+  const SignalsHeld& held_;
+  WorkFolder folder_;
+  ChainTools tools_{folder_, held_};
+  PdfCopy copy_{folder_.id()};
+  std::vector<std::string> way_;
+  std::string type_ = "application/vnd.cups-raster";
+  std::string now_;       // the file that the next step takes
+  std::string raster_;    // what our filter gets
+  std::string copyFrom_;  // the PDF that it takes pages from; empty: it takes none
+  Unwanted unwanted_;
+  int ending_ = SIGKILL;  // nothing to put in order but what goes with the folder
+  bool chosen_ = false;
+};
 
 }  // namespace velka::view

@@ -8,6 +8,7 @@ std::string helpText() {
   or:  velkaview --diff [--tone] [OPTION]... FILE FILE
   or:  velkaview --calibration NAME [--ppd FILE.ppd [--options TEXT]] [--output FILE.pdf]
   or:  velkaview --from FILE --ppd FILE.ppd [--options TEXT] [OPTION]...
+  or:  velkaview --serve [FILE] --ppd FILE.ppd [--options TEXT] [OPTION]...
 Draws the paper that a command stream prints. FILE - is standard input.
 
 What to do
@@ -21,7 +22,12 @@ What to do
                          and ours, show that
       --save FILE        with --from: keep the stream
       --sheet NAME=A,B   with --from: page 1 with each value of an option, on one sheet;
-                         also NAME=FROM..TO/STEP; twice for a grid
+                         also NAME=FROM..TO/STEP
+      --by NAME=A,B      with --sheet: a second option, down the sheet
+      --serve            show FILE, or a test page, as it prints in a page for the
+                         browser, whose sliders are the printer's options
+      --port N           with --serve: at this port; a free one where not stated
+      --open             with --serve: open the page with xdg-open
       --calibration NAME write a page to print that tells what the printer does, a PDF;
                          placement: whether it wants the option DotPlacement;
                          registration: how red and the second pass of 360 dpi lie;
@@ -34,6 +40,8 @@ The printer
       --ppd FILE         the printer's PPD: its model and paper
       --any-ppd          go on with a PPD of another maker
       --options TEXT     the job's options, as in 'RedMinValue=90 PageSize=A5'
+      --options-file FILE
+                         more of them, as --serve saves them; --options goes over them
       --model MODEL      standard, orlo-front or orlo-back; where it is not stated the
                          stream must prove it
       --width MM         width of the paper

@@ -9,18 +9,23 @@
 namespace velka::view {
 namespace {
 
-constexpr std::array<option, 25> kLong{{
+constexpr std::array<option, 30> kLong{{
     {"list", no_argument, nullptr, kList},
     {"stats", no_argument, nullptr, kStats},
     {"diff", no_argument, nullptr, kDiff},
     {"tone", no_argument, nullptr, kTone},
     {"from", required_argument, nullptr, kFrom},
     {"sheet", required_argument, nullptr, kSheet},
+    {"by", required_argument, nullptr, kBy},
+    {"serve", no_argument, nullptr, kServe},
+    {"port", required_argument, nullptr, kPort},
+    {"open", no_argument, nullptr, kOpen},
     {"calibration", required_argument, nullptr, kCalibration},
     {"save", required_argument, nullptr, kSave},
     {"ppd", required_argument, nullptr, kPpd},
     {"any-ppd", no_argument, nullptr, kAnyPpd},
     {"options", required_argument, nullptr, kOptions},
+    {"options-file", required_argument, nullptr, kOptionsFile},
     {"model", required_argument, nullptr, kModel},
     {"width", required_argument, nullptr, kWidth},
     {"head-speed", required_argument, nullptr, kHeadSpeed},
@@ -43,6 +48,7 @@ constexpr unsigned bit(Action action) {
 
 constexpr unsigned kPictures = bit(Action::Draw) | bit(Action::Diff) | bit(Action::Sheet);
 constexpr unsigned kStreams = kPictures | bit(Action::List) | bit(Action::Stats);
+constexpr unsigned kSettings = kStreams | bit(Action::Serve);
 constexpr unsigned kFiles = kPictures | bit(Action::Calibration);
 
 // Options that do nothing with some actions.
@@ -52,15 +58,19 @@ struct Use {
   unsigned actions;
 };
 
-constexpr std::array<Use, 14> kUses{{
-    {kPpd, "--ppd", kStreams},
-    {kAnyPpd, "--any-ppd", kStreams},
-    {kOptions, "--options", kStreams},
+constexpr std::array<Use, 18> kUses{{
+    {kPpd, "--ppd", kSettings},
+    {kAnyPpd, "--any-ppd", kSettings},
+    {kOptions, "--options", kSettings},
+    {kOptionsFile, "--options-file", kSettings},
+    {kBy, "--by", bit(Action::Sheet)},
+    {kPort, "--port", bit(Action::Serve)},
+    {kOpen, "--open", bit(Action::Serve)},
     {kModel, "--model", kStreams},
     {kWidth, "--width", kPictures | bit(Action::Stats)},
     {kHeadSpeed, "--head-speed", bit(Action::Stats)},
     {kFeedSpeed, "--feed-speed", bit(Action::Stats)},
-    {kPage, "--page", kPictures},
+    {kPage, "--page", kPictures | bit(Action::Serve)},
     {kDpi, "--dpi", kPictures},
     {kScale, "--scale", kPictures},
     {kPins, "--pins", bit(Action::Draw) | bit(Action::Sheet)},
@@ -70,8 +80,8 @@ constexpr std::array<Use, 14> kUses{{
 }};
 
 std::string nameOf(Action action) {
-  constexpr std::array<const char*, 6> kNames{"a picture", "--list",  "--stats",
-                                              "--diff",    "--sheet", "--calibration"};
+  constexpr std::array<const char*, 7> kNames{"a picture", "--list",        "--stats", "--diff",
+                                              "--sheet",   "--calibration", "--serve"};
   return kNames.at(static_cast<size_t>(action));
 }
 

@@ -101,25 +101,27 @@ std::string lastWords(const std::string& errors) {
   return said.empty() ? "" : ": " + said;
 }
 
-// Looks for the end of the program and for a signal to us, in turns.
-int waitFor(pid_t child) {
+// Looks for the end of the program, for a signal to us and for whether it is wanted, in
+// turns.
+int waitFor(pid_t child, const Step& step, bool& dropped) {
   constexpr timespec kPause{0, 5'000'000};
   int status = 0;
   bool told = false;
   while (true) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child || (ended < 0 && errno != EINTR)) return status;
-    if (!told && SignalsHeld::pending()) {
-      (void)kill(-child, SIGTERM);
+    dropped = dropped || (step.unwanted && step.unwanted());
+    if (!told && (dropped || SignalsHeld::pending())) {
+      (void)kill(-child, dropped ? step.ending : SIGTERM);
       told = true;
     }
     (void)nanosleep(&kPause, nullptr);
   }
 }
 
-Problem judge(const Step& step, int status) {
+Problem judge(const Step& step, int status, bool dropped) {
   const std::string name = step.program.substr(step.program.rfind('/') + 1);
-  if (SignalsHeld::pending()) return name + " was interrupted";
+  if (dropped || SignalsHeld::pending()) return name + " was interrupted";
   if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
     // Filters may fail with status 0, so as not to stop a queue.
     std::error_code error;
@@ -145,7 +147,9 @@ Problem runStep(const Step& step, const SignalsHeld& held) {
     error = posix_spawn(&child, step.program.c_str(), &settings.files, &settings.attributes,
                         arguments.get(), environment.get());
   if (error != 0) return step.program + ": " + std::strerror(error);
-  return judge(step, waitFor(child));
+  bool dropped = false;
+  const int status = waitFor(child, step, dropped);
+  return judge(step, status, dropped);
 }
 
 }  // namespace velka::view

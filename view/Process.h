@@ -1,6 +1,8 @@
 // One program, run to its end.
 #pragma once
 
+#include <csignal>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,11 +20,15 @@ struct Step {
   std::string output;  ///< files for standard output and standard error, made anew
   std::string errors;
   bool mayBeSilent = false;  ///< whether an empty output is none of its failures
+  /// Asked again and again while the program runs: whether nobody wants it any more.
+  std::function<bool()> unwanted = {};
+  int ending = SIGTERM;  ///< what ends it then, and all that it started
 };
 
 /// Runs a program and waits for it. What is wrong names the program and ends with its
 /// last words on standard error. A signal that `held` keeps back ends the program
-/// and what it started, too, and takes effect on us when `held` goes.
+/// and what it started, too, and takes effect on us when `held` goes. What `held` keeps
+/// back must have been so before any other thread began.
 [[nodiscard]] Problem runStep(const Step& step, const SignalsHeld& held);
 
 }  // namespace velka::view

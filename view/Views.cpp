@@ -1,6 +1,7 @@
 #include "Views.h"
 
 #include "OptionCheck.h"
+#include "OptionsFile.h"
 #include "Ppd.h"
 #include "Progress.h"
 #include "Report.h"
@@ -30,9 +31,13 @@ int checkSettings(const Arguments& arguments) {
 
 }  // namespace
 
-int show(const Arguments& arguments) {
+int prepare(Arguments& arguments) {
   askForProgress(arguments.progress);
-  if (const int status = checkSettings(arguments); status != kDone) return status;
+  if (auto problem = takeOptionsFile(arguments)) return fail(*problem);
+  return checkSettings(arguments);
+}
+
+int show(const Arguments& arguments) {
   switch (arguments.action) {
     case Action::List:
       return listCommands(arguments);
@@ -44,6 +49,7 @@ int show(const Arguments& arguments) {
       return drawSheet(arguments);
     case Action::Calibration:
       return writeCalibration(arguments);
+    case Action::Serve:  // another room's
     case Action::Draw:
       break;
   }

@@ -24,7 +24,11 @@ namespace velka::view {
 /// A page to print that tells what the printer does, as a PDF.
 [[nodiscard]] int writeCalibration(const Arguments& arguments);
 
-/// The view that the command line asks for.
+/// Reads the files of options that the command line names and looks all options up;
+/// before anything is shown.
+[[nodiscard]] int prepare(Arguments& arguments);
+
+/// The view that the command line asks for, but for --serve.
 [[nodiscard]] int show(const Arguments& arguments);
 
 }  // namespace velka::view

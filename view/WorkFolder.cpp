@@ -78,6 +78,8 @@ PdfCopy::~PdfCopy() {
 Problem PdfCopy::make(const std::string& from) {
   std::vector<uint8_t> bytes;
   if (auto problem = readFile(from, bytes)) return problem;
+  if (made_) (void)unlink(path_.c_str());  // a filter that was ended may have left it
+  made_ = false;
   return writeNew(path_, bytes, made_);
 }
 

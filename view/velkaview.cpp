@@ -6,6 +6,7 @@
 
 #include "Arguments.h"
 #include "Outcome.h"
+#include "Serve.h"
 #include "Views.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 using namespace velka::view;
 
 int run(int argc, char** argv) {
-  const auto arguments = readArguments(argc, argv);
+  auto arguments = readArguments(argc, argv);
   if (const auto* answer = std::get_if<Answer>(&arguments)) {
     (void)std::fputs(answer->text.c_str(), stdout);
     return std::fflush(stdout) == 0 ? kDone : kFailed;
@@ -23,7 +24,9 @@ int run(int argc, char** argv) {
                        error->text.c_str());
     return kWrongUse;
   }
-  return show(std::get<Arguments>(arguments));
+  if (const int status = prepare(std::get<Arguments>(arguments)); status != kDone) return status;
+  const Arguments& wanted = std::get<Arguments>(arguments);
+  return wanted.action == Action::Serve ? velka::serve::serve(wanted) : show(wanted);
 }
 
 }  // namespace

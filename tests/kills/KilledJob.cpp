@@ -87,9 +87,11 @@ void KilledJob::makePdfJob() {
   job_.path = tools_.path();
 }
 
-// What has been killed may take a moment to be gone: ten seconds at most.
 std::vector<std::string> KilledJob::alive() const {
-  const std::string mark = kMark + ('=' + id_.text());
+  return aliveWith(kMark + ('=' + id_.text()));
+}
+
+std::vector<std::string> aliveWith(const std::string& mark) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   std::vector<pid_t> processes = processesWith(mark);
   while (!processes.empty() && std::chrono::steady_clock::now() < deadline) {

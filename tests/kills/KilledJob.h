@@ -67,6 +67,11 @@ class KilledJob {
   TmpFiles tmp_;
 };
 
+/// Command lines of the processes that have this "NAME=VALUE" in their environment, but for
+/// this one, and ends them. What has been killed may take a moment to be gone: ten seconds at
+/// most.
+std::vector<std::string> aliveWith(const std::string& mark);
+
 /// For the names of tests.
 std::string nameOf(KilledJob::Kind kind);
 inline void PrintTo(KilledJob::Kind kind, std::ostream* out) {

@@ -88,6 +88,38 @@ TEST(Arguments, TwoSheetsMakeAGrid) {
   EXPECT_EQ(arguments.sheet[1].name, "B");
 }
 
+TEST(Arguments, TheSecondOptionOfASheetHasAWordOfItsOwn) {
+  const Arguments arguments =
+      accepted({"--from", "a", "--ppd", "p", "--by", "B=x,y", "--sheet", "A=1..3/1"});
+  ASSERT_EQ(arguments.sheet.size(), 2U);
+  EXPECT_EQ(arguments.sheet[0].name, "A");
+  EXPECT_EQ(arguments.sheet[1].name, "B");
+  EXPECT_NE(refusal({"--from", "a", "--ppd", "p", "--by", "B=x"}), "accepted");
+  EXPECT_EQ(refusal({"--from", "a", "--ppd", "p", "--sheet", "A=1", "--by", "B=1", "--by", "C=1"}),
+            "--by can be given once");
+  EXPECT_EQ(
+      refusal({"--from", "a", "--ppd", "p", "--sheet", "A=1", "--sheet", "B=1", "--by", "C=1"}),
+      "--sheet can be given once, or with --by (or twice) for a grid");
+}
+
+TEST(Arguments, APageIsServedWithADocumentOrNone) {
+  EXPECT_EQ(accepted({"--serve", "--ppd", "p"}).action, Action::Serve);
+  const Arguments arguments = accepted({"--serve", "a.pdf", "--ppd", "p", "--port", "8080",
+                                        "--open", "--options-file", "kept", "--page", "3"});
+  EXPECT_EQ(arguments.files, std::vector<std::string>{"a.pdf"});
+  EXPECT_EQ(arguments.port, 8080);
+  EXPECT_TRUE(arguments.open);
+  EXPECT_EQ(arguments.optionsFile, "kept");
+  EXPECT_EQ(refusal({"--serve", "a.pdf"}), "--serve needs --ppd");
+  EXPECT_NE(refusal({"--serve", "a", "b", "--ppd", "p"}), "accepted");
+  EXPECT_NE(refusal({"--serve", "--from", "a", "--ppd", "p"}), "accepted");
+  EXPECT_NE(refusal({"--serve", "--ppd", "p", "--page", "2-3"}), "accepted");
+  EXPECT_NE(refusal({"--serve", "--ppd", "p", "--dpi", "90"}), "accepted");
+  EXPECT_EQ(refusal({"--port", "8080", "a.prn"}), "--port does nothing with a picture");
+  for (const char* port : {"0", "80", "65536", "-1", "x", ""})
+    EXPECT_NE(refusal({"--serve", "--ppd", "p", "--port", port}), "accepted") << port;
+}
+
 TEST(Arguments, ADocumentsPagesAreChosenWhateverIsShown) {
   EXPECT_TRUE(accepted({"--from", "a", "--ppd", "p", "--list", "--page", "2"}).pages.has_value());
   EXPECT_TRUE(accepted({"--from", "a", "--ppd", "p", "--stats", "--page", "2"}).pages.has_value());
@@ -167,7 +199,7 @@ TEST(Arguments, WhatIsWrongIsNamed) {
        "invalid value '0' for --head-speed: it takes millimetres a second from 0.001 to 1000000"},
       {{"--dpi", "90", "--scale", "1", "a"}, "--dpi and --scale exclude each other"},
       {{"--list", "--stats", "a"},
-       "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
+       "only one of --list, --stats, --diff, --sheet, --calibration and --serve can be given"},
       {{"--calibration", "nothing"},
        "invalid value 'nothing' for --calibration: it takes placement, registration, position, "
        "tones, colours"},
@@ -183,7 +215,7 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--calibration", "placement", "-o", "x.png"}, "--calibration writes a PDF"},
       {{"--calibration", "placement", "--format", "png"}, "--calibration writes a PDF"},
       {{"--calibration", "placement", "--list"},
-       "only one of --list, --stats, --diff, --sheet and --calibration can be given"},
+       "only one of --list, --stats, --diff, --sheet, --calibration and --serve can be given"},
       {{"--list", "-o", "x", "a"}, "--output does nothing with --list"},
       {{"--list", "--pins", "a"}, "--pins does nothing with --list"},
       {{"--list", "--width", "57", "a"}, "--width does nothing with --list"},
@@ -225,7 +257,7 @@ TEST(Arguments, WhatIsWrongIsNamed) {
       {{"--save", "-", "--from", "a", "--ppd", "p", "-o", "-"},
        "standard output can be only one of the two outputs"},
       {{"--from", "a", "--ppd", "p", "--sheet", "A=1", "--sheet", "B=1", "--sheet", "C=1"},
-       "--sheet can be given once, or twice for a grid"},
+       "--sheet can be given once, or with --by (or twice) for a grid"},
       {{"--from", "a", "--ppd", "p", "--sheet", "A=1", "--sheet", "A=2"},
        "the two options of --sheet must differ"},
       {{"--from", "a", "--ppd", "p", "--sheet", "A=1..200/1", "--sheet", "B=1..200/1"},

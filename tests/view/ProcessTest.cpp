@@ -55,6 +55,22 @@ TEST(Process, AMissingProgramIsTold) {
   EXPECT_EQ(runStep(step, held), "/nowhere/tool: No such file or directory");
 }
 
+TEST(Process, OneThatIsNotWantedAnyMoreIsEndedWithAllThatItStarted) {
+  const TempFolder folder;
+  const SignalsHeld held;
+  Step step = shell(folder, "sleep 100000 & echo $! >&2; wait");
+  step.unwanted = [&] { return textOf(folder / "errors").ends_with("\n"); };
+  for (const int ending : {SIGKILL, SIGTERM}) {
+    step.ending = ending;
+    EXPECT_EQ(runStep(step, held), "sh was interrupted");
+    const pid_t child = std::stoi(textOf(folder / "errors"));
+    // Whoever takes the orphan over may need a moment for it.
+    for (int round = 0; round < 3000 && kill(child, 0) == 0; ++round) usleep(10000);
+    const std::string state = textOf("/proc/" + std::to_string(child) + "/stat");
+    EXPECT_TRUE(state.empty() || state.find(") Z ") != std::string::npos) << state;
+  }
+}
+
 TEST(Process, ASignalToUsEndsTheProgramToo) {
   const TempFolder folder;
   struct sigaction before {};

@@ -150,7 +150,7 @@ check_tools() {
 
 check_sheet() {
   local said
-  said=$(orlo --from pages.pdf --page 6 --sheet BrightnessRed=60..140/40 --sheet OutputColorType=Black,BlackAndRed \
+  said=$(orlo --from pages.pdf --page 6 --sheet BrightnessRed=60..140/40 --by OutputColorType=Black,BlackAndRed \
     --options LevelsRed=17 --dpi 30 -o grid.png 2>/dev/null)
   [[ $(head -n 1 <<<"$said") == 'grid.png: pages.pdf, page 6, velka-orlo.ppd' ]] || fail "said: $said"
   [[ $(wc -l <<<"$said") == 7 ]] || fail "no six variants: $said"

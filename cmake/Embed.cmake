@@ -1,0 +1,33 @@
+# Embed.cmake: writes OUTPUT, the C++ source with the contents of FILES, each found by its
+# name through velka::serve::pageFile().
+set(tables "")
+set(rows "")
+set(number 0)
+foreach(file IN LISTS FILES)
+  cmake_path(GET file FILENAME name)
+  file(READ "${file}" bytes HEX)
+  string(REGEX REPLACE "(..)" "0x\\1," bytes "${bytes}")
+  string(REGEX REPLACE "(0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,0x..,)" "\\1\n" bytes "${bytes}")
+  string(APPEND tables "constexpr unsigned char kFile${number}[] = {\n${bytes}\n};\n")
+  string(APPEND rows "    {\"${name}\", {reinterpret_cast<const char*>(kFile${number}), sizeof kFile${number}}},\n")
+  math(EXPR number "${number} + 1")
+endforeach()
+file(WRITE "${OUTPUT}" "// Made by Embed.cmake.
+#include \"PageFiles.h\"
+
+#include <utility>
+
+namespace velka::serve {
+namespace {
+${tables}
+const std::pair<std::string_view, std::string_view> kFiles[] = {
+${rows}};
+}  // namespace
+
+std::optional<std::string_view> pageFile(std::string_view name) {
+  for (const auto& [known, bytes] : kFiles)
+    if (known == name) return bytes;
+  return std::nullopt;
+}
+}  // namespace velka::serve
+")
