@@ -72,7 +72,8 @@ Fault checkSave(const Arguments& arguments) {
 Fault checkSheet(const Arguments& arguments) {
   if (arguments.action != Action::Sheet) return std::nullopt;
   constexpr size_t kMostVariants = 1024;
-  if (arguments.sheet.size() > 2) return "--sheet can be given once, or with --by (or twice) for a grid";
+  if (arguments.sheet.size() > 2)
+    return "--sheet can be given once, or with --by (or twice) for a grid";
   size_t variants = 1;
   for (const SheetOption& option : arguments.sheet) variants *= option.values.size();
   if (variants > kMostVariants) {

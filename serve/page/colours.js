@@ -78,14 +78,14 @@ export function showPlace(place, found, actions, nameOf) {
       element("div", {}, element("strong", { class: `ink ${found.ink}`, id: "place-ink" }, INKS[found.ink]), grey,
         element("br"), `colour ${found.rgb} (red ${parseInt(found.rgb.slice(1, 3), 16)}, ` +
         `green ${parseInt(found.rgb.slice(3, 5), 16)}, blue ${parseInt(found.rgb.slice(5), 16)})`)),
-    element("div", { class: "actions" }, ...buttons),
+    element("div", { class: "actions" }, ...buttons), element("div", { id: "turned" }),
     ...(steps.length > 0
       ? [element("p", { class: "hint" }, "A bound alone would change it:"), element("ul", {}, ...steps)]
       : [element("p", { class: "hint" }, "No bound of the range changes it.")]));
 }
 
-export function showTurned(place, answer) {
+export function showTurned(answer) {
   const lines = answer.why ? [element("li", {}, answer.why)] : turnedText(answer.turned);
-  place.append(element("p", { class: "hint", id: "turned" }, answer.why ? "That cannot be:" : "What turns with it:"),
+  document.getElementById("turned").replaceChildren(element("p", { class: "hint" }, answer.why ? "That cannot be:" : "What turns with it:"),
     element("ul", {}, ...(lines.length > 0 ? lines : [element("li", {}, "nothing else")])));
 }

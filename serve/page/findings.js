@@ -90,7 +90,7 @@ export class Findings {
     if (!found || picked !== state.picked) return;
     const actions = { want: (ink, rgb) => this.want(ink, rgb), set: this.actions.set };
     showPlace(byId("place"), found, actions, this.actions.nameOf);
-    if (picked.told) showTurned(byId("place"), picked.told);
+    if (picked.told) showTurned(picked.told);
     byId("place").dataset.turn = state.turn;
   }
 
