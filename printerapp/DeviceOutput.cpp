@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -146,6 +147,8 @@ bool DeviceOutput::recover() {
 }
 
 bool updateStatus(pappl_printer_t* printer) {
+  // Opening a file for a look would make one.
+  if (std::string_view(papplPrinterGetDeviceURI(printer)).starts_with("file:")) return true;
   pappl_device_t* device = papplPrinterOpenDevice(printer);
   if (device == nullptr) {
     papplPrinterSetReasons(printer, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);

@@ -14,8 +14,9 @@ namespace velka::app {
 namespace {
 
 // The library has room for four of the head's pairs. print-quality takes the first for a
-// draft, the default for normal and the last for high; all ten are choices of Resolution.
-constexpr std::array<Resolution, 4> kResolutions = {{{120, 180}, {180, 180}, {360, 180}, {360, 360}}};
+// draft, the third for normal and the last for high; all ten are choices of Resolution.
+constexpr std::array<Resolution, 4> kResolutions = {
+    {{120, 180}, {360, 180}, {180, 180}, {360, 360}}};
 constexpr Resolution kNormal = {180, 180};
 constexpr const char* kSheets = "main";
 constexpr const char* kRoll = "main-roll";
