@@ -135,26 +135,28 @@ bool hasFidelity(pappl_job_t* job) {
   return attribute != nullptr && ippGetBoolean(attribute, 0) != 0;
 }
 
-std::string vendorOf(const pappl_pr_options_t& options, const char* name) {
-  const char* value = cupsGetOption(name, options.num_vendor, options.vendor);
-  return value == nullptr ? "" : value;
-}
-
-// The resolution that the job states wins; then the pair of the head that it or the printer
-// names, unless the job asks for a quality.
-Resolution resolutionFor(pappl_job_t* job, const pappl_pr_options_t& options) {
+// A job's own words come first, its pair of the head, its choice or its quality; then the
+// printer's default choice, where somebody made one.
+Resolution resolutionFor(pappl_job_t* job, const pappl_pr_options_t& options,
+                         const JobChoices& choices) {
   const Resolution usual = {options.printer_resolution[0], options.printer_resolution[1]};
-  if (papplJobGetAttribute(job, "printer-resolution") != nullptr) return usual;
-  const Resolution named = resolutionOf(vendorOf(options, "Resolution"));
-  if (named.x == 0) return usual;
+  const Model* model = modelOf(job);
+  const VendorOption* offered = model == nullptr ? nullptr : model->option("Resolution");
+  const auto chosen = choices.vendor.find("Resolution");
+  if (offered == nullptr || chosen == choices.vendor.end() ||
+      papplJobGetAttribute(job, "printer-resolution") != nullptr)
+    return usual;
   const bool stated = papplJobGetAttribute(job, "Resolution") != nullptr;
-  if (!stated && papplJobGetAttribute(job, "print-quality") != nullptr) return usual;
-  return named;
+  const bool set = chosen->second != offered->defaultChoice &&
+                   papplJobGetAttribute(job, "print-quality") == nullptr;
+  const Resolution named = resolutionOf(chosen->second);
+  return (stated || set) && named.x > 0 ? named : usual;
 }
 
-DrawingJob drawingOf(pappl_job_t* job, const pappl_pr_options_t& options) {
+DrawingJob drawingOf(pappl_job_t* job, const pappl_pr_options_t& options,
+                     const JobChoices& choices) {
   DrawingJob drawing;
-  drawing.dpi = resolutionFor(job, options);
+  drawing.dpi = resolutionFor(job, options, choices);
   drawing.paper = {static_cast<double>(options.media.size_width),
                    static_cast<double>(options.media.size_length)};
   drawing.wishes = {scalingOf(options.print_scaling), turnOf(options.orientation_requested),
@@ -169,15 +171,15 @@ class PdfJob {
  public:
   PdfJob(pappl_job_t* job, pappl_device_t* device, pappl_pr_options_t* options)
       : job_(job),
-        options_(options),
+        choices_(choicesOf(job, *options)),
         byPrinter_(modelOf(job) != nullptr && modelOf(job)->copiesByPrinter),
         copies_(std::max(options->copies, 1)),
         print_(job, options, device, byPrinter_ ? static_cast<unsigned>(copies_) : 1U),
-        drawing_(drawingOf(job, *options)) {}
+        drawing_(drawingOf(job, *options, choices_)) {}
 
   bool run() {
     const std::string id = filterJobId(job_);
-    const bool copy = vendorOf(*options_, "PdfPreprocess") == "yes";
+    const bool copy = choices_.vendor["PdfPreprocess"] == "yes";
     if (copy) drawing_.copy = "/tmp/VK_TEMP_CUPS_" + id + ".pdf";
     const bool printed = print_.start(id, copy) && drawAll();
     const bool ended = print_.end();
@@ -231,7 +233,7 @@ class PdfJob {
   }
 
   pappl_job_t* job_;
-  pappl_pr_options_t* options_;
+  JobChoices choices_;
   bool byPrinter_;
   int copies_;
   PrintJob print_;

@@ -14,18 +14,30 @@ constexpr pappl_color_mode_t kMonochrome =
     PAPPL_COLOR_MODE_MONOCHROME | PAPPL_COLOR_MODE_AUTO_MONOCHROME |
     PAPPL_COLOR_MODE_PROCESS_MONOCHROME | PAPPL_COLOR_MODE_BI_LEVEL;
 
-JobChoices choicesOf(pappl_job_t* job, const pappl_pr_options_t& options, bool pdfCopy) {
+// The library hands over what a job states; what its printer's web page says is asked for.
+void addDefaults(pappl_job_t* job, const Model& model, JobChoices& choices) {
+  ipp_t* attributes = papplPrinterGetDriverAttributes(papplJobGetPrinter(job));
+  for (const VendorOption& option : model.options) {
+    ipp_attribute_t* found =
+        ippFindAttribute(attributes, (option.name + "-default").c_str(), IPP_TAG_ZERO);
+    const char* value = found == nullptr ? nullptr : ippGetString(found, 0, nullptr);
+    if (value != nullptr) choices.vendor[option.name] = value;
+  }
+  ippDelete(attributes);
+}
+
+}  // namespace
+
+JobChoices choicesOf(pappl_job_t* job, const pappl_pr_options_t& options) {
   JobChoices choices;
+  if (const Model* model = modelOf(job)) addDefaults(job, *model, choices);
   for (const cups_option_t& option :
        std::span(options.vendor, static_cast<size_t>(options.num_vendor)))
     choices.vendor[option.name] = option.value;
   choices.inkStated = papplJobGetAttribute(job, "OutputColorType") != nullptr;
   choices.monochrome = (options.print_color_mode & kMonochrome) != 0;
-  choices.pdfCopy = pdfCopy;
   return choices;
 }
-
-}  // namespace
 
 std::string filterJobId(pappl_job_t* job) {
   return "app-" + std::to_string(getpid()) + "-" +
@@ -66,7 +78,9 @@ bool PrintJob::start(const std::string& id, bool pdfCopy) {
   if (filter.empty()) return fail("rastovelka is missing, and nothing prints without it");
   FilterJob filterJob{filter, id, papplJobGetUsername(job_), papplJobGetName(job_), "",
                       model_->ppd};
-  filterJob.options = filterOptions(*model_, choicesOf(job_, *options_, pdfCopy));
+  JobChoices choices = choicesOf(job_, *options_);
+  choices.pdfCopy = pdfCopy;
+  filterJob.options = filterOptions(*model_, choices);
   papplLogJob(job_, PAPPL_LOGLEVEL_DEBUG, "rastovelka gets %s", filterJob.options.c_str());
   const std::string trouble = filter_.start(filterJob);
   return trouble.empty() || fail(trouble);

@@ -11,6 +11,7 @@
 
 #include "DeviceOutput.h"
 #include "FilterRun.h"
+#include "JobOptions.h"
 #include "Model.h"
 
 namespace velka::app {
@@ -48,6 +49,9 @@ class PrintJob {
   cups_page_header2_t page_ = {};
   std::vector<uint8_t> line_;
 };
+
+/// What a job chose, and its printer's defaults where it says nothing.
+[[nodiscard]] JobChoices choicesOf(pappl_job_t* job, const pappl_pr_options_t& options);
 
 /// A name for the filter's files that no other job has: of letters, digits and dashes.
 [[nodiscard]] std::string filterJobId(pappl_job_t* job);
