@@ -69,7 +69,9 @@ void describePages(pappl_pr_driver_data_t& data) {
   data.quality_default = IPP_QUALITY_NORMAL;
   // Nothing of a page is lost unless its job asks for that.
   data.scaling_default = PAPPL_SCALING_AUTO_FIT;
-  data.orient_default = IPP_ORIENT_NONE;
+  // IPP has no other word for it; a page that lies the other way is turned unless its job
+  // states an orientation.
+  data.orient_default = IPP_ORIENT_PORTRAIT;
   data.duplex = PAPPL_DUPLEX_NONE;
   data.sides_supported = PAPPL_SIDES_ONE_SIDED;
   data.sides_default = PAPPL_SIDES_ONE_SIDED;
@@ -94,6 +96,19 @@ void describeDevice(const Model& model, pappl_pr_driver_data_t& data) {
   data.identify_default = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
   data.identify_supported = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
   data.status_cb = updateStatus;
+  data.has_supplies = true;
+}
+
+void addKeyword(ipp_t* attributes, const char* name, const char* value) {
+  ippAddString(attributes, IPP_TAG_PRINTER, IPP_TAG_KEYWORD, name, nullptr, value);
+}
+
+// What the standard for driverless printing wants to hear, and the library leaves out.
+void addFacts(ipp_t* attributes) {
+  addKeyword(attributes, "print-rendering-intent-default", "auto");
+  addKeyword(attributes, "print-rendering-intent-supported", "auto");
+  addKeyword(attributes, "pwg-raster-document-sheet-back", "normal");
+  ippAddBoolean(attributes, IPP_TAG_PRINTER, "preferred-attributes-supported", 0);
 }
 
 void addOption(const VendorOption& option, pappl_pr_driver_data_t& data, ipp_t* attributes) {
@@ -129,8 +144,17 @@ bool describeDriver(pappl_system_t* /*system*/, const char* driver, const char* 
   describePages(*data);
   describePaper(*model, *data);
   *attributes = ippNew();
+  addFacts(*attributes);
   for (const VendorOption& option : model->options) addOption(option, *data, *attributes);
   return true;
+}
+
+void nameSupplies(pappl_printer_t* printer, void* /*context*/) {
+  constexpr int kUnknown = -1;
+  pappl_supply_t inks[2] = {
+      {PAPPL_SUPPLY_COLOR_BLACK, "Black ink", true, kUnknown, PAPPL_SUPPLY_TYPE_INK},
+      {PAPPL_SUPPLY_COLOR_MULTIPLE, "Red ink", true, kUnknown, PAPPL_SUPPLY_TYPE_INK}};
+  papplPrinterSetSupplies(printer, 2, inks);
 }
 
 // By the model that the device names, as in "MFG:Velka;MDL:Orlo;".

@@ -16,6 +16,10 @@ bool describeDriver(pappl_system_t* system, const char* driver, const char* uri,
                     const char* deviceId, pappl_pr_driver_data_t* data, ipp_t** attributes,
                     void* context);
 
+/// Says which inks a new printer has; nobody knows how much is left of them. The library's
+/// callback.
+void nameSupplies(pappl_printer_t* printer, void* context);
+
 /// The driver for a device that was found, null for a device of another kind.
 const char* matchDriver(const char* info, const char* uri, const char* deviceId, void* context);
 

@@ -101,7 +101,10 @@ Paper readPaper(const ppd_size_t& size) {
     return {known->pwg, known->width, known->length};
   }
   paper.media = paper.width < 20000 ? "om_roll-" : "om_form-";
-  paper.media.append(size.name).append("_").append(measuresOf(paper));
+  // Such names are in small letters.
+  for (const char* c = size.name; *c != '\0'; ++c)
+    paper.media += *c >= 'A' && *c <= 'Z' ? static_cast<char>(*c - 'A' + 'a') : *c;
+  paper.media.append("_").append(measuresOf(paper));
   return paper;
 }
 

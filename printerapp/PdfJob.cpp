@@ -104,10 +104,12 @@ Scaling scalingOf(pappl_scaling_t scaling) {
   }
 }
 
-Turn turnOf(ipp_orient_t orientation) {
-  switch (orientation) {
+Turn turnOf(pappl_job_t* job, const pappl_pr_options_t& options) {
+  const bool stated = papplJobGetAttribute(job, "orientation-requested") != nullptr;
+  switch (options.orientation_requested) {
     case IPP_ORIENT_PORTRAIT:
-      return Turn::Portrait;
+      // The printer's own default, which is no wish.
+      return stated ? Turn::Portrait : Turn::None;
     case IPP_ORIENT_LANDSCAPE:
       return Turn::Landscape;
     case IPP_ORIENT_REVERSE_LANDSCAPE:
@@ -159,7 +161,7 @@ DrawingJob drawingOf(pappl_job_t* job, const pappl_pr_options_t& options,
   drawing.dpi = resolutionFor(job, options, choices);
   drawing.paper = {static_cast<double>(options.media.size_width),
                    static_cast<double>(options.media.size_length)};
-  drawing.wishes = {scalingOf(options.print_scaling), turnOf(options.orientation_requested),
+  drawing.wishes = {scalingOf(options.print_scaling), turnOf(job, options),
                     hasFidelity(job)};
   drawing.pages = rangesOf(job);
   drawing.mostPages = limits.pages;

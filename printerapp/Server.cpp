@@ -131,7 +131,7 @@ void setUp(pappl_system_t* system, const Options& options) {
   addPdfFilter(system);
   const auto all = drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(all.size()), all.data(), matchDriver,
-                               nullptr, describeDriver, nullptr);
+                               nameSupplies, describeDriver, nullptr);
   papplSystemAddTimerCallback(system, 0, 1, watchPrinters, nullptr);
   papplSystemSetSaveCallback(system, saveState, nullptr);
   if (!papplSystemLoadState(system, stateFile().c_str()))
