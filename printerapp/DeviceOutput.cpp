@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <mutex>
 #include <set>
 #include <string>
@@ -33,6 +34,14 @@ Active& active() {
   return all;
 }
 
+// Held by the job that prints there.
+std::timed_mutex& turnOf(pappl_printer_t* printer) {
+  static std::mutex mutex;
+  static std::map<int, std::timed_mutex> turns;
+  const std::lock_guard lock(mutex);
+  return turns[papplPrinterGetID(printer)];
+}
+
 int64_t now() noexcept { return Clock::now().time_since_epoch().count(); }
 
 uint64_t bytesWritten(pappl_device_t* device) {
@@ -48,12 +57,14 @@ UniqueFd unnamedFile(const std::string& folder) {
 
 }  // namespace
 
-DeviceOutput::DeviceOutput(pappl_job_t* job, pappl_device_t* device)
+DeviceOutput::DeviceOutput(pappl_job_t* job)
     : job_(job),
       printer_(papplJobGetPrinter(job)),
-      device_(device),
-      sent_(unnamedFile(spoolFolder())),
-      before_(bytesWritten(device)) {
+      turn_(turnOf(printer_), std::defer_lock),
+      sent_(unnamedFile(spoolFolder())) {
+  // The library gives two jobs one connection where raster arrives while another job begins,
+  // and closes it at the end of the first. Each job has one of its own here.
+  papplPrinterCloseDevice(printer_);
   Active& all = active();
   const std::lock_guard lock(all.mutex);
   all.outputs.insert(this);
@@ -65,7 +76,39 @@ DeviceOutput::~DeviceOutput() {
     const std::lock_guard lock(all.mutex);
     all.outputs.erase(this);
   }
+  disconnect();
   papplPrinterSetReasons(printer_, PAPPL_PREASON_NONE, PAPPL_PREASON_OFFLINE);
+}
+
+void DeviceOutput::disconnect() {
+  if (device_ != nullptr) papplDeviceClose(device_);
+  device_ = nullptr;
+}
+
+bool DeviceOutput::goesOn() const {
+  return !papplJobIsCanceled(job_) && papplSystemIsRunning(papplPrinterGetSystem(printer_));
+}
+
+bool DeviceOutput::open() {
+  while (!turn_.try_lock_for(kPause)) {
+    if (!goesOn()) return false;
+  }
+  return connect();
+}
+
+bool DeviceOutput::connect() {
+  for (bool first = true; goesOn(); first = false) {
+    device_ = papplDeviceOpen(papplPrinterGetDeviceURI(printer_), papplJobGetName(job_),
+                              papplLogDevice, papplPrinterGetSystem(printer_));
+    if (device_ != nullptr) {
+      papplPrinterSetReasons(printer_, PAPPL_PREASON_NONE, PAPPL_PREASON_OFFLINE);
+      return true;
+    }
+    papplPrinterSetReasons(printer_, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
+    if (first) papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The printer cannot be reached; the job waits.");
+    std::this_thread::sleep_for(kPause);
+  }
+  return false;
 }
 
 bool DeviceOutput::isStuck() const noexcept {
@@ -109,7 +152,7 @@ bool DeviceOutput::allHasLeft() {
   since_ = now();
   papplDeviceFlush(device_);
   since_ = 0;
-  return bytesWritten(device_) - before_ >= bytes_;
+  return bytesWritten(device_) >= bytes_;
 }
 
 bool DeviceOutput::flush() {
@@ -118,7 +161,6 @@ bool DeviceOutput::flush() {
 
 bool DeviceOutput::sendAgain() {
   bytes_ = 0;
-  before_ = bytesWritten(device_);
   std::vector<uint8_t> buffer(kChunk);
   if (lseek(sent_.get(), 0, SEEK_SET) != 0) return false;
   while (true) {
@@ -131,19 +173,13 @@ bool DeviceOutput::sendAgain() {
 bool DeviceOutput::recover() {
   papplLogJob(job_, PAPPL_LOGLEVEL_ERROR,
               "The printer is gone; the job waits for it and then begins again.");
-  papplPrinterSetReasons(printer_, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
-  while (!papplJobIsCanceled(job_) &&
-         papplSystemIsRunning(papplPrinterGetSystem(printer_))) {
-    papplPrinterCloseDevice(printer_);
-    device_ = papplPrinterOpenDevice(printer_);
-    if (device_ != nullptr && sendAgain()) {
-      papplPrinterSetReasons(printer_, PAPPL_PREASON_NONE, PAPPL_PREASON_OFFLINE);
-      papplLogJob(job_, PAPPL_LOGLEVEL_INFO, "The printer is back.");
-      return true;
-    }
+  while (true) {
+    disconnect();
+    papplPrinterSetReasons(printer_, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
     std::this_thread::sleep_for(kPause);
+    if (!connect()) return false;
+    if (sendAgain()) return true;
   }
-  return false;
 }
 
 bool updateStatus(pappl_printer_t* printer) {

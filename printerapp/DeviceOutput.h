@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <span>
 
 #include "Descriptor.h"
@@ -15,11 +16,13 @@ namespace velka::app {
 
 class DeviceOutput {
  public:
-  /// Both stay the library's; the device only until its connection is lost.
-  DeviceOutput(pappl_job_t* job, pappl_device_t* device);
+  explicit DeviceOutput(pappl_job_t* job);
   ~DeviceOutput();
   DeviceOutput(const DeviceOutput&) = delete;
   DeviceOutput& operator=(const DeviceOutput&) = delete;
+
+  /// Waits until no other job prints there, and until there is a connection. False as below.
+  [[nodiscard]] bool open();
 
   /// Writes all of it, however long the printer takes. Where the connection is lost, waits
   /// for another one and prints the job from its beginning, since nobody knows what the
@@ -36,16 +39,19 @@ class DeviceOutput {
  private:
   [[nodiscard]] bool send(std::span<const uint8_t> bytes);
   [[nodiscard]] bool sendAgain();
+  [[nodiscard]] bool connect();
   [[nodiscard]] bool recover();
+  void disconnect();
   [[nodiscard]] bool keep(std::span<const uint8_t> bytes);
   [[nodiscard]] bool allHasLeft();
+  [[nodiscard]] bool goesOn() const;
 
   pappl_job_t* job_;
   pappl_printer_t* printer_;
-  pappl_device_t* device_;
+  pappl_device_t* device_ = nullptr;
+  std::unique_lock<std::timed_mutex> turn_;
   UniqueFd sent_;  // what the printer got, on disk, without a name
   uint64_t bytes_ = 0;
-  uint64_t before_ = 0;  // the device's own count when the job began
   std::atomic<int64_t> since_{0};
 };
 

@@ -50,13 +50,12 @@ const Model* modelOf(pappl_job_t* job) {
   return driver == nullptr ? nullptr : modelOf(driver);
 }
 
-PrintJob::PrintJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device,
-                   unsigned copies)
+PrintJob::PrintJob(pappl_job_t* job, pappl_pr_options_t* options, unsigned copies)
     : job_(job),
       options_(options),
       model_(modelOf(job)),
       copies_(copies),
-      output_(job, device),
+      output_(job),
       filter_([this](std::span<const uint8_t> bytes) { return output_.write(bytes); },
               [job](const std::string& line) {
                 papplLogJob(job, PAPPL_LOGLEVEL_INFO, "rastovelka: %s", line.c_str());
@@ -76,6 +75,7 @@ bool PrintJob::start(const std::string& id, bool pdfCopy) {
   if (model_ == nullptr) return fail("the printer's driver is none of this application");
   const std::string filter = findFilter();
   if (filter.empty()) return fail("rastovelka is missing, and nothing prints without it");
+  if (!output_.open()) return failOrCancel() || fail("the printer was not reached");
   FilterJob filterJob{filter, id, papplJobGetUsername(job_), papplJobGetName(job_), "",
                       model_->ppd};
   JobChoices choices = choicesOf(job_, *options_);

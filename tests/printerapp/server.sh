@@ -3,7 +3,7 @@
 # The parts of the test use each other's names.
 # shellcheck shell=bash disable=SC2154,SC2034
 
-app=$build/printerapp/velka-printer-app
+app=${VELKA_APP:-$build/printerapp/velka-printer-app}
 filter=$build/filter/rastovelka
 work=$(mktemp -d /tmp/velka-app.XXXXXX)
 prints=$work/prints

@@ -4,7 +4,7 @@
 # CUPS's own test of printers that need no driver. Rasters of its samples, which no package
 # has, are ours, in the resolutions that the printers have; the others are skipped by it.
 case_everywhere() {
-  local tests=/usr/share/cups/ipptool model sample kind dpi found
+  local tests=/usr/share/cups/ipptool model sample kind dpi found run runs=()
   [[ -e $tests/ipp-everywhere.test ]] || skip "ipp-everywhere.test is not here (package cups-ipp-utils)"
   start_app
   add_printers
@@ -29,9 +29,13 @@ case_everywhere() {
   done
   for model in standard orlo; do
     (cd "$work/ipp" && ipptool -I -tvf letter.pdf "$(printer_uri "$model")" ipp-everywhere.test) \
-      >"$work/$model.everywhere" 2>&1 || true
+      >"$work/$model.everywhere" 2>&1 &
+    runs+=("$!")
+  done
+  for run in "${runs[@]}"; do wait "$run" || true; done
+  for model in standard orlo; do
     grep -E '\[(FAIL|SKIP)\]|^ *(EXPECTED|GOT|STATUS):' "$work/$model.everywhere" | head -n 60 || true
-    [[ -z ${VELKA_KEEP:-} ]] || cp "$work/$model.everywhere" "$VELKA_KEEP/"
+    [[ -z ${VELKA_KEEP:-} ]] || cp "$work/$model.everywhere" "$log" "$VELKA_KEEP/"
     found=$(grep -c '\[PASS\]' "$work/$model.everywhere" || true)
     echo "$model: $found pass"
   done
