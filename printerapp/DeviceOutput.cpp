@@ -35,9 +35,9 @@ Active& active() {
 }
 
 // Held by the job that prints there.
-std::timed_mutex& turnOf(pappl_printer_t* printer) {
+std::mutex& turnOf(pappl_printer_t* printer) {
   static std::mutex mutex;
-  static std::map<int, std::timed_mutex> turns;
+  static std::map<int, std::mutex> turns;
   const std::lock_guard lock(mutex);
   return turns[papplPrinterGetID(printer)];
 }
@@ -57,14 +57,12 @@ UniqueFd unnamedFile(const std::string& folder) {
 
 }  // namespace
 
-DeviceOutput::DeviceOutput(pappl_job_t* job)
+DeviceOutput::DeviceOutput(pappl_job_t* job, pappl_device_t* device)
     : job_(job),
       printer_(papplJobGetPrinter(job)),
+      lent_(device),
       turn_(turnOf(printer_), std::defer_lock),
       sent_(unnamedFile(spoolFolder())) {
-  // The library gives two jobs one connection where raster arrives while another job begins,
-  // and closes it at the end of the first. Each job has one of its own here.
-  papplPrinterCloseDevice(printer_);
   Active& all = active();
   const std::lock_guard lock(all.mutex);
   all.outputs.insert(this);
@@ -81,7 +79,7 @@ DeviceOutput::~DeviceOutput() {
 }
 
 void DeviceOutput::disconnect() {
-  if (device_ != nullptr) papplDeviceClose(device_);
+  if (device_ != lent_) papplDeviceClose(device_);
   device_ = nullptr;
 }
 
@@ -89,11 +87,17 @@ bool DeviceOutput::goesOn() const {
   return !papplJobIsCanceled(job_) && papplSystemIsRunning(papplPrinterGetSystem(printer_));
 }
 
+// Where raster arrives while another job begins, the library gives both jobs one connection,
+// and closes it at the end of the first. So the second waits here, cancelled or not, and then
+// makes a connection of its own.
 bool DeviceOutput::open() {
-  while (!turn_.try_lock_for(kPause)) {
-    if (!goesOn()) return false;
+  if (!turn_.try_lock()) {
+    turn_.lock();
+    return connect();
   }
-  return connect();
+  device_ = lent_;
+  before_ = bytesWritten(device_);
+  return true;
 }
 
 bool DeviceOutput::connect() {
@@ -101,6 +105,7 @@ bool DeviceOutput::connect() {
     device_ = papplDeviceOpen(papplPrinterGetDeviceURI(printer_), papplJobGetName(job_),
                               papplLogDevice, papplPrinterGetSystem(printer_));
     if (device_ != nullptr) {
+      before_ = 0;
       papplPrinterSetReasons(printer_, PAPPL_PREASON_NONE, PAPPL_PREASON_OFFLINE);
       return true;
     }
@@ -152,7 +157,7 @@ bool DeviceOutput::allHasLeft() {
   since_ = now();
   papplDeviceFlush(device_);
   since_ = 0;
-  return bytesWritten(device_) >= bytes_;
+  return bytesWritten(device_) - before_ >= bytes_;
 }
 
 bool DeviceOutput::flush() {
@@ -182,9 +187,21 @@ bool DeviceOutput::recover() {
   }
 }
 
+namespace {
+
+bool isPrinting(const pappl_printer_t* printer) {
+  Active& all = active();
+  const std::lock_guard lock(all.mutex);
+  return std::ranges::any_of(
+      all.outputs, [&](const DeviceOutput* output) { return output->printer() == printer; });
+}
+
+}  // namespace
+
 bool updateStatus(pappl_printer_t* printer) {
-  // Opening a file for a look would make one.
-  if (std::string_view(papplPrinterGetDeviceURI(printer)).starts_with("file:")) return true;
+  // A look at a file would make one, and a connection to a network printer is its jobs'.
+  const std::string_view uri = papplPrinterGetDeviceURI(printer);
+  if (!uri.starts_with("usb:") || isPrinting(printer)) return true;
   pappl_device_t* device = papplPrinterOpenDevice(printer);
   if (device == nullptr) {
     papplPrinterSetReasons(printer, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
@@ -196,7 +213,25 @@ bool updateStatus(pappl_printer_t* printer) {
   return true;
 }
 
-bool watchPrinters(pappl_system_t* /*system*/, void* /*data*/) {
+namespace {
+
+void noteProcessing(pappl_job_t* job, void* found) {
+  if (papplJobGetState(job) == IPP_JSTATE_PROCESSING) *static_cast<bool*>(found) = true;
+}
+
+// The library itself waits for a printer that cannot be reached when a job begins, and calls
+// it stopped meanwhile.
+void noteUnreachable(pappl_printer_t* printer, void* /*data*/) {
+  bool begun = false;
+  if (papplPrinterGetState(printer) != IPP_PSTATE_STOPPED) return;
+  papplPrinterIterateActiveJobs(printer, noteProcessing, &begun, 1, 0);
+  if (begun) papplPrinterSetReasons(printer, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
+}
+
+}  // namespace
+
+bool watchPrinters(pappl_system_t* system, void* /*data*/) {
+  papplSystemIteratePrinters(system, noteUnreachable, nullptr);
   Active& all = active();
   const std::lock_guard lock(all.mutex);
   for (const DeviceOutput* output : all.outputs) {

@@ -16,7 +16,8 @@ namespace velka::app {
 
 class DeviceOutput {
  public:
-  explicit DeviceOutput(pappl_job_t* job);
+  /// Both stay the library's.
+  DeviceOutput(pappl_job_t* job, pappl_device_t* device);
   ~DeviceOutput();
   DeviceOutput(const DeviceOutput&) = delete;
   DeviceOutput& operator=(const DeviceOutput&) = delete;
@@ -48,10 +49,12 @@ class DeviceOutput {
 
   pappl_job_t* job_;
   pappl_printer_t* printer_;
+  pappl_device_t* lent_;
   pappl_device_t* device_ = nullptr;
-  std::unique_lock<std::timed_mutex> turn_;
+  std::unique_lock<std::mutex> turn_;
   UniqueFd sent_;  // what the printer got, on disk, without a name
   uint64_t bytes_ = 0;
+  uint64_t before_ = 0;  // the device's own count when we began
   std::atomic<int64_t> since_{0};
 };
 

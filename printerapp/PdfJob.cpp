@@ -171,12 +171,12 @@ DrawingJob drawingOf(pappl_job_t* job, const pappl_pr_options_t& options,
 // Copies that the printer does not make itself are drawn again, so that they come collated.
 class PdfJob {
  public:
-  PdfJob(pappl_job_t* job, pappl_pr_options_t* options)
+  PdfJob(pappl_job_t* job, pappl_device_t* device, pappl_pr_options_t* options)
       : job_(job),
         choices_(choicesOf(job, *options)),
         byPrinter_(modelOf(job) != nullptr && modelOf(job)->copiesByPrinter),
         copies_(std::max(options->copies, 1)),
-        print_(job, options, byPrinter_ ? static_cast<unsigned>(copies_) : 1U),
+        print_(job, options, device, byPrinter_ ? static_cast<unsigned>(copies_) : 1U),
         drawing_(drawingOf(job, *options, choices_)) {}
 
   bool run() {
@@ -242,11 +242,11 @@ class PdfJob {
   DrawingJob drawing_;
 };
 
-bool printPdf(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
+bool printPdf(pappl_job_t* job, pappl_device_t* device, void* /*data*/) {
   try {
     const Options options(papplJobCreatePrintOptions(job, 0, true));
     if (!options) return false;
-    return PdfJob(job, options.get()).run();
+    return PdfJob(job, device, options.get()).run();
   } catch (const std::exception& e) {
     papplLogJob(job, PAPPL_LOGLEVEL_ERROR, "The document cannot be printed: %s", e.what());
     return false;

@@ -50,12 +50,13 @@ const Model* modelOf(pappl_job_t* job) {
   return driver == nullptr ? nullptr : modelOf(driver);
 }
 
-PrintJob::PrintJob(pappl_job_t* job, pappl_pr_options_t* options, unsigned copies)
+PrintJob::PrintJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device,
+                   unsigned copies)
     : job_(job),
       options_(options),
       model_(modelOf(job)),
       copies_(copies),
-      output_(job),
+      output_(job, device),
       filter_([this](std::span<const uint8_t> bytes) { return output_.write(bytes); },
               [job](const std::string& line) {
                 papplLogJob(job, PAPPL_LOGLEVEL_INFO, "rastovelka: %s", line.c_str());

@@ -30,9 +30,9 @@ bool attempt(pappl_job_t* job, Step step) noexcept {
   }
 }
 
-bool startJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
+bool startJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device) {
   // The library repeats the pages of its own formats for copies.
-  papplJobSetData(job, new (std::nothrow) PrintJob(job, options, 1));
+  papplJobSetData(job, new (std::nothrow) PrintJob(job, options, device, 1));
   return attempt(job, [&](PrintJob& print) { return print.start(filterJobId(job), false); });
 }
 

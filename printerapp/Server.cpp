@@ -1,5 +1,7 @@
 #include "Server.h"
 
+#include <sys/stat.h>
+
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -146,6 +148,8 @@ pappl_system_t* makeSystem(int count, cups_option_t* list, void* /*context*/) {
   const int64_t port = options.number("server-port", kUsualPort);
   if (port < 1 || port > 65535) return refuse("server-port is no port"), nullptr;
   if (!readLevel(options.text("log-level", "info"), level) || !setLimits(options)) return nullptr;
+  // Whatever is made from here on is nobody else's business.
+  umask(077);
   const std::string wrong = useSpoolFolder(options.text("spool-directory", usualSpoolFolder()));
   if (!wrong.empty()) return refuse(wrong), nullptr;
   if (models().empty()) return refuse("the printers' descriptions cannot be read"), nullptr;

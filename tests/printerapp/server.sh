@@ -79,6 +79,7 @@ end_app() {
 clean_up() {
   local status=$?
   end_app KILL
+  for helper in "${helpers[@]}"; do kill "$helper" 2>/dev/null || true; done
   if ((status != 0)) && [[ -n ${VELKA_KEEP:-} ]]; then cp -a "$work" "$VELKA_KEEP/"; fi
   rm -rf "$work"
 }
