@@ -1,10 +1,30 @@
 # What others say a driverless printer is.
 # shellcheck shell=bash disable=SC2154
 
+# What the library does not do, whoever uses it: it tells two securities for one address, names
+# the languages of its texts twice, and has no overrides of single pages. All else passes, or is
+# for what these printers have not (URIs for documents; resolutions and raster kinds by name).
+known_failures='RFC 8011 section 4.2.5: Get-Printer-Attributes Operation (default)
+PWG 5100.12 section 6.2 - Required Printer Description Attributes
+PWG 5100.14 section 5.1/5.2 - Required Operations and Attributes'
+
+# check_verdict MODEL
+check_verdict() {
+  local said=$work/$1.everywhere
+  [[ $(sed -n 's/^ *\(.*[^ ]\) *\[FAIL\]$/\1/p' "$said") == "$known_failures" ]] ||
+    fail "$1: $(grep -F '[FAIL]' "$said")"
+  [[ $(grep -E '^ *EXPECTED:' "$said" | grep -vE 'SAME-COUNT-AS uri-(security|authentication)|overrides-supported') == '' ]] ||
+    fail "$1: $(grep -E '^ *EXPECTED:' "$said")"
+  [[ $(grep -c 'Duplicate ' "$said") == 1 ]] || fail "$1: $(grep 'Duplicate ' "$said")"
+  (($(grep -c '\[PASS\]' "$said") == 95)) || fail "$1: $(grep -c '\[PASS\]' "$said") checks pass"
+  ! grep -F '[SKIP]' "$said" | grep -vE 'URI|Create-Job Operation|@ (150|300|600|720)dpi|black-1|cmyk-8|srgb-16' ||
+    fail "$1: skipped for another reason"
+}
+
 # CUPS's own test of printers that need no driver. Rasters of its samples, which no package
 # has, are ours, in the resolutions that the printers have; the others are skipped by it.
 case_everywhere() {
-  local tests=/usr/share/cups/ipptool model sample kind dpi found run runs=()
+  local tests=/usr/share/cups/ipptool model sample kind dpi run runs=()
   [[ -e $tests/ipp-everywhere.test ]] || skip "ipp-everywhere.test is not here (package cups-ipp-utils)"
   start_app
   add_printers
@@ -34,9 +54,7 @@ case_everywhere() {
   done
   for run in "${runs[@]}"; do wait "$run" || true; done
   for model in standard orlo; do
-    grep -E '\[(FAIL|SKIP)\]|^ *(EXPECTED|GOT|STATUS):' "$work/$model.everywhere" | head -n 60 || true
+    check_verdict "$model"
     [[ -z ${VELKA_KEEP:-} ]] || cp "$work/$model.everywhere" "$log" "$VELKA_KEEP/"
-    found=$(grep -c '\[PASS\]' "$work/$model.everywhere" || true)
-    echo "$model: $found pass"
   done
 }
