@@ -27,6 +27,7 @@ wait_until "the application answers" is_there
 
 # A page of paper for each of the document, with both inks on it.
 document 2 >"$work/letter.pdf"
+sent=0
 for model in standard orlo; do
   mkdir "$work/app/$model"
   "$app" add -u "$uri/system" -d "$model" -m "velka_$model" -v "file://$work/app/$model" </dev/null ||
@@ -34,9 +35,10 @@ for model in standard orlo; do
   lpadmin -p "$model" -E -v "$uri/print/$model" -m everywhere 2>"$work/lpadmin.log" ||
     die "no driverless queue $model: $(cat "$work/lpadmin.log")"
   lp -d "$model" -t letter -o media=iso_a4_210x297mm "$work/letter.pdf" >/dev/null
+  sent=$((sent + 1))
   printed=
   has_printed() {
-    grep -q "Completed, job-impressions-completed" "$work/app/log" &&
+    (($(grep -c "Completed, job-impressions-completed" "$work/app/log") == sent)) &&
       printed=$(find "$work/app/$model" -type f -size +0) && [[ -n $printed ]] &&
       [[ -z $(lpstat -W not-completed -o "$model") ]]
   }
