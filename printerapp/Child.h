@@ -14,10 +14,10 @@
 namespace velka::app {
 
 struct ChildProgram {
-  std::string program;                 ///< with its folder
-  std::vector<std::string> arguments;  ///< the program's name first
+  std::string program;                                           ///< with its folder
+  std::vector<std::string> arguments;                            ///< the program's name first
   std::vector<std::pair<std::string, std::string>> environment;  ///< beside our own
-  int input = -1;             ///< becomes its standard input; -1: a pipe
+  int input = -1;              ///< becomes its standard input; -1: a pipe
   std::string_view thirdText;  ///< what it reads from /dev/fd/3; none where empty
 };
 

@@ -42,7 +42,9 @@ std::mutex& turnOf(pappl_printer_t* printer) {
   return turns[papplPrinterGetID(printer)];
 }
 
-int64_t now() noexcept { return Clock::now().time_since_epoch().count(); }
+int64_t now() noexcept {
+  return Clock::now().time_since_epoch().count();
+}
 
 uint64_t bytesWritten(pappl_device_t* device) {
   pappl_devmetrics_t metrics = {};
@@ -110,7 +112,8 @@ bool DeviceOutput::connect() {
       return true;
     }
     papplPrinterSetReasons(printer_, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
-    if (first) papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The printer cannot be reached; the job waits.");
+    if (first)
+      papplLogJob(job_, PAPPL_LOGLEVEL_ERROR, "The printer cannot be reached; the job waits.");
     std::this_thread::sleep_for(kPause);
   }
   return false;
@@ -136,7 +139,8 @@ bool DeviceOutput::send(std::span<const uint8_t> bytes) {
   while (!bytes.empty()) {
     const auto chunk = bytes.first(std::min(bytes.size(), kChunk));
     since_ = now();
-    const ssize_t n = device_ == nullptr ? -1 : papplDeviceWrite(device_, chunk.data(), chunk.size());
+    const ssize_t n =
+        device_ == nullptr ? -1 : papplDeviceWrite(device_, chunk.data(), chunk.size());
     since_ = 0;
     if (n < 0) return false;
     bytes_ += chunk.size();

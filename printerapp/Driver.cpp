@@ -48,8 +48,7 @@ void describePaper(const Model& model, pappl_pr_driver_data_t& data) {
   data.type[0] = "stationery";
   data.media_ready[0] = readyMedia(model.defaultPaper, kSheets);
   const auto roll = std::ranges::find(model.papers, kRollReady, &Paper::media);
-  data.media_ready[1] =
-      readyMedia(roll == model.papers.end() ? model.defaultPaper : *roll, kRoll);
+  data.media_ready[1] = readyMedia(roll == model.papers.end() ? model.defaultPaper : *roll, kRoll);
   data.media_default = data.media_ready[0];
 }
 
@@ -81,8 +80,7 @@ void describePages(pappl_pr_driver_data_t& data) {
 }
 
 // Nothing that the printer takes makes it blink or ring.
-void identify(pappl_printer_t* printer, pappl_identify_actions_t /*actions*/,
-              const char* message) {
+void identify(pappl_printer_t* printer, pappl_identify_actions_t /*actions*/, const char* message) {
   papplLogPrinter(printer, PAPPL_LOGLEVEL_INFO, "Somebody wants to know which printer this is%s%s",
                   message == nullptr ? "" : ": ", message == nullptr ? "" : message);
 }

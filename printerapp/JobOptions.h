@@ -11,9 +11,9 @@ namespace velka::app {
 /// What a job, or else its printer's defaults, chose.
 struct JobChoices {
   std::map<std::string, std::string> vendor;  ///< by the options' names
-  bool inkStated = false;   ///< the job itself names OutputColorType
-  bool monochrome = false;  ///< it asks to be printed without colour
-  bool pdfCopy = false;     ///< a PDF of the pages is there for PdfPreprocess
+  bool inkStated = false;                     ///< the job itself names OutputColorType
+  bool monochrome = false;                    ///< it asks to be printed without colour
+  bool pdfCopy = false;                       ///< a PDF of the pages is there for PdfPreprocess
 };
 
 /// "OutputColorType=Black RedMinValue=90 ...". Each option of the model stands there once:

@@ -10,8 +10,7 @@ constexpr uint8_t kWhite = 0xFF;
 bool isRgb(const cups_page_header2_t& page) noexcept {
   const cups_cspace_t space = page.cupsColorSpace;
   return page.cupsBitsPerPixel == 24 && page.cupsBitsPerColor == 8 &&
-         (space == CUPS_CSPACE_SRGB || space == CUPS_CSPACE_RGB ||
-          space == CUPS_CSPACE_ADOBERGB);
+         (space == CUPS_CSPACE_SRGB || space == CUPS_CSPACE_RGB || space == CUPS_CSPACE_ADOBERGB);
 }
 
 bool isGrey(const cups_page_header2_t& page) noexcept {

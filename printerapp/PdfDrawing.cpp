@@ -135,8 +135,8 @@ class RasterPage {
   }
 
   bool write(cups_raster_t* raster) {
-    const Surface band(cairo_image_surface_create(
-        CAIRO_FORMAT_RGB24, static_cast<int>(dots_.width), static_cast<int>(bandRows_)));
+    const Surface band(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(dots_.width),
+                                                  static_cast<int>(bandRows_)));
     if (cairo_surface_status(band.get()) != CAIRO_STATUS_SUCCESS) return false;
     std::vector<uint8_t> line(size_t{dots_.width} * 3);
     for (uint32_t y = 0; y < dots_.height; y += bandRows_) {

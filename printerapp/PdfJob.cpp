@@ -161,8 +161,7 @@ DrawingJob drawingOf(pappl_job_t* job, const pappl_pr_options_t& options,
   drawing.dpi = resolutionFor(job, options, choices);
   drawing.paper = {static_cast<double>(options.media.size_width),
                    static_cast<double>(options.media.size_length)};
-  drawing.wishes = {scalingOf(options.print_scaling), turnOf(job, options),
-                    hasFidelity(job)};
+  drawing.wishes = {scalingOf(options.print_scaling), turnOf(job, options), hasFidelity(job)};
   drawing.pages = rangesOf(job);
   drawing.mostPages = limits.pages;
   return drawing;

@@ -77,8 +77,8 @@ bool PrintJob::start(const std::string& id, bool pdfCopy) {
   const std::string filter = findFilter();
   if (filter.empty()) return fail("rastovelka is missing, and nothing prints without it");
   if (!output_.open()) return failOrCancel() || fail("the printer was not reached");
-  FilterJob filterJob{filter, id, papplJobGetUsername(job_), papplJobGetName(job_), "",
-                      model_->ppd};
+  FilterJob filterJob{filter, id,         papplJobGetUsername(job_), papplJobGetName(job_),
+                      "",     model_->ppd};
   JobChoices choices = choicesOf(job_, *options_);
   choices.pdfCopy = pdfCopy;
   filterJob.options = filterOptions(*model_, choices);
@@ -106,11 +106,10 @@ bool PrintJob::startPage(const cups_page_header2_t& page) {
                 " pages, the most that a job may have");
   const uint64_t dots = uint64_t{page.cupsWidth} * page.cupsHeight;
   if (dots > limits.dots)
-    return fail("page " + std::to_string(pages_) + " has " + std::to_string(dots) +
-                " dots, and " + std::to_string(limits.dots) + " are the most that a page may have");
+    return fail("page " + std::to_string(pages_) + " has " + std::to_string(dots) + " dots, and " +
+                std::to_string(limits.dots) + " are the most that a page may have");
   const auto header = filterHeader(page, copies_);
-  if (!header)
-    return fail("page " + std::to_string(pages_) + " is of a kind that does not print");
+  if (!header) return fail("page " + std::to_string(pages_) + " is of a kind that does not print");
   page_ = page;
   line_.resize(header->cupsBytesPerLine);
   return filter_.startPage(*header) || failOrCancel();

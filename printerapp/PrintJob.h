@@ -19,8 +19,7 @@ namespace velka::app {
 class PrintJob {
  public:
   /// All stay the library's. `copies` is what the filter makes of each page by itself.
-  PrintJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device,
-           unsigned copies);
+  PrintJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device, unsigned copies);
 
   /// `id` tells the filter's files apart. Each of these is false where the job is to be
   /// aborted, and says why in its message.

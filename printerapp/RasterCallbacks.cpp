@@ -9,7 +9,9 @@
 namespace velka::app {
 namespace {
 
-PrintJob* printJob(pappl_job_t* job) { return static_cast<PrintJob*>(papplJobGetData(job)); }
+PrintJob* printJob(pappl_job_t* job) {
+  return static_cast<PrintJob*>(papplJobGetData(job));
+}
 
 // Ends a job that cannot go on. What the filter makes of what it has got is printed.
 bool giveUp(pappl_job_t* job) {

@@ -18,7 +18,9 @@ std::string& folder() {
 
 }  // namespace
 
-const std::string& spoolFolder() noexcept { return folder(); }
+const std::string& spoolFolder() noexcept {
+  return folder();
+}
 
 std::string usualSpoolFolder() {
   constexpr const char* kName = "/velka-printer-app";
@@ -34,8 +36,7 @@ std::string useSpoolFolder(const std::string& name) {
   std::error_code error;
   const std::filesystem::path path(name);
   if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
-  if (mkdir(name.c_str(), 0700) != 0 && errno != EEXIST)
-    return name + ": " + std::strerror(errno);
+  if (mkdir(name.c_str(), 0700) != 0 && errno != EEXIST) return name + ": " + std::strerror(errno);
   struct stat status = {};
   if (lstat(name.c_str(), &status) != 0) return name + ": " + std::strerror(errno);
   if (!S_ISDIR(status.st_mode)) return name + " is no folder";

@@ -20,9 +20,13 @@ namespace {
 
 using velka::UniqueFd;
 
-bool isThere(const std::string& name) { return access(name.c_str(), F_OK) == 0; }
+bool isThere(const std::string& name) {
+  return access(name.c_str(), F_OK) == 0;
+}
 
-void pauseBriefly() { usleep(20'000); }
+void pauseBriefly() {
+  usleep(20'000);
+}
 
 UniqueFd listenTo(uint16_t port) {
   UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
