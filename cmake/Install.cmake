@@ -68,6 +68,12 @@ set(folders ${filter_folder} ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_SBINDIR} ${
 if(VELKA_BUILD_PPDS)
   list(APPEND folders ${model_folder})
 endif()
+set(unit_folder lib/systemd/system)
+if(VELKA_HAS_PRINTERAPP)
+  list(APPEND folders ${unit_folder})
+else()
+  list(FILTER filter_pages EXCLUDE REGEX "velka-printer-app")
+endif()
 # Before any file: folders that are missing would get the modes of the umask.
 install(CODE "set(folders \"${folders}\")
 set(build_folder \"${PROJECT_BINARY_DIR}\")
@@ -86,6 +92,15 @@ install(TARGETS rastovelka velkapdfcopy velkaguard RUNTIME DESTINATION ${filter_
   PERMISSIONS ${program_modes})
 install(TARGETS velkaview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   PERMISSIONS ${program_modes})
+
+if(VELKA_HAS_PRINTERAPP)
+  install(TARGETS velka-printer-app RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    PERMISSIONS ${program_modes})
+  set(app_folder ${CMAKE_INSTALL_FULL_BINDIR})
+  configure_file(${PROJECT_SOURCE_DIR}/packaging/velka-printer-app.service.in
+    ${PROJECT_BINARY_DIR}/packaging/velka-printer-app.service @ONLY)
+  install_data(${unit_folder} ${PROJECT_BINARY_DIR}/packaging/velka-printer-app.service)
+endif()
 
 # Not the .drv that they are compiled from: CUPS would list each model once more.
 if(VELKA_BUILD_PPDS)

@@ -10,3 +10,7 @@ else()
   file(RELATIVE_PATH VELKA_FILTERS_FROM_BIN "/prefix/${commands}" "/prefix/${filters}")
 endif()
 target_compile_definitions(velka_view PRIVATE VELKA_FILTERS_FROM_BIN="${VELKA_FILTERS_FROM_BIN}")
+if(VELKA_HAS_PRINTERAPP)
+  target_compile_definitions(velka_appjobs PRIVATE
+    VELKA_FILTERS_FROM_BIN="${VELKA_FILTERS_FROM_BIN}" VELKA_SYSTEM_FILTERS="${cups_serverbin}/filter")
+endif()

@@ -13,6 +13,8 @@ packages=(
   poppler-utils                         # pdftoppm, pdfinfo
   libcairo2-dev libpng-dev              # pictures of pages
   libmicrohttpd-dev nlohmann-json3-dev  # velkaview --serve
+  libpappl-dev libpoppler-glib-dev      # the printer application
+  cups-ipp-utils curl                   # its tests
   libgtest-dev libgmock-dev locales     # tests, some of them in German
   zbar-tools                            # zbarimg, for the tests of barcodes
   appstream mandoc                      # checks of the metainfo and the manual pages

@@ -38,6 +38,10 @@ files_of() {
     echo "f 0755 lib/cups/filter/$name"
   done
   echo "f 0755 bin/velkaview"
+  [[ ! -e $build/printerapp/velka-printer-app ]] || {
+    echo "f 0755 bin/velka-printer-app"
+    echo "f 0644 lib/systemd/system/velka-printer-app.service"
+  }
   echo "f 0755 sbin/velka-doctor"
   for name in orlo standard; do
     echo "f 0644 share/cups/model/velka/velka-$name.ppd"
