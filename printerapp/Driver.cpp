@@ -176,18 +176,10 @@ const char* matchDriver(const char* /*info*/, const char* /*uri*/, const char* d
 }
 
 void addTexts(pappl_system_t* system) {
-  // The library keeps pointers to both texts.
-  static std::vector<std::pair<std::string, std::string>> kept;
   if (models().empty()) return;
-  const Model& model = models().front();
-  std::vector<std::string> languages = model.languages;
-  languages.emplace_back("en");
-  kept.reserve(languages.size());
-  for (const std::string& language : languages) {
-    const auto& [name, lines] = kept.emplace_back(language, stringsOf(model, language));
-    papplSystemAddStringsData(system, ("/options-" + name + ".strings").c_str(), name.c_str(),
-                              lines.c_str());
-  }
+  // The library keeps a pointer to it.
+  static const std::string lines = stringsOf(models().front());
+  papplSystemAddStringsData(system, "/options.strings", "en", lines.c_str());
 }
 
 }  // namespace velka::app

@@ -27,14 +27,6 @@ Ppd openPpd(std::string_view text) {
   return {ppdOpenFd(file.release()), &ppdClose};
 }
 
-std::vector<ppd_attr_t*> attributesOf(ppd_file_t* ppd, const char* name) {
-  std::vector<ppd_attr_t*> found;
-  for (ppd_attr_t* a = ppdFindAttr(ppd, name, nullptr); a != nullptr;
-       a = ppdFindNextAttr(ppd, name, nullptr))
-    found.push_back(a);
-  return found;
-}
-
 // Pairs of an option and a choice that dialogs hide: the names that choices once had.
 std::set<std::string> oldNames(ppd_file_t* ppd) {
   std::set<std::string> names;
@@ -123,20 +115,6 @@ void readPapers(ppd_file_t* ppd, Model& model) {
   model.largest = custom("custom_max_", ppd->custom_max);
 }
 
-std::vector<std::string> readLanguages(ppd_file_t* ppd) {
-  std::vector<std::string> languages;
-  for (const ppd_attr_t* attribute : attributesOf(ppd, "cupsLanguages")) {
-    std::string_view rest = attribute->value;
-    while (!rest.empty()) {
-      const size_t blank = std::min(rest.find(' '), rest.size());
-      const std::string language(rest.substr(0, blank));
-      if (!language.empty() && language != "en") languages.push_back(language);
-      rest.remove_prefix(std::min(blank + 1, rest.size()));
-    }
-  }
-  return languages;
-}
-
 bool readModel(Model& model) {
   const Ppd ppd = openPpd(model.ppd);
   if (ppd == nullptr) return false;
@@ -149,7 +127,6 @@ bool readModel(Model& model) {
       model.resolutions.push_back(resolutionOf(choice.name));
   }
   readPapers(ppd.get(), model);
-  model.languages = readLanguages(ppd.get());
   return true;
 }
 
@@ -174,13 +151,6 @@ std::string escaped(std::string_view text) {
 
 void addLine(std::string& lines, const std::string& key, std::string_view text) {
   lines.append("\"").append(key).append("\" = \"").append(escaped(text)).append("\";\n");
-}
-
-// A translated text of the PPD, or the English one.
-std::string textOf(ppd_file_t* ppd, const std::string& attribute, const std::string& spec,
-                   const std::string& english) {
-  const ppd_attr_t* found = ppdFindAttr(ppd, attribute.c_str(), spec.c_str());
-  return found == nullptr || found->text[0] == '\0' ? english : found->text;
 }
 
 }  // namespace
@@ -213,17 +183,12 @@ Resolution resolutionOf(std::string_view choice) noexcept {
   return r;
 }
 
-std::string stringsOf(const Model& model, const std::string& language) {
-  const Ppd ppd = openPpd(model.ppd);
+std::string stringsOf(const Model& model) {
   std::string lines;
-  if (ppd == nullptr) return lines;
   for (const VendorOption& option : model.options) {
-    addLine(lines, option.name,
-            textOf(ppd.get(), language + ".Translation", option.name, option.text));
-    for (const Choice& choice : option.choices) {
-      addLine(lines, option.name + "." + choice.name,
-              textOf(ppd.get(), language + "." + option.name, choice.name, choice.text));
-    }
+    addLine(lines, option.name, option.text);
+    for (const Choice& choice : option.choices)
+      addLine(lines, option.name + "." + choice.name, choice.text);
   }
   return lines;
 }

@@ -47,7 +47,6 @@ struct Model {
   Paper defaultPaper;
   Paper smallest;  ///< bounds of custom sizes
   Paper largest;
-  std::vector<std::string> languages;  ///< that the PPD has texts in, English aside
 
   [[nodiscard]] const VendorOption* option(std::string_view name) const noexcept;
 };
@@ -61,8 +60,8 @@ struct Model {
 /// "180dpi" and "120x180dpi" as two numbers; zeros for anything else.
 [[nodiscard]] Resolution resolutionOf(std::string_view choice) noexcept;
 
-/// The texts of a model's options in a language ("de") as lines of a .strings file, the
-/// keys "OPTION" and "OPTION.CHOICE"; English for "en".
-[[nodiscard]] std::string stringsOf(const Model& model, const std::string& language);
+/// The texts of a model's options, in English, as lines of a .strings file, the keys "OPTION"
+/// and "OPTION.CHOICE".
+[[nodiscard]] std::string stringsOf(const Model& model);
 
 }  // namespace velka::app
