@@ -48,8 +48,10 @@ export class Paper {
     const numbers = (name) => answer.headers.get(name).split(" ").map(Number);
     const [width, height] = numbers("Velka-Whole");
     const [left, top, w, h] = numbers("Velka-Piece");
-    const bytes = new Uint8ClampedArray(await answer.arrayBuffer());
-    if (asked !== this.asked) return false;
+    // A newer wish ends an answer on its way, too.
+    const body = await answer.arrayBuffer().catch(() => null);
+    if (!body || asked !== this.asked) return false;
+    const bytes = new Uint8ClampedArray(body);
     this.pixels.width = Math.max(w, 1);
     this.pixels.height = Math.max(h, 1);
     if (w > 0 && h > 0) this.pixels.getContext("2d").putImageData(new ImageData(bytes, w, h), 0, 0);
