@@ -7,7 +7,7 @@ set -euo pipefail
 folder=$1
 export DEBIAN_FRONTEND=noninteractive
 unset CUPS_SERVER
-ours=(printer-driver-velka velka-tools)
+ours=(velka-printer-app printer-driver-velka velka-tools)
 socket=/run/cups/cups.sock
 
 step() { printf '\n-- %s\n' "$*"; }
