@@ -65,13 +65,14 @@ tell_skipped() {
     ' "build/$1/Testing/Temporary/LastTest.log"
 }
 
-# run_tests PRESET [CTEST-ARGUMENT...]. As many at a time as there are processors unless
-# VELKA_TEST_JOBS says otherwise, since each has a /tmp of its own; one where they have not.
+# run_tests PRESET [CTEST-ARGUMENT...]. One more at a time than there are processors, for many
+# wait for servers and signals, unless VELKA_TEST_JOBS says otherwise; they can, since each has
+# a /tmp of its own. One where they have not.
 run_tests() {
   local preset=$1 jobs status=0
   shift
   say "Testing ($preset)"
-  if has_own_tmp; then jobs=$(nproc); else jobs=1; fi
+  if has_own_tmp; then jobs=$(($(nproc) + 1)); else jobs=1; fi
   ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-$jobs}" "$@" || status=$?
   tell_skipped "$preset"
   return "$status"
