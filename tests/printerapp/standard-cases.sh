@@ -15,7 +15,8 @@ check_verdict() {
     fail "$1: $(grep -F '[FAIL]' "$said")"
   [[ $(grep -E '^ *EXPECTED:' "$said" | grep -vE 'SAME-COUNT-AS uri-(security|authentication)|overrides-supported') == '' ]] ||
     fail "$1: $(grep -E '^ *EXPECTED:' "$said")"
-  [[ $(grep -c 'Duplicate ' "$said") == 1 ]] || fail "$1: $(grep 'Duplicate ' "$said")"
+  # Newer ones say it more than once.
+  [[ $(grep 'Duplicate ' "$said" | sort -u | wc -l) == 1 ]] || fail "$1: $(grep 'Duplicate ' "$said")"
   (($(grep -c '\[PASS\]' "$said") == 95)) || fail "$1: $(grep -c '\[PASS\]' "$said") checks pass"
   ! grep -F '[SKIP]' "$said" | grep -vE 'URI|Create-Job Operation|@ (150|300|600|720)dpi|black-1|cmyk-8|srgb-16' ||
     fail "$1: skipped for another reason"
