@@ -25,7 +25,7 @@ application=$!
 is_there() { (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null; }
 wait_until "the application answers" is_there
 
-# A page of paper for each of the document, with both inks on it.
+# A page of paper for each of the document.
 document 2 >"$work/letter.pdf"
 sent=0
 for model in standard orlo; do
@@ -34,8 +34,7 @@ for model in standard orlo; do
     die "no printer $model"
   lpadmin -p "$model" -E -v "$uri/print/$model" -m everywhere 2>"$work/lpadmin.log" ||
     die "no driverless queue $model: $(cat "$work/lpadmin.log")"
-  # Left to itself the client asks for grey now and then.
-  lp -d "$model" -t letter -o print-color-mode=color -o media=iso_a4_210x297mm "$work/letter.pdf" >/dev/null
+  lp -d "$model" -t letter -o media=iso_a4_210x297mm "$work/letter.pdf" >/dev/null
   sent=$((sent + 1))
   printed=
   has_printed() {
@@ -47,8 +46,7 @@ for model in standard orlo; do
   "$build/view/velkaview" --stats "$printed" >"$work/stats" 2>"$work/told" || fail "$model: no stream"
   stat_of() { sed -n "s/^$1  *//p" "$work/stats"; }
   [[ $(stat_of pages) == 2 ]] || fail "$model: $(stat_of pages) pages"
-  for ink in black red; do
-    (($(stat_of "$ink dots") > 1000)) || fail "$model: $(stat_of "$ink dots") $ink dots"
-  done
+  # Whether red is among them is up to the client, see docs/printerapp.md.
+  (($(stat_of "black dots") > 1000)) || fail "$model: $(stat_of "black dots") black dots"
 done
 ((failures == 0))
