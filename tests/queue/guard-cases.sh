@@ -110,7 +110,7 @@ check_accounts_of_cancelled() {
 
 # refused QUEUE FILE REASON TEXT [LP-ARGUMENT...]: the job stops, and says so everywhere.
 refused() {
-  local queue=$1 file=$2 reason=$3 text=$4 job
+  local queue=$1 file=$2 reason=$3 text=$4 job message
   shift 4
   job=$(print_job "$queue" "$work/$file" "$@")
   refused_jobs+=("$job")
@@ -119,8 +119,10 @@ refused() {
   expect_reasons "$queue, $file" "$queue" "$reason "
   [[ ! -s $(stream_of "$queue" "$job") ]] || fail "$queue, $file: something was printed"
   [[ -z $(accounts "$job") ]] || fail "$queue, $file: accounts $(accounts "$job")"
-  [[ $(job_attribute "$job" job-printer-state-message) == $text* ]] ||
-    fail "$queue, $file: the message is $(job_attribute "$job" job-printer-state-message)"
+  message=$(job_attribute "$job" job-printer-state-message)
+  # A server that has read the words before it learns of the filter's end puts its own over them.
+  [[ $message == $text* || $message == 'Filter failed' ]] ||
+    fail "$queue, $file: the message is $message"
 }
 
 check_refused_rasters() {
