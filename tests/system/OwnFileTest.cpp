@@ -11,8 +11,8 @@
 #include <string>
 #include <utility>
 
-#include "LogTestSupport.h"
 #include "OwnFile.h"
+#include "log/LogTestSupport.h"
 
 namespace {
 
