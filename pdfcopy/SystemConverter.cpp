@@ -1,6 +1,5 @@
 #include "SystemConverter.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 #include "CopyFile.h"
 #include "DocumentKind.h"
 #include "FilterMessages.h"
+#include "ProgramStart.h"
 
 namespace velka {
 namespace {
@@ -21,49 +21,21 @@ std::string pathOf(const std::string& name) {
   return folder == nullptr ? std::string() : std::string(folder) + "/filter/" + name;
 }
 
-// The document is its standard input, the PDF its standard output; signals are as
-// the scheduler hands them to a filter: none held back, none ignored. Those that we
-// handle get their usual way by themselves.
-struct SpawnSettings {
-  SpawnSettings(int document, int pdf) noexcept {
-    posix_spawn_file_actions_init(&files);
-    // Without them the PDF would go on to the next filter.
-    error = posix_spawn_file_actions_adddup2(&files, document, STDIN_FILENO);
-    if (error == 0) error = posix_spawn_file_actions_adddup2(&files, pdf, STDOUT_FILENO);
-    posix_spawnattr_init(&attributes);
-    sigset_t signals = {};
-    sigemptyset(&signals);
-    // The C library begins with this mask; the standard leaves it open.
-    posix_spawnattr_setsigmask(&attributes, &signals);
-    sigaddset(&signals, SIGPIPE);
-    sigaddset(&signals, SIGXFSZ);
-    posix_spawnattr_setsigdefault(&attributes, &signals);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  ~SpawnSettings() {
-    posix_spawn_file_actions_destroy(&files);
-    posix_spawnattr_destroy(&attributes);
-  }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-  int error = 0;  ///< why the child would not have its descriptors
-  posix_spawn_file_actions_t files = {};
-  posix_spawnattr_t attributes = {};
-};
-
-// Its process id, or 0 with errno set.
+// Its process id, or 0 with errno set. The document is its standard input, the PDF its
+// standard output; signals are as the scheduler hands them to a filter: none held back,
+// none ignored. Those that we handle get their usual way by themselves.
 pid_t start(const std::string& program, char* const argv[], int document, int pdf) {
   constexpr size_t kArgumentsWithoutFile = 6;
   std::array<char*, kArgumentsWithoutFile + 1> arguments = {};
   for (size_t i = 0; i < kArgumentsWithoutFile; ++i) arguments[i] = argv[i];
-  const SpawnSettings settings(document, pdf);
-  errno = settings.error;
-  if (errno != 0) return 0;
+  ProgramStart start;
+  start.place(document, STDIN_FILENO);
+  start.place(pdf, STDOUT_FILENO);
+  start.holdBackNone();
+  start.usualWayFor({SIGPIPE, SIGXFSZ});
   pid_t child = 0;
-  errno = posix_spawn(&child, program.c_str(), &settings.files, &settings.attributes,
-                      arguments.data(), environ);
-  return errno == 0 ? child : 0;
+  errno = start.run(child, program.c_str(), arguments.data(), environ);
+  return child;
 }
 
 // Its exit status, or 128 and the signal that ended it.

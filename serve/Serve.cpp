@@ -1,6 +1,5 @@
 #include "Serve.h"
 
-#include <spawn.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,6 +13,7 @@
 #include "Door.h"
 #include "Files.h"
 #include "Gate.h"
+#include "ProgramStart.h"
 #include "Report.h"
 #include "Secret.h"
 #include "TestPage.h"
@@ -52,15 +52,11 @@ void openInBrowser(const std::string& address, const view::SignalsHeld& held) {
   std::string program = "xdg-open";
   std::string word = address;
   const std::array<char*, 3> words{program.data(), word.data(), nullptr};
-  posix_spawnattr_t attributes{};
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setsigmask(&attributes, &held.before());
-  posix_spawnattr_setpgroup(&attributes, 0);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
+  ProgramStart start;
+  start.holdBack(held.before());
+  start.inOwnGroup();
   pid_t child = 0;
-  const int error =
-      posix_spawnp(&child, program.c_str(), nullptr, &attributes, words.data(), environ);
-  posix_spawnattr_destroy(&attributes);
+  const int error = start.runFromPath(child, program.c_str(), words.data(), environ);
   // NOLINTNEXTLINE(concurrency-mt-unsafe): the worst is a wrong word
   if (error != 0) (void)view::fail(program + ": " + std::strerror(error));
 }

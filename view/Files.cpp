@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -17,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<int, 4> kHeld{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr std::initializer_list<int> kHeld{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 struct Close {
   void operator()(std::FILE* file) const {
@@ -72,22 +73,13 @@ bool replaceable(const std::string& name) {
 
 }  // namespace
 
+SignalsHeld::SignalsHeld() : SignalsHeldBack(kHeld) {}
+
 bool SignalsHeld::pending() {
   sigset_t set;
   sigpending(&set);
   return std::ranges::any_of(
       kHeld, [&](int signal) { return sigismember(&set, signal) == 1 && !isIgnored(signal); });
-}
-
-SignalsHeld::SignalsHeld() {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : kHeld) sigaddset(&set, signal);
-  (void)pthread_sigmask(SIG_BLOCK, &set, &before_);
-}
-
-SignalsHeld::~SignalsHeld() {
-  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 std::string systemTrouble(const std::string& name) {

@@ -1,7 +1,6 @@
 // Whole files in and out.
 #pragma once
 
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -10,24 +9,18 @@
 #include <vector>
 
 #include "Outcome.h"
+#include "SignalsHeldBack.h"
 
 namespace velka::view {
 
 /// Holds SIGINT, SIGTERM, SIGHUP and SIGQUIT back while it lives, so that what must be
 /// removed at the end is; whatever came meanwhile takes effect then.
-class SignalsHeld {
+class SignalsHeld : public SignalsHeldBack {
  public:
   SignalsHeld();
-  ~SignalsHeld();
-  SignalsHeld(const SignalsHeld&) = delete;
-  SignalsHeld& operator=(const SignalsHeld&) = delete;
 
-  [[nodiscard]] const sigset_t& before() const { return before_; }
   /// Whether one waits to take effect; one that we ignore never does.
   [[nodiscard]] static bool pending();
-
- private:
-  sigset_t before_{};
 };
 
 /// The most bytes of a file that is read: an endless one must end some day.

@@ -1,90 +1,39 @@
 #include "Process.h"
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <string_view>
+
+#include "ProgramStart.h"
 
 namespace velka::view {
 namespace {
 
-// The arguments and the environment as a new program takes them.
-class Words {
- public:
-  void add(std::string word) { words_.push_back(std::move(word)); }
-
-  char* const* get() {
-    pointers_.clear();
-    for (std::string& word : words_) pointers_.push_back(word.data());
-    pointers_.push_back(nullptr);
-    return pointers_.data();
-  }
-
- private:
-  std::vector<std::string> words_;
-  std::vector<char*> pointers_;
-};
-
-Words argumentsOf(const Step& step) {
-  Words words;
+ProgramWords argumentsOf(const Step& step) {
+  ProgramWords words;
   words.add(step.program);
   for (const std::string& argument : step.arguments) words.add(argument);
   return words;
 }
 
-Words environmentOf(const Step& step) {
-  const auto replaced = [&](std::string_view entry) {
-    return std::ranges::any_of(step.environment, [&](const auto& pair) {
-      return entry.substr(0, entry.find('=')) == pair.first;
-    });
-  };
-  Words words;
-  for (char** entry = environ; *entry != nullptr; ++entry) {
-    if (!replaced(*entry)) words.add(*entry);
-  }
-  for (const auto& [name, value] : step.environment)
-    words.add(std::string(name).append("=").append(value));
-  return words;
+int start(const Step& step, const SignalsHeld& held, pid_t& child) {
+  constexpr int kNew = O_WRONLY | O_CREAT | O_TRUNC;
+  ProgramStart start;
+  start.open(STDIN_FILENO, step.input.c_str(), O_RDONLY);
+  start.open(STDOUT_FILENO, step.output.c_str(), kNew);
+  start.open(STDERR_FILENO, step.errors.c_str(), kNew);
+  start.holdBack(held.before());
+  start.inOwnGroup();
+  return start.run(child, step.program.c_str(), argumentsOf(step).get(),
+                   environmentWith(step.environment).get());
 }
-
-class SpawnSettings {
- public:
-  SpawnSettings(const Step& step, const SignalsHeld& held) {
-    posix_spawn_file_actions_init(&files);
-    posix_spawnattr_init(&attributes);
-    constexpr int kNew = O_WRONLY | O_CREAT | O_TRUNC;
-    const auto open = [this](int fd, const std::string& name, int flags) {
-      if (error == 0)
-        error = posix_spawn_file_actions_addopen(&files, fd, name.c_str(), flags, 0600);
-    };
-    open(STDIN_FILENO, step.input, O_RDONLY);
-    open(STDOUT_FILENO, step.output, kNew);
-    open(STDERR_FILENO, step.errors, kNew);
-    posix_spawnattr_setsigmask(&attributes, &held.before());
-    // A group of its own, so that what the program starts can be ended with it.
-    posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
-  }
-  ~SpawnSettings() {
-    posix_spawn_file_actions_destroy(&files);
-    posix_spawnattr_destroy(&attributes);
-  }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-  int error = 0;  ///< why the program would write to our own descriptors
-  posix_spawn_file_actions_t files{};
-  posix_spawnattr_t attributes{};
-};
 
 // The end of a program's standard error, without what it says for debugging.
 std::string lastWords(const std::string& errors) {
@@ -138,14 +87,8 @@ Problem judge(const Step& step, int status, bool dropped) {
 }  // namespace
 
 Problem runStep(const Step& step, const SignalsHeld& held) {
-  Words arguments = argumentsOf(step);
-  Words environment = environmentOf(step);
-  const SpawnSettings settings(step, held);
   pid_t child = 0;
-  int error = settings.error;
-  if (error == 0)
-    error = posix_spawn(&child, step.program.c_str(), &settings.files, &settings.attributes,
-                        arguments.get(), environment.get());
+  const int error = start(step, held, child);
   if (error != 0) return step.program + ": " + std::strerror(error);
   bool dropped = false;
   const int status = waitFor(child, step, dropped);
