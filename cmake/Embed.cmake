@@ -1,5 +1,7 @@
 # Embed.cmake: writes OUTPUT, the C++ source with the contents of FILES, each found by its
-# name through velka::serve::pageFile().
+# name through the function FUNCTION (with its namespace), which HEADER declares.
+#   cmake -DFILES=A;B -DHEADER=PageFiles.h -DFUNCTION=velka::serve::pageFile -DOUTPUT=FILE
+#     -P Embed.cmake
 set(tables "")
 set(rows "")
 set(number 0)
@@ -13,21 +15,19 @@ foreach(file IN LISTS FILES)
   math(EXPR number "${number} + 1")
 endforeach()
 file(WRITE "${OUTPUT}" "// Made by Embed.cmake.
-#include \"PageFiles.h\"
+#include \"${HEADER}\"
 
 #include <utility>
 
-namespace velka::serve {
 namespace {
 ${tables}
 const std::pair<std::string_view, std::string_view> kFiles[] = {
 ${rows}};
 }  // namespace
 
-std::optional<std::string_view> pageFile(std::string_view name) {
+std::optional<std::string_view> ${FUNCTION}(std::string_view name) {
   for (const auto& [known, bytes] : kFiles)
     if (known == name) return bytes;
   return std::nullopt;
 }
-}  // namespace velka::serve
 ")

@@ -133,9 +133,9 @@ bool readModel(Model& model) {
 std::vector<Model> readModels() {
   std::vector<Model> both(2);
   both[0].driver = "velka_standard";
-  both[0].ppd = standardPpd();
+  both[0].ppd = embeddedPpd("velka-standard.ppd").value_or("");
   both[1].driver = "velka_orlo";
-  both[1].ppd = orloPpd();
+  both[1].ppd = embeddedPpd("velka-orlo.ppd").value_or("");
   if (!readModel(both[0]) || !readModel(both[1])) both.clear();
   return both;
 }

@@ -5,37 +5,18 @@
 
 app=${VELKA_APP:-$build/printerapp/velka-printer-app}
 filter=$build/filter/rastovelka
-work=$(mktemp -d /tmp/velka-app.XXXXXX)
+work_form=/tmp/velka-app.XXXXXX
+# shellcheck source=tests/support/checks.sh
+source "$here/../support/checks.sh"
+# shellcheck source=tests/support/servers.sh
+source "$here/../support/servers.sh"
 prints=$work/prints
 log=$work/log
 server=
-failures=0
-
-fail() {
-  printf 'FAILED: %s\n' "$*" >&2
-  failures=$((failures + 1))
-}
-
-die() {
-  printf 'error: %s\n' "$*" >&2
-  [[ ! -s $log ]] || grep -v '^D ' "$log" | tail -n 25 >&2
-  exit 1
-}
 
 skip() {
   echo "skipped: $*"
   exit 77
-}
-
-# wait_until WHAT COMMAND...: polls; a machine may be slow, but not for ever.
-wait_until() {
-  local what=$1 round
-  shift
-  for ((round = 0; round < 1200; round++)); do
-    if "$@"; then return; fi
-    sleep 0.1
-  done
-  die "waited in vain until $what"
 }
 
 # One that nobody listens to; the system hands each of these out once.

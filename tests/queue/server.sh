@@ -5,12 +5,15 @@
 
 # Short, because the name of a socket may not be long; readable for all, because the
 # print service's user runs the filters.
-work=$(mktemp -d /tmp/velka-queue.XXXXXX)
+work_form=/tmp/velka-queue.XXXXXX
+# shellcheck source=tests/support/checks.sh
+source "$here/../support/checks.sh"
+# shellcheck source=tests/support/servers.sh
+source "$here/../support/servers.sh"
 chmod 755 "$work"
 prints=$work/prints
 log=$work/error_log
 server=
-failures=0
 # Names and job ids that no other server on this machine is likely to use: the PDF
 # copies of jobs meet in /tmp.
 first_job=$((100000000 + (RANDOM << 15) + RANDOM))
@@ -22,28 +25,6 @@ filter_log=/tmp/velka.log
 had_filter_log=$([[ ! -e $filter_log ]] || echo yes)
 # And that of another user would be in its way, which the server's log would be full of.
 rm -rf "$filter_log" 2>/dev/null || true
-
-fail() {
-  printf 'FAILED: %s\n' "$*" >&2
-  failures=$((failures + 1))
-}
-
-die() {
-  printf 'error: %s\n' "$*" >&2
-  [[ ! -s $log ]] || grep -v '^[dD] ' "$log" | tail -n 20 >&2
-  exit 1
-}
-
-# wait_until WHAT COMMAND...: polls; a machine may be slow, but not for ever.
-wait_until() {
-  local what=$1 round
-  shift
-  for ((round = 0; round < 1500; round++)); do
-    if "$@"; then return; fi
-    sleep 0.2
-  done
-  die "waited in vain until $what"
-}
 
 # Links to what the system's own folder holds beside ours.
 link_system() {
