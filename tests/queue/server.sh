@@ -38,7 +38,7 @@ die() {
 wait_until() {
   local what=$1 round
   shift
-  for ((round = 0; round < 1500; round++)); do
+  for ((round = 0; round < ${rounds:-1500}; round++)); do
     if "$@"; then return; fi
     sleep 0.2
   done
