@@ -13,6 +13,16 @@ namespace {
 constexpr unsigned kBitsPerByte = 8;
 constexpr uint8_t kClearToEnd = 128;
 
+struct Version {
+  uint32_t number;
+  size_t headerBytes;
+  bool compressed;
+};
+
+constexpr Version kVersions[] = {{CUPS_RASTER_SYNCv1, sizeof(cups_page_header_t), false},
+                                 {CUPS_RASTER_SYNCv2, sizeof(cups_page_header2_t), true},
+                                 {CUPS_RASTER_SYNC, sizeof(cups_page_header2_t), false}};
+
 struct RasterCloser {
   void operator()(cups_raster_t* raster) const noexcept { cupsRasterClose(raster); }
 };
@@ -54,15 +64,9 @@ uint32_t unitBytes(const cups_page_header2_t& header) noexcept {
 
 std::optional<RasterFormat> rasterFormat(const RasterSync& sync) noexcept {
   for (const bool swapped : {false, true}) {
-    switch (number(sync, swapped)) {
-      case CUPS_RASTER_SYNCv1:
-        return RasterFormat{sync, sizeof(cups_page_header_t), false};
-      case CUPS_RASTER_SYNCv2:
-        return RasterFormat{sync, sizeof(cups_page_header2_t), true};
-      case CUPS_RASTER_SYNC:
-        return RasterFormat{sync, sizeof(cups_page_header2_t), false};
-      default:
-        break;
+    for (const Version& version : kVersions) {
+      if (number(sync, swapped) == version.number)
+        return RasterFormat{sync, version.headerBytes, version.compressed};
     }
   }
   return std::nullopt;
@@ -149,14 +153,12 @@ void PageLines::beginLine(uint8_t repeats) noexcept {
 // A run that says more than the line still holds ends with the line.
 void PageLines::beginRun(uint8_t code) noexcept {
   constexpr uint32_t kMostLiterals = 257;
-  if (code == kClearToEnd) {
+  if (code == kClearToEnd || (code < kClearToEnd && left_ < pixelBytes_)) {
     left_ = 0;
   } else if (code > kClearToEnd) {
     data_ = static_cast<uint32_t>(
         std::min<uint64_t>(uint64_t{kMostLiterals - code} * pixelBytes_, left_));
     left_ -= data_;
-  } else if (left_ < pixelBytes_) {
-    left_ = 0;
   } else {
     left_ -= static_cast<uint32_t>(std::min<uint64_t>((uint64_t{code} + 1) * pixelBytes_, left_));
     data_ = pixelBytes_;

@@ -63,7 +63,8 @@ void describePages(pappl_pr_driver_data_t& data) {
       PAPPL_PWG_RASTER_TYPE_SRGB_8 | PAPPL_PWG_RASTER_TYPE_SGRAY_8 | PAPPL_PWG_RASTER_TYPE_BLACK_8;
   data.color_supported = PAPPL_COLOR_MODE_AUTO | PAPPL_COLOR_MODE_AUTO_MONOCHROME |
                          PAPPL_COLOR_MODE_COLOR | PAPPL_COLOR_MODE_MONOCHROME;
-  data.color_default = PAPPL_COLOR_MODE_AUTO;
+  // By name: newer CUPS (2.4.10) makes "auto" the first kind of Apple raster, which is grey.
+  data.color_default = PAPPL_COLOR_MODE_COLOR;
   data.content_default = PAPPL_CONTENT_AUTO;
   data.quality_default = IPP_QUALITY_NORMAL;
   // Nothing of a page is lost unless its job asks for that.

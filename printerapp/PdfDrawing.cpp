@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -83,8 +84,8 @@ cups_page_header2_t headerOf(const DrawingJob& job, Dots dots) {
   cups_page_header2_t header = {};
   header.HWResolution[0] = static_cast<unsigned>(job.dpi.x);
   header.HWResolution[1] = static_cast<unsigned>(job.dpi.y);
-  header.PageSize[0] = static_cast<unsigned>(points.width + 0.5);
-  header.PageSize[1] = static_cast<unsigned>(points.height + 0.5);
+  header.PageSize[0] = static_cast<unsigned>(std::lround(points.width));
+  header.PageSize[1] = static_cast<unsigned>(std::lround(points.height));
   header.cupsPageSize[0] = static_cast<float>(points.width);
   header.cupsPageSize[1] = static_cast<float>(points.height);
   header.cupsWidth = dots.width;

@@ -113,7 +113,7 @@ std::variant<Settings, Refusal> PrinterOptions::read(const Pairs& asked) const {
     const PrinterOption* option = find(keyword);
     if (option == nullptr) return Refusal{"the PPD has no option " + keyword};
     if (byName(option->choices, value) == nullptr) {
-      return Refusal{keyword + " has no choice '" + value + "'"};
+      return Refusal{std::string(keyword).append(" has no choice '").append(value).append("'")};
     }
   }
   Settings settings;

@@ -44,6 +44,10 @@ std::string fill(const NamedColour& colour) {
   return format("%g %g %g rg\n", colour.red, colour.green, colour.blue);
 }
 
+constexpr const char* kPage =
+    "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R /Resources << /Font "
+    "<< /Roman 5 0 R /Bold 6 0 R >> /Shading << /Soft 7 0 R >> >> >>";
+
 std::string box(Spot at, double width, double height) {
   return format("%g %g %g %g re f\n", at.x, at.y, width, height);
 }
@@ -52,7 +56,9 @@ std::string colours() {
   std::string page;
   for (size_t i = 0; i < kColours.size(); ++i) {
     const NamedColour& colour = kColours.at(i);
-    const Spot at{60.0 + 165 * static_cast<double>(i % 3), 560 - 34 * static_cast<double>(i / 3)};
+    const size_t column = i % 3;
+    const size_t row = i / 3;
+    const Spot at{60.0 + 165 * static_cast<double>(column), 560 - 34 * static_cast<double>(row)};
     page += fill(colour) + box(at, 40, 22);
     page += text("Bold", 16, {at.x + 48, at.y + 5}, colour.name);
   }
@@ -135,9 +141,7 @@ std::string pdfOf(const std::vector<std::string>& objects) {
 std::vector<uint8_t> testPage() {
   const std::string page = content();
   const std::string pdf = pdfOf(
-      {"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-       "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R /Resources << /Font "
-       "<< /Roman 5 0 R /Bold 6 0 R >> /Shading << /Soft 7 0 R >> >> >>",
+      {"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>", kPage,
        "<< /Length " + std::to_string(page.size()) + " >>\nstream\n" + page + "endstream",
        font("Helvetica"), font("Helvetica-Bold"), shading()});
   return {pdf.begin(), pdf.end()};

@@ -73,7 +73,7 @@ in_system() { unshare --mount --pid --fork --kill-child "$BASH" "$@"; }
 # by chroot, in which a user may have no namespaces.
 enter_system() {
   mount --bind "$1" "$1"
-  cd "$1"
+  cd "$1" || exit
   mount -t proc proc proc
   mount --rbind /dev dev
   pivot_root . mnt

@@ -3,7 +3,9 @@
 # the folder of the programs that make raster and stand in for printers.
 set -euo pipefail
 
-build=$1 rasters=$2/app_raster printers=$2/app_printer case=$3
+build=$1 rasters=$2/app_raster case=$3
+# shellcheck disable=SC2034  # for the cases
+printers=$2/app_printer
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=tests/printerapp/server.sh
 source "$here/server.sh"

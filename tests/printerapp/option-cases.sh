@@ -70,6 +70,43 @@ case_by_ipp() {
   done
 }
 
+# Red unless a job asks for none. The default is a colour by name: CUPS 2.4.10 takes "auto" for
+# the first kind of raster that a printer tells, which is grey.
+case_colour_modes() {
+  local model mode wanted stats
+  start_app
+  add_printers
+  pattern srgb 3000 2000 180 180 1 small
+  document 1 >"$work/one.pdf"
+  draw <"$work/one.pdf" >"$work/one.ras"
+  for model in standard orlo; do
+    read_attributes "$model"
+    [[ $(attribute "$model" print-color-mode-default) == color ]] ||
+      fail "$model: the default is $(attribute "$model" print-color-mode-default)"
+    for mode in none auto color monochrome auto-monochrome; do
+      wanted=
+      [[ $mode != *monochrome ]] || wanted=OutputColorType=Black
+      print_mode image/pwg-raster "$work/small.pwg" "raster-$mode"
+      filtered "$model" "$wanted" "$work/small.ras" "$work/expected"
+      same_bytes "$model, raster, $mode" "$prints/$model/raster-$mode.prn" "$work/expected"
+      print_mode application/pdf "$work/one.pdf" "pdf-$mode"
+      filtered "$model" "$wanted" "$work/one.ras" "$work/expected"
+      same_bytes "$model, PDF, $mode" "$prints/$model/pdf-$mode.prn" "$work/expected"
+    done
+    stats=$("$build/view/velkaview" --stats "$prints/$model/raster-none.prn" 2>/dev/null) ||
+      fail "$model: no stream"
+    grep -qE '^red dots +[1-9]' <<<"$stats" || fail "$model: no red where nothing is asked for"
+  done
+}
+
+# print_mode TYPE FILE TITLE: with $mode as the job's attribute, or none.
+print_mode() {
+  local attributes=()
+  [[ $mode == none ]] || attributes=("ATTR keyword print-color-mode $mode")
+  print_job "$model" "$@" "${attributes[@]}"
+  [[ $state == completed ]] || fail "$3, $model: $state: $(message "$model" "$job")"
+}
+
 # The form of the printer's page sets the defaults, all at once.
 case_by_web_form() {
   local model option default other fields wanted page

@@ -89,7 +89,7 @@ case_copies() {
 
 # Pictures, which the library reads.
 case_pictures() {
-  local model kind type
+  local model kind
   command -v gs >/dev/null || skip "gs is not here (package ghostscript)"
   document 1 >"$work/one.pdf"
   gs -q -dBATCH -dNOPAUSE -r100 -sDEVICE=png16m -o "$work/picture.png" "$work/one.pdf"

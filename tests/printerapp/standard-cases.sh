@@ -33,7 +33,7 @@ case_everywhere() {
   cp "$tests"/*.test "$work/ipp/"
   document >"$work/ipp/letter.pdf"
   gzip -k "$work/ipp/letter.pdf"
-  for sample in $(sed -n 's/.*FILE \(pwg-raster-samples[^ ]*\).*/\1/p' "$work/ipp/ipp-everywhere.test" | sort -u); do
+  while read -r sample; do
     mkdir -p "$work/ipp/${sample%/*}"
     dpi=${sample%dpi.pwg*}
     dpi=${dpi##*-}
@@ -47,7 +47,7 @@ case_everywhere() {
     else
       : >"$work/ipp/$sample"
     fi
-  done
+  done < <(sed -n 's/.*FILE \(pwg-raster-samples[^ ]*\).*/\1/p' "$work/ipp/ipp-everywhere.test" | sort -u)
   for model in standard orlo; do
     (cd "$work/ipp" && ipptool -I -tvf letter.pdf "$(printer_uri "$model")" ipp-everywhere.test) \
       >"$work/$model.everywhere" 2>&1 &

@@ -1,5 +1,5 @@
 # What printers, people and clients do in the middle of a job.
-# shellcheck shell=bash disable=SC2154
+# shellcheck shell=bash disable=SC2154,SC2034
 
 # start_printer NAME: one behind a socket; what it gets last is $work/NAME.prn, and it is told
 # what to do by $work/NAME.hold and $work/NAME.drop.
@@ -213,7 +213,6 @@ case_private() {
   document >"$work/letter.pdf"
   start_app
   add_device standard velka_standard
-  name=standard
   send standard application/pdf "$work/letter.pdf" letter
   wait_until "the job waits" is_offline standard
   [[ $(stat -c %a "$work/spool") == 700 ]] || fail "the spool folder is open"

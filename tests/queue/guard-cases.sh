@@ -11,7 +11,7 @@ job_attribute() {
 
 # reasons_of QUEUE: our own reasons of the printer's state, in order.
 reasons_of() {
-  lpstat -l -p "$1" | sed -n 's/^[[:space:]]*Alerts: //p' | tr ' ,' '\n\n' | grep '^velka-' | sort | tr '\n' ' '
+  lpstat -l -p "$1" | sed -n 's/^[[:space:]]*Alerts: //p' | tr ' ,' '\n' | grep '^velka-' | sort | tr '\n' ' '
 }
 
 expect_reasons() { [[ $(reasons_of "$2") == "$3" ]] || fail "$1: reasons $(reasons_of "$2"), not $3"; }

@@ -9,10 +9,11 @@ die() {
 }
 
 # wait_until WHAT COMMAND...: polls; a machine may be slow, but not for ever.
+# $rounds, where set, is how often.
 wait_until() {
   local what=$1 round
   shift
-  for ((round = 0; round < 1500; round++)); do
+  for ((round = 0; round < ${rounds:-1500}; round++)); do
     if "$@"; then return; fi
     sleep 0.2
   done
