@@ -8,7 +8,7 @@
 #include <string>
 #include <variant>
 
-#include "Picture.h"
+#include "PaperView.h"
 #include "Rasters.h"
 #include "Stream.h"
 #include "Turns.h"

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "PaperView.h"
 #include "PictureRows.h"
 
 namespace velka::view {

@@ -1,6 +1,7 @@
 // The pages of a stream as pictures.
 #pragma once
 
+#include "PaperView.h"
 #include "PictureRows.h"
 
 namespace velka::view {

@@ -1,14 +1,12 @@
-// Pages as pictures.
+// A picture that is held whole.
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "DotGrid.h"
-#include "PageReader.h"
 
 namespace velka::view {
 
@@ -37,28 +35,5 @@ inline constexpr int64_t kMostPixels = decode::kMostCells;
 
 /// A white picture of that size, which may be beyond the limits.
 [[nodiscard]] Drawing blankPicture(double width, double height, double dpi);
-
-/// What paper a page is drawn on and how.
-struct PaperView {
-  decode::Model model = decode::Model::Standard;
-  decode::Grid grid;  ///< of all pages that are drawn
-  decode::PaperWidth width;
-  std::optional<double> dpi;
-  double scale = 1;  ///< times the stream's own, without `dpi`
-  bool pins = false;
-};
-
-/// The stream's own resolution, the same across and down: each dot is as many whole
-/// pixels as it needs for that.
-[[nodiscard]] double streamDpi(const PaperView& view);
-
-/// Dots of a page that miss the paper.
-[[nodiscard]] uint64_t dotsBesidePaper(const decode::Page& page, const PaperView& view);
-
-/// Draws a page whole; `outside` counts the dots that miss the paper.
-[[nodiscard]] Drawing drawPage(const decode::Page& page, const PaperView& view, uint64_t& outside);
-
-/// The picture at another resolution.
-[[nodiscard]] Drawing resample(Picture picture, double dpi);
 
 }  // namespace velka::view

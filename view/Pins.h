@@ -1,6 +1,7 @@
 // Dots as the pins leave them.
 #pragma once
 
+#include "PaperView.h"
 #include "PictureRows.h"
 
 namespace velka::view {

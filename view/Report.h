@@ -6,7 +6,7 @@
 
 #include "Arguments.h"
 #include "Outcome.h"
-#include "Picture.h"
+#include "PaperView.h"
 #include "Stream.h"
 
 namespace velka::view {

@@ -12,6 +12,7 @@
 #include "OptionCheck.h"
 #include "PageCells.h"
 #include "PageCheck.h"
+#include "PagePicture.h"
 #include "Progress.h"
 #include "Report.h"
 #include "TextFormat.h"

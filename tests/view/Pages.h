@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "PageReader.h"
-#include "Picture.h"
+#include "PaperView.h"
 #include "reference/ExpectedStream.h"
 
 namespace velka::viewtest {

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "Difference.h"
+#include "PagePicture.h"
 #include "PageRows.h"
 #include "Scaling.h"
 #include "view/Pages.h"

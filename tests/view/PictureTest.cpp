@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "ContactSheet.h"
-#include "Picture.h"
+#include "PagePicture.h"
 #include "Pins.h"
 #include "view/Pages.h"
 
