@@ -1,6 +1,11 @@
 // What a process counted, written also where it ends at once: in a signal's handler, or in
 // a child that must not run its parent's farewells. For coverage builds alone.
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
 
 namespace {
 
@@ -13,8 +18,21 @@ void (*faultsEnd)() = nullptr;
   faultsEnd = reinterpret_cast<void (*)()>(dlsym(RTLD_DEFAULT, "velkaFaultsEnd"));
 }
 
-[[gnu::destructor]] void endFaults() {
+// A limit on the size of files would end the process, or its counts.
+void makeWay() {
   if (faultsEnd != nullptr) faultsEnd();
+  const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+  setrlimit(RLIMIT_FSIZE, &none);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+// Counts that cannot be written, for want of descriptors or another user's rights, are to
+// leave no word among the program's own. Where no descriptor is left this takes one.
+[[gnu::destructor]] void endQuietly() {
+  makeWay();
+  close(STDIN_FILENO);
+  const int nothing = open("/dev/null", O_RDONLY);
+  if (nothing >= 0) dup2(nothing, STDERR_FILENO);
 }
 
 }  // namespace
@@ -25,13 +43,13 @@ void __gcov_dump();                   // NOLINT(bugprone-reserved-identifier): t
 int __real_raise(int);                // NOLINT(bugprone-reserved-identifier): the linker's
 
 [[noreturn]] void __wrap__exit(int status) {  // NOLINT(bugprone-reserved-identifier)
-  endFaults();
+  endQuietly();
   __gcov_dump();
   __real__exit(status);
 }
 
 int __wrap_raise(int signal) {  // NOLINT(bugprone-reserved-identifier)
-  endFaults();
+  makeWay();
   __gcov_dump();
   return __real_raise(signal);
 }

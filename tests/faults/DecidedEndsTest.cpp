@@ -184,6 +184,23 @@ TEST_F(DecidedEnds, AnEarlierRunsCopyThatCannotBeReplacedStopsTheJob) {
   EXPECT_EQ(gone.result.output, Bytes{});
 }
 
+// It loses sight of a page, not the page.
+TEST_F(DecidedEnds, AWatchThatLacksMemoryOncePassesTheRasterOnAllTheSame) {
+  const FaultyJob job(Kind::Guard);
+  const Trial good = job.run(kNoFault);
+  const uint64_t last = good.report.calls[static_cast<size_t>(Function::New)];
+  size_t passed = 0;
+  for (uint64_t n = 1; n <= last; ++n) {
+    const Trial trial = job.run("_Znwm:" + std::to_string(n) + ":once:ENOMEM");
+    EXPECT_EQ(countOf(trial.result.errors, "\nERROR: No memory to watch the job's pages\n"), 1U)
+        << n << trial.result.errors;
+    if (trial.result.status != 0) continue;
+    ++passed;
+    EXPECT_EQ(trial.result.output, good.result.output) << n;
+  }
+  EXPECT_GT(passed, 0U);
+}
+
 // What is written there would be taken for the picture.
 TEST_F(DecidedEnds, TheViewersChainNeverWritesToItsOwnOutput) {
   const FaultyJob job(Kind::View);
