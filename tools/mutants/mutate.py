@@ -34,7 +34,7 @@ PROGRAMS = {
     "log": ["log", "jobs"],
     "escp": ["reference", "escp", "exact", "jobs"],
     "orlo": ["orlo", "reference", "jobs"],
-    "filter": ["filter", "reference", "levels", "jobs", "exact"],
+    "filter": ["filter", "reference", "levels", "guard", "jobs", "exact"],
     "pdfcopy": ["pdfcopy"],
     "guard": ["guard"],
     "decode": ["decode", "view"],
