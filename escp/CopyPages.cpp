@@ -13,12 +13,6 @@ void CopyPages::endAt(unsigned int length) noexcept {
   (void)appendAt(&ends_, &size_, &size_, bytes);
 }
 
-void CopyPages::clear() noexcept {
-  std::free(ends_);
-  ends_ = nullptr;
-  size_ = 0;
-}
-
 void CopyPages::repeat(std::span<const uint8_t> kept, int times,
                        CancelFlag canceled) const noexcept {
   for (int i = 0; i < times && !isCanceled(canceled); ++i) {

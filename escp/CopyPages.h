@@ -21,14 +21,13 @@ using CancelFlag = const volatile std::sig_atomic_t*;
 class CopyPages {
  public:
   CopyPages() = default;
-  ~CopyPages() { clear(); }
+  ~CopyPages() { std::free(ends_); }
   CopyPages(const CopyPages&) = delete;
   CopyPages& operator=(const CopyPages&) = delete;
 
   /// A page ends where `length` bytes are kept. Without memory for that it counts as a
   /// part of the next one, which a cancelled job sends to its end.
   void endAt(unsigned int length) noexcept;
-  void clear() noexcept;
 
   /// What each round starts with; nothing by default.
   void startWith(const std::array<uint8_t, 3>& command) noexcept { start_ = command; }

@@ -70,7 +70,7 @@ class ThreadHelper {
 
   pthread_t thread_{};
   bool joinable_ = false;
-  std::atomic<bool> finished_ = false;
+  std::atomic<bool> finished_;  // meant where there is a thread, whose start sets it
 };
 
 namespace velka {

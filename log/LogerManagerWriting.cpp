@@ -212,10 +212,7 @@ bool LogerManager::drainOne(UnflushedWrites& unflushed) {
   if (record == nullptr) {
     return false;
   }
-  noThrow([&] {
-    handleRecord(*record, unflushed);
-    return true;
-  });
+  velka::attempt([&] { handleRecord(*record, unflushed); });
   freeLogData(record);
   return true;
 }

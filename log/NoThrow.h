@@ -14,4 +14,14 @@ Result noThrow(Action&& action, Result failure = Result{}) noexcept {
   }
 }
 
+/// The action as far as it gets, where nobody asks how it ended.
+template <class Action>
+void attempt(Action&& action) noexcept {
+  try {
+    action();
+  } catch (...) {
+    return;
+  }
+}
+
 }  // namespace velka

@@ -37,10 +37,7 @@ LogerManager::LogerManager() noexcept {
   main.key = "Main";
   main.name = "velka";
   main.enable = true;
-  velka::noThrow([&main] {
-    main.name = velka::processName();
-    return true;
-  });
+  velka::attempt([&main] { main.name = velka::processName(); });
 }
 
 LogerManager::~LogerManager() {
@@ -86,10 +83,7 @@ void LogerManager::run() noexcept {
   if (quit_) {
     running_ = false;
   }
-  velka::noThrow([this] {
-    logBanner();
-    return true;
-  });
+  velka::attempt([this] { logBanner(); });
   startSignal_.post();
   serve();
   closeFiles();

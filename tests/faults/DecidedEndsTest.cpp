@@ -144,6 +144,63 @@ TEST_F(DecidedEnds, ACopyWithoutADescriptorStopsTheJobWithAWord) {
   }
 }
 
+// Of the document, on its way into the copy or to the next filter, or of the PPD.
+TEST_F(DecidedEnds, ACopyStopsTheJobWithAWordAtAnyReadOrWriteThatFails) {
+  for (const Kind kind : {Kind::PdfCopy, Kind::PictureCopy}) {
+    const FaultyJob job(kind);
+    if (!job.possible()) GTEST_SKIP() << "pdftoppm is not installed";
+    for (const auto& [function, name] :
+         {std::pair(Function::Read, "read:"), std::pair(Function::Write, "write:")}) {
+      const uint64_t last = callsOf(job, function);
+      size_t own = 0;
+      for (uint64_t n = 1; n <= last; ++n) {
+        const Trial trial = job.run(name + std::to_string(n) + ":once:EIO");
+        if (std::string(trial.report.caller.data()) != "velkapdfcopy") continue;
+        if (trial.result.status == 0) continue;  // a message that went unsaid
+        ++own;
+        EXPECT_EQ(trial.result.status, 1) << name << n;
+        EXPECT_EQ(countOf(trial.result.errors, "\nERROR: Cannot "), 1U)
+            << name << n << trial.result.errors;
+        EXPECT_EQ(trial.left, std::vector<std::string>{}) << name << n;
+      }
+      EXPECT_GT(own, 4U) << name;
+    }
+  }
+}
+
+TEST_F(DecidedEnds, AnEarlierRunsCopyThatCannotBeReplacedStopsTheJob) {
+  FaultyJob job(Kind::PdfCopy);
+  if (!job.possible()) GTEST_SKIP() << "pdftoppm is not installed";
+  ASSERT_EQ(job.run(kNoFault).result.status, 0);
+  job.keepWhatIsThere();
+  if (job.run(kNoFault).result.status != 0) GTEST_SKIP() << "/tmp keeps no attributes";
+  const Trial kept = job.run("unlink:1:once:EACCES");
+  EXPECT_EQ(kept.result.status, 1);
+  EXPECT_EQ(countOf(kept.result.errors, " is there already and none of our copies"), 1U);
+  // Its name is free then, and is not to be had all the same.
+  const Trial gone = job.run("linkat:2:once:EACCES");
+  EXPECT_EQ(gone.result.status, 1);
+  EXPECT_EQ(countOf(gone.result.errors, "\nERROR: Cannot make the PDF copy "), 1U);
+  EXPECT_EQ(gone.result.output, Bytes{});
+}
+
+// It loses sight of a page, not the page.
+TEST_F(DecidedEnds, AWatchThatLacksMemoryOncePassesTheRasterOnAllTheSame) {
+  const FaultyJob job(Kind::Guard);
+  const Trial good = job.run(kNoFault);
+  const uint64_t last = good.report.calls[static_cast<size_t>(Function::New)];
+  size_t passed = 0;
+  for (uint64_t n = 1; n <= last; ++n) {
+    const Trial trial = job.run("_Znwm:" + std::to_string(n) + ":once:ENOMEM");
+    EXPECT_EQ(countOf(trial.result.errors, "\nERROR: No memory to watch the job's pages\n"), 1U)
+        << n << trial.result.errors;
+    if (trial.result.status != 0) continue;
+    ++passed;
+    EXPECT_EQ(trial.result.output, good.result.output) << n;
+  }
+  EXPECT_GT(passed, 0U);
+}
+
 // What is written there would be taken for the picture.
 TEST_F(DecidedEnds, TheViewersChainNeverWritesToItsOwnOutput) {
   const FaultyJob job(Kind::View);

@@ -64,6 +64,10 @@ enum class Verdict : uint8_t { Pass, Fail, Short };
 /// Begins to count if VELKA_FAULT_PROGRAM names this very program; called before main().
 void beginCounting() noexcept;
 
+/// Ends it, for a program that is asked for by name and not by this header: what it does
+/// from here on is measurement.
+extern "C" void velkaFaultsEnd() noexcept;
+
 /// Counts a call and judges it.
 Verdict judge(Function function, const void* caller, size_t size = 0) noexcept;
 

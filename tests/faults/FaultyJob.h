@@ -20,6 +20,9 @@ struct Trial {
   std::vector<std::string> left;  ///< names below /tmp that were not there before
 };
 
+/// Names below /tmp, in order.
+std::vector<std::string> namesInTmp();
+
 class FaultyJob {
  public:
   enum class Kind : uint8_t {
@@ -46,6 +49,9 @@ class FaultyJob {
   /// program under test ends by SIGALRM where it takes longer than it may.
   [[nodiscard]] Trial run(const std::string& fault) const;
 
+  /// From here on each run finds what the one before has left below /tmp.
+  void keepWhatIsThere() { before_ = namesInTmp(); }
+
   /// The output where the PPD does not want pages from the PDF, without a fault.
   [[nodiscard]] Bytes outputOfRaster() const;
 
@@ -69,8 +75,5 @@ class FaultyJob {
 
 /// A fault that never comes: the run counts calls and is as good as any.
 inline constexpr const char* kNoFault = "malloc:1000000000:once:ENOMEM";
-
-/// Names below /tmp, in order.
-std::vector<std::string> namesInTmp();
 
 }  // namespace velka::testing

@@ -81,6 +81,8 @@ TEST(PageLimit, TakesNoResolutionThatTheQueueDoesNotOffer) {
   EXPECT_EQ(limitOf(size + resolutions({"360dpi"}), 720, 720), at360);
   EXPECT_EQ(limitOf(size + resolutions({"400x200dpi"}), 720, 720), uint64_t{40000} * 3 * 10000);
   EXPECT_EQ(limitOf(size + resolutions({"Draft"}), 720, 720), at360);
+  EXPECT_EQ(limitOf(size + resolutions({"0x180dpi"}), 720, 720), at360);
+  EXPECT_EQ(limitOf(size + resolutions({"180x0dpi"}), 720, 720), at360);
 }
 
 TEST(PageLimit, IsNeverMoreThan32Bits) {

@@ -40,6 +40,10 @@ extern "C" int posix_fadvise(int fd, off_t offset, off_t length, int advice) {
   return static_cast<int>(syscall(SYS_fadvise64, fd, offset, length, advice));
 }
 
+extern "C" int fseek(std::FILE* stream, long offset, int whence) {
+  return whence == logtest::unseekable ? -1 : fseeko(stream, offset, whence);
+}
+
 TEST(SafeFile, AppendingKeepsAndTruncatingEmptiesWhatIsThere) {
   const TempFolder folder;
   const std::string path = folder.file("a.log");
@@ -184,6 +188,19 @@ TEST(LogFile, LengthIsThatOfTheWholeFileWhereverItStands) {
   EXPECT_EQ(readFile(folder.file("a")), "1234567");
 }
 
+TEST(LogFile, HasNoLengthWhereTheStreamCannotGoToItsEndOrBack) {
+  const TempFolder folder;
+  writeFile(folder.file("a"), "12345");
+  Log4zFileHandler file;
+  ASSERT_TRUE(file.openForAppending(folder.file("a").c_str()));
+  for (const int whence : {SEEK_END, SEEK_SET}) {
+    logtest::unseekable = whence;
+    const long length = file.length();
+    logtest::unseekable = -1;
+    EXPECT_EQ(length, -1);
+  }
+}
+
 TEST(LogFile, FullDiskShowsAsAShortWrite) {
   const TempFolder folder;
   Log4zFileHandler file;
@@ -218,4 +235,14 @@ TEST(LogFile, ClosedHandleWritesNothing) {
   EXPECT_EQ(file.write("x", 1), 0U);
   file.flush();
   EXPECT_FALSE(file.isOpen());
+}
+
+// To the C library, to flush no stream is to flush all of them.
+TEST(LogFile, ClosedHandleFlushesNobodyElsesStream) {
+  const TempFolder folder;
+  const velka::UniqueFile other = openRegularForWriting(folder.file("a").c_str(), true);
+  ASSERT_NE(other, nullptr);
+  ASSERT_GE(std::fputs("kept back", other.get()), 0);
+  Log4zFileHandler().flush();
+  EXPECT_EQ(readFile(folder.file("a")), "");
 }

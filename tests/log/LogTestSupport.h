@@ -20,6 +20,13 @@
 
 #include "log4z.h"
 
+namespace logtest {
+
+/// Where no stream can be set to, of SEEK_SET and its like; none at first.
+inline thread_local int unseekable = -1;
+
+}  // namespace logtest
+
 namespace velka {
 
 struct LogerManagerAccess {

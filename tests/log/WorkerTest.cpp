@@ -238,6 +238,22 @@ TEST(LogWorker, QueuedChangesAreApplied) {
   EXPECT_EQ(manager.getStatusTotalPopQueue(), 11U);
 }
 
+// What a record held before it was used again stands behind its end.
+TEST(LogWorker, QueuedChangesEndWhereTheirTextDoes) {
+  const TempFolder folder;
+  LogerManager manager;
+  aimAt(manager, folder);
+  ASSERT_TRUE(manager.start());
+  for (const std::int32_t length : {2, 0, -1}) {
+    LogData* const record = changeRecord(manager, velka::SettingCode::Name, 0, "former");
+    record->contentLen = length;
+    Access::enqueue(manager, record);
+    ASSERT_TRUE(eventually([&] { return drained(manager); }));
+  }
+  ASSERT_TRUE(manager.stop());
+  EXPECT_EQ(Access::logger(manager).name, "");
+}
+
 TEST(LogWorker, QueuedRecordsOfNoLoggerAreDropped) {
   const TempFolder folder;
   LogerManager manager;

@@ -134,6 +134,17 @@ TEST_F(LogWriting, FileThatCannotBeOpenedTurnsTheOutputOff) {
   EXPECT_EQ(text(), "");
 }
 
+TEST_F(LogWriting, FileWhoseLengthCannotBeHadIsNotUsedAgain) {
+  ASSERT_TRUE(logText(manager, "before"));
+  const std::string before = text();
+  logtest::unseekable = SEEK_END;
+  logText(manager, "lost");
+  logtest::unseekable = -1;
+  EXPECT_FALSE(Access::logger(manager).outfile);
+  EXPECT_FALSE(Access::logger(manager).handle.isOpen());
+  EXPECT_EQ(text(), before);
+}
+
 TEST_F(LogWriting, LinkInPlaceOfTheLogTurnsTheOutputOff) {
   writeFile(folder.file("victim"), "precious");
   ASSERT_EQ(unlink(path().c_str()), 0);

@@ -1,6 +1,8 @@
 // Streams of small pages, written out by hand.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "BandWalk.h"
 #include "orlo/PageMaker.h"
 
@@ -287,6 +289,21 @@ TEST(Encoders, APageWithoutInkSendsNothing) {
     for (const Feed feed : {Feed::Front, Feed::Back})
       for (const bool split : {false, true})
         EXPECT_TRUE(encode(page, feed, split, mode.dpi).empty());
+}
+
+TEST(Encoders, StrikeNoRowOfAPageWithoutHeight) {
+  DotPage page(20, 60);
+  page.putBlack(0, 0);
+  for (const int64_t height : {int64_t{0}, int64_t{-1}, INT64_MIN}) {
+    COrloProcesser processor;
+    load(processor, page);
+    processor.m_PageHeight = height;
+    unsigned char* output = nullptr;
+    unsigned int length = 0;
+    processor.Encode2EscpSmlNoSlipt(&output, 0, &length, 180, 180, 1, 0);
+    const Bytes commands = commandsOf(processor);
+    EXPECT_EQ(std::ranges::count(commands, uint8_t{'*'}), 0) << height;
+  }
 }
 
 TEST(Encoders, SizeTheOutputByTheCommandsAndThreeBytes) {

@@ -1,8 +1,10 @@
 // How the commands of a page reach the caller.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <vector>
 
 #include "orlo/LiteralPipeline.h"
 
@@ -158,6 +160,30 @@ TEST_F(HandOver, ASecondPageOfAnotherSizeStartsWithCleanPlanes) {
   EXPECT_EQ(output, nullptr);
 }
 
+TEST_F(HandOver, TheSamePageOnTheSameObjectHasTheSameCommands) {
+  for (int round = 0; round < 2; ++round) {
+    unsigned char* output = nullptr;
+    EXPECT_EQ(call(&output, 0), 1);
+    EXPECT_EQ(Bytes(output, output + length_), commands());
+    std::free(output);
+  }
+}
+
+// Its planes are as large, so they stay, and their first row ends elsewhere.
+TEST_F(HandOver, ASecondPageOfAnotherShapeIsWhiteWhereNothingWasStored) {
+  page_ = Bitmap(8, 60);
+  page_.set(0, 0, 0, 0, 0);
+  unsigned char* output = nullptr;
+  EXPECT_EQ(call(&output, 0), 1);
+  std::free(output);
+  OrloPlane& black = processor_.m_BlackBuf;
+  ASSERT_EQ(black.size, 480U);
+  std::fill(black.data + black.filled, black.data + black.size, uint8_t{0});
+  const Bitmap wide(60, 8);
+  EXPECT_TRUE(processor_.MakePlanes(wide.bytes.data(), wide.size(), 60, 8, 180, 1));
+  EXPECT_EQ(Bytes(black.data, black.data + 60), Bytes{0} + Bytes(59, 255));
+}
+
 TEST(Processor, KeepsItsConfiguration) {
   COrloProcesser processor;
   processor.EnableFaceDet(true);
@@ -225,8 +251,20 @@ TEST(Processor, StartsEmpty) {
     EXPECT_EQ(plane->bottom, -1);
   }
   EXPECT_EQ(processor.m_pCmdBuf, nullptr);
-  EXPECT_EQ(processor.m_OutputColorType, 0);
   EXPECT_EQ(processor.m_PrintAreas.root, nullptr);
+}
+
+TEST(Processor, StartsWithAllOptionsAtZero) {
+  const COrloProcesser processor;
+  EXPECT_EQ(processor.m_OutputColorType | processor.m_ColorRangeUseFor, 0);
+  EXPECT_EQ(processor.m_SplitBlackRed, 0);
+  EXPECT_FALSE(processor.m_bFaceDet);
+  const std::vector<int> options = {
+      processor.m_sSpare4,       processor.m_sSpare5,       processor.m_sSpare6,
+      processor.m_sSpare7,       processor.m_BrightnessRed, processor.m_ContrastRed,
+      processor.m_LevelsRed,     processor.m_sDitherRed,    processor.m_BrightnessBlack,
+      processor.m_ContrastBlack, processor.m_LevelsBlack,   processor.m_sDitherBlack};
+  EXPECT_EQ(options, std::vector<int>(options.size(), 0));
 }
 
 TEST(Processor, StoresPixelsInsideItsPlanesOnly) {

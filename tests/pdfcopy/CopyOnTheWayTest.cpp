@@ -170,6 +170,19 @@ TEST_P(CopyOnTheWay, IsNotMadeWhereItsNameIsTaken) {
   EXPECT_EQ(filesOf(copy.id.text()).size(), 1U);
 }
 
+// Its name for the time until it is complete is longer than the one it gets.
+TEST(HiddenCopy, WhoseNameIsTooLongStopsTheJob) {
+  if (!canPlay(Files::NoneNameless)) GTEST_SKIP() << "the kernel plays no other file system";
+  CopyJob copy("long");
+  copy.job.arguments[0] = std::string(230, '9');
+  copy.job.beforeStart = [] { forbidNamelessFiles(); };
+  const FilterResult result = copy.run();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(result.output.empty());
+  EXPECT_NE(result.errors.find(".pdf: File name too long\n"), std::string::npos) << result.errors;
+  EXPECT_TRUE(filesOf(copy.job.arguments[0]).empty());
+}
+
 TEST(KilledCopy, LeavesNothing) {
   if (!tmpHasNamelessFiles()) GTEST_SKIP() << "/tmp has no nameless files";
   CopyJob copy("killed");

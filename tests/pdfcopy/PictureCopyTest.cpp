@@ -29,6 +29,7 @@ class PictureJob : public CopyJob {
   void addConverter(const std::string& name, const std::string& script) const {
     folder_.addScript("filter/" + name, script);
   }
+  [[nodiscard]] std::string folder() const { return folder_.path(); }
   [[nodiscard]] std::string note() const { return folder_.path() + "/note"; }
 
  private:
@@ -120,6 +121,21 @@ TEST(PictureCopy, StopsTheJobWhereNobodyKnowsThePrintSystemsFilters) {
   const FilterResult result = runFilter("/usr/bin/env", copy.job);
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.errors.find("\nERROR: CUPS_SERVERBIN is not set, so imagetopdf cannot be run\n"),
+            std::string::npos)
+      << result.errors;
+  EXPECT_TRUE(filesOf(copy.id.text()).empty());
+}
+
+TEST(PictureCopy, KeepsThePictureInTheFolderForTemporaryFilesAndStopsTheJobWithoutOne) {
+  PictureJob copy("folder", "echo '%PDF-'; cat");
+  copy.job.environment.emplace_back("TMPDIR", copy.folder());
+  EXPECT_EQ(copy.run().output, somePicture());
+  unlink(copy.id.pdf().c_str());
+  copy.job.environment.back().second = "/nonexistent";
+  const FilterResult result = copy.run();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(result.output.empty());
+  EXPECT_NE(result.errors.find("\nERROR: Cannot make a temporary file: No such file"),
             std::string::npos)
       << result.errors;
   EXPECT_TRUE(filesOf(copy.id.text()).empty());

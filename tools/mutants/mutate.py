@@ -3,7 +3,7 @@
 
 usage: mutate.py [--count N] [--seed N] [--workers N] [--least PERCENT] [FOLDER...]
        mutate.py --again REPORT: the survivors in what an earlier run said, as far as their
-       lines are where they were
+       lines still read as they did
 
 Each worker has a copy of the sources and a build of its own below build/mutants. A mutant
 dies when a test program fails, crashes or does not end; it does not count where it does not
@@ -16,6 +16,7 @@ import os
 import pathlib
 import queue
 import random
+import re
 import shutil
 import subprocess
 import sys
@@ -33,7 +34,7 @@ PROGRAMS = {
     "log": ["log", "jobs"],
     "escp": ["reference", "escp", "exact", "jobs"],
     "orlo": ["orlo", "reference", "jobs"],
-    "filter": ["filter", "reference", "levels", "jobs", "exact"],
+    "filter": ["filter", "reference", "levels", "guard", "jobs", "exact"],
     "pdfcopy": ["pdfcopy"],
     "guard": ["guard"],
     "decode": ["decode", "view"],
@@ -83,7 +84,7 @@ class Tree:
         binary = self.build_folder / "tests" / program / self.target(program)
         command = [str(self.folder / "tools" / "own-tmp.sh"), str(self.folder), "--",
                    "timeout", "-k", "5", str(int(limit)), str(binary), "--gtest_fail_fast",
-                   "--gtest_brief=1"]
+                   "--gtest_brief=1", "--gtest_filter=-Cost.*"]  # which wants a quiet machine
         return run(command, binary.parent)
 
     def objects_of(self, path):
@@ -163,11 +164,27 @@ def candidates(folders, chance):
     return found
 
 
+LINE_NUMBER = re.compile(r"(?<=:)\d+(?=: `)")
+
+
 def survivors(report, folders):
-    """Those that a report names as such."""
+    """Those that a report names as such; of lines that read alike, the one nearest by."""
     lines = [line for line in report.read_text().split("\n") if line.startswith("survived")]
-    named = {line[9:].rsplit(" (", 1)[0] for line in lines}
-    return [mutant for mutant, text in all_mutants(folders) if mutant.describe(text) in named]
+    there = {}
+    for mutant, text in all_mutants(folders):
+        name = mutant.describe(text)
+        alike = there.setdefault(LINE_NUMBER.sub("", name), {})
+        alike.setdefault(name, []).append(mutant)
+    found = []
+    for name in (line[9:].rsplit(" (", 1)[0] for line in lines):
+        alike = there.get(LINE_NUMBER.sub("", name), {})
+        if not alike:
+            print(f"gone     {name}", flush=True)
+            continue
+        at = int(LINE_NUMBER.search(name)[0])
+        nearest = min(alike, key=lambda other: abs(int(LINE_NUMBER.search(other)[0]) - at))
+        found += alike[nearest]
+    return found
 
 
 def main():
@@ -198,8 +215,8 @@ def verdicts(mutants, trees):
     def attempt(mutant):
         tree = idle.get()
         verdict, words = tree.try_mutant(mutant)
+        where = mutant.describe((tree.folder / mutant.path).read_text())
         idle.put(tree)
-        where = mutant.describe((ROOT / mutant.path).read_text())
         return verdict, f"{verdict:8} {where} ({words})"
 
     with ThreadPoolExecutor(len(trees)) as pool:
