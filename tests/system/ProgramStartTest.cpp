@@ -67,13 +67,13 @@ TEST(ProgramWords, StandAsTheyWereAddedWithANullBehind) {
 }
 
 TEST(Environment, HasEachNameOnceWithTheValueThatIsWanted) {
-  setenv("VELKA_A", "old", 1);
-  setenv("VELKA_AB", "kept", 1);
+  setenv("INHERITED_A", "old", 1);
+  setenv("INHERITED_AB", "kept", 1);
   const std::array<std::pair<std::string, std::string>, 2> values{
-      {{"VELKA_A", "new=er"}, {"VELKA_C", ""}}};
+      {{"INHERITED_A", "new=er"}, {"INHERITED_C", ""}}};
   ProgramStart start;
-  const Ended ended = run(start, "env | grep ^VELKA_ | sort", environmentWith(values));
-  EXPECT_EQ(ended.said, "VELKA_A=new=er\nVELKA_AB=kept\nVELKA_C=\n");
+  const Ended ended = run(start, "env | grep ^INHERITED_ | LC_ALL=C sort", environmentWith(values));
+  EXPECT_EQ(ended.said, "INHERITED_A=new=er\nINHERITED_AB=kept\nINHERITED_C=\n");
 }
 
 TEST(ProgramStart, WithoutItsDescriptorsAProgramIsNotStarted) {
