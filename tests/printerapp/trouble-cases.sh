@@ -33,14 +33,19 @@ long_document() {
   draw <"$work/long.pdf" >"$work/long.ras" || die "no pages are drawn"
 }
 
+# send_to_held MODEL: a printer that takes nothing, and a long job for it.
+send_to_held() {
+  add_device "$1" "velka_$1"
+  touch "$work/$1.hold"
+  start_printer "$1"
+  name=$1
+  send "$1" application/pdf "$work/long.pdf" long
+}
+
 case_out_of_paper() {
   long_document
   start_app
-  add_device standard velka_standard
-  touch "$work/standard.hold"
-  start_printer standard
-  name=standard
-  send standard application/pdf "$work/long.pdf" long
+  send_to_held standard
   wait_until "the printer is said to be off line" is_offline standard
   rm "$work/standard.hold"
   wait_until "the job is over" is_over
@@ -53,11 +58,7 @@ case_out_of_paper() {
 case_switched_off() {
   long_document
   start_app
-  add_device orlo velka_orlo
-  touch "$work/orlo.hold"
-  start_printer orlo
-  name=orlo
-  send orlo application/pdf "$work/long.pdf" long
+  send_to_held orlo
   wait_until "the printer takes nothing" is_offline orlo
   touch "$work/orlo.drop"
   rm "$work/orlo.hold"
@@ -78,11 +79,7 @@ case_cancel() {
   long_document
   start_app
   for model in standard orlo; do
-    add_device "$model" "velka_$model"
-    touch "$work/$model.hold"
-    start_printer "$model"
-    name=$model
-    send "$model" application/pdf "$work/long.pdf" long
+    send_to_held "$model"
     wait_until "the printer takes nothing" is_offline "$model"
     said=$(ask "$model" Cancel-Job "ATTR integer job-id $job") || fail "it cannot be cancelled: $said"
     rm "$work/$model.hold"
@@ -113,11 +110,7 @@ filter_of_server() {
 case_filter_dies() {
   long_document
   start_app
-  add_device standard velka_standard
-  touch "$work/standard.hold"
-  start_printer standard
-  name=standard
-  send standard application/pdf "$work/long.pdf" long
+  send_to_held standard
   wait_until "the printer takes nothing" is_offline standard
   kill -KILL "$(filter_of_server)"
   rm "$work/standard.hold"
@@ -132,10 +125,7 @@ case_two_at_once() {
   long_document
   start_app
   for model in standard orlo; do
-    add_device "$model" "velka_$model"
-    touch "$work/$model.hold"
-    start_printer "$model"
-    send "$model" application/pdf "$work/long.pdf" long
+    send_to_held "$model"
     jobs+=("$job")
   done
   wait_until "one waits in the middle" is_offline standard
