@@ -32,6 +32,7 @@ WORK = ROOT / "build" / "mutants"
 PROGRAMS = {
     "imaging": ["imaging", "reference", "levels", "escp", "orlo", "jobs", "exact"],
     "log": ["log", "jobs"],
+    "system": ["system", "log", "pdfcopy", "jobs"],
     "escp": ["reference", "escp", "exact", "jobs"],
     "orlo": ["orlo", "reference", "jobs"],
     "filter": ["filter", "reference", "levels", "guard", "jobs", "exact"],
