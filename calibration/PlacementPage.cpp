@@ -7,7 +7,7 @@ namespace {
 
 // Red goes down from the band of the text above it, and black again, which forgets the
 // way that red has made: these rows.
-constexpr int kGap = 28;
+constexpr int kForgottenRows = 28;
 
 constexpr int kBoxWidth = 300;
 constexpr int kBoxHeight = 45;
@@ -22,7 +22,7 @@ constexpr int kRungTop = 9;
 // page by half a dot; so black starts as low in its first dot as it can, drawn over red.
 void addBars(PageWriter& writer, DotDrawing& page) {
   constexpr double kLow = 0.4;
-  const int red = writer.row() - kLine + kGap;
+  const int red = writer.row() - kLine + kForgottenRows;
   const int black = red + kBand;
   writer.box(kLeft, red, kWidth, kBand + 1, kRed);
   page.boxes.push_back({kLeft, black + kLow, kWidth, kBand - kLow});

@@ -3,8 +3,8 @@
 namespace velka::calibration {
 namespace {
 
-constexpr int kDpi = 360;
-constexpr int kDot = kDpi / 180;  // dots of the drawing in one of the text's
+constexpr int kFineDpi = 360;
+constexpr int kDot = kFineDpi / 180;  // dots of the drawing in one of the text's
 constexpr int kMiddle = kLeft + kWidth / 2;
 
 constexpr int kAcrossTop = 240;
@@ -157,7 +157,7 @@ RegistrationFields registrationFields() {
 }
 
 Drawn registrationPage(const PageSettings& settings) {
-  DotDrawing page = drawingOn(settings, "Velka: registration of the dots", kDpi);
+  DotDrawing page = drawingOn(settings, "Velka: registration of the dots", kFineDpi);
   PageWriter writer(page);
   const RegistrationFields fields = registrationFields();
   writer.title("Registration of the dots");

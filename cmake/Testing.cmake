@@ -3,6 +3,14 @@
 
 set(own_tmp ${PROJECT_SOURCE_DIR}/tools/own-tmp.sh ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR} --)
 
+# Assertions expand to much code; optimising it takes longer than running it, the more so
+# where sanitizers have doubled it, and describing it for a debugger a third as long again.
+# Line numbers are enough for their reports.
+set(velka_test_code -O1 -g1)
+if(VELKA_SANITIZE)
+  set(velka_test_code -Og -g1)
+endif()
+
 # velka_script_test(NAME SECONDS COMMAND...): 77 is the status of a test that says why it
 # was skipped.
 function(velka_script_test name seconds)

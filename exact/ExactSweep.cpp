@@ -9,12 +9,12 @@
 namespace velka {
 namespace {
 
-constexpr int kUnitsPerInch = 60;  // of horizontal positions
+constexpr int kPositionsPerInch = 60;
 constexpr int kDotsPerByte = 8;
 
 // Where columns and 1/60 inch meet.
 int64_t columnsBetweenStarts(int xdpi) noexcept {
-  return xdpi / std::gcd(xdpi, kUnitsPerInch);
+  return xdpi / std::gcd(xdpi, kPositionsPerInch);
 }
 
 // A column that opens a run must lie in it, as far behind the run's start as it may be.
@@ -119,7 +119,7 @@ bool ExactSweep::strike(int64_t row, Colour colour) noexcept {
 
 bool ExactSweep::sendBlock(const PrintRun& run, std::span<const uint8_t> data,
                            Colour colour) noexcept {
-  const int64_t x = run.left * kUnitsPerInch / head_.xdpi;
+  const int64_t x = run.left * kPositionsPerInch / head_.xdpi;
   if (!sink_.moveToX(1.0F, static_cast<int>(x))) return false;
   if (head_.namesInk && !sink_.append(selectColour(colour))) return false;
   return appendBlock(sink_, head_.mode.mode, run, data);

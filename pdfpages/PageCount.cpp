@@ -19,7 +19,6 @@
 namespace velka {
 namespace {
 
-constexpr int kMostDigits = 10;
 constexpr size_t kMostReport = 65536;
 constexpr size_t kMostCount = 256;
 constexpr const char* kCountFile = "/tmp/PdfPages";
@@ -139,12 +138,12 @@ PageDigits knownDigits(const char* pdfPath, const ToolWatch& watch) noexcept {
 std::optional<int> digitsOfPageCountFile(std::string_view contents) noexcept {
   if (contents.empty()) return -1;
   if (contents == "\n") return std::nullopt;
-  return std::clamp(static_cast<int>(contents.size()) - 1, 1, kMostDigits);
+  return std::clamp(static_cast<int>(contents.size()) - 1, 1, kMostPageDigits);
 }
 
 int digitsOfPagesLine(std::string_view report) noexcept {
   const auto value = pagesValue(report);
-  return value ? std::clamp(static_cast<int>(value->size()), 1, kMostDigits) : 1;
+  return value ? std::clamp(static_cast<int>(value->size()), 1, kMostPageDigits) : 1;
 }
 
 std::optional<int> pagesOfReport(std::string_view report) noexcept {

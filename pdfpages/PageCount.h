@@ -8,6 +8,9 @@
 
 namespace velka {
 
+/// That any page number has.
+inline constexpr int kMostPageDigits = 10;
+
 struct PageDigits {
   int digits = -1;          ///< 1 to 10; -1 where there is no count
   bool late = false;        ///< the tool was ended because its time was over

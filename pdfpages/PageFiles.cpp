@@ -3,13 +3,12 @@
 #include <array>
 
 #include "OwnFile.h"
+#include "PageCount.h"
 #include "PlainNames.h"
 #include "PpmImage.h"
 
 namespace velka {
 namespace {
-
-constexpr int kMostDigits = 10;
 
 int digitsOf(int page) noexcept {
   int digits = 1;
@@ -31,7 +30,7 @@ bool isHalfPicture(const char* path) noexcept {
 
 template <typename Action>
 void forEachName(const char* jobId, int page, Action action) noexcept {
-  for (int digits = digitsOf(page); digits <= kMostDigits; ++digits)
+  for (int digits = digitsOf(page); digits <= kMostPageDigits; ++digits)
     action(pageFileName(jobId, page, digits));
 }
 

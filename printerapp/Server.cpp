@@ -23,9 +23,9 @@ namespace {
 constexpr int kUsualPort = 8631;
 constexpr int kMostImageSide = 65535;
 
-class Options {
+class CommandOptions {
  public:
-  Options(int count, cups_option_t* options) : count_(count), options_(options) {}
+  CommandOptions(int count, cups_option_t* options) : count_(count), options_(options) {}
 
   [[nodiscard]] std::string text(const char* name, const std::string& usual) const {
     const char* value = cupsGetOption(name, count_, options_);
@@ -52,7 +52,7 @@ bool refuse(const std::string& what) {
   return false;
 }
 
-bool setLimits(const Options& options) {
+bool setLimits(const CommandOptions& options) {
   const int64_t pages = options.number("max-pages", limits.pages);
   const int64_t dots = options.number("max-dots", static_cast<int64_t>(limits.dots));
   if (pages < 0 || pages > INT32_MAX) return refuse("max-pages is no number of pages");
@@ -110,7 +110,7 @@ void tellVersion(pappl_system_t* system) {
   papplSystemSetVersions(system, 1, &versions);
 }
 
-pappl_system_t* createSystem(const Options& options, pappl_loglevel_t level, int port) {
+pappl_system_t* createSystem(const CommandOptions& options, pappl_loglevel_t level, int port) {
   constexpr pappl_soptions_t kOptions = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE |
                                         PAPPL_SOPTIONS_WEB_SECURITY | PAPPL_SOPTIONS_WEB_REMOTE;
   const std::string log = options.text("log-file", "-");
@@ -122,7 +122,7 @@ pappl_system_t* createSystem(const Options& options, pappl_loglevel_t level, int
   return system;
 }
 
-void setUp(pappl_system_t* system, const Options& options) {
+void setUp(pappl_system_t* system, const CommandOptions& options) {
   const std::string group = options.text("admin-group", "");
   if (!group.empty()) papplSystemSetAdminGroup(system, group.c_str());
   papplSystemSetMaxImageSize(system, limits.dots * 3, kMostImageSide, kMostImageSide);
@@ -143,7 +143,7 @@ void setUp(pappl_system_t* system, const Options& options) {
 }  // namespace
 
 pappl_system_t* makeSystem(int count, cups_option_t* list, void* /*context*/) {
-  const Options options(count, list);
+  const CommandOptions options(count, list);
   pappl_loglevel_t level = PAPPL_LOGLEVEL_INFO;
   const int64_t port = options.number("server-port", kUsualPort);
   if (port < 1 || port > 65535) return refuse("server-port is no port"), nullptr;

@@ -8,7 +8,6 @@ namespace {
 constexpr int kBackFeed = 2;
 constexpr int kBlackOnly = 1;
 constexpr int kRedOnly = 2;
-constexpr size_t kPixelBytes = 3;
 
 // Marks the row's stored columns; false where the row had none to store.
 bool keep(OrloPlane& plane, int64_t first, int64_t last, int64_t row) noexcept {
@@ -48,7 +47,7 @@ HeadDistance headDistance(int verticalDpi, int feedMode) noexcept {
 bool classPage(const OrloBitmap& page, const InkRules& rules, int outputColorType,
                const HeadDistance& heads, const OrloPlanes& planes) noexcept {
   const size_t stride = page.bytes.size() / static_cast<size_t>(page.height);
-  const size_t pixelBytes = std::min(stride, static_cast<size_t>(page.width) * kPixelBytes);
+  const size_t pixelBytes = std::min(stride, static_cast<size_t>(page.width) * kRgbBytes);
   bool stored = false;
   for (int64_t row = 0; row < page.height - page.whiteRows; ++row) {
     const auto bytes = page.bytes.subspan(static_cast<size_t>(row) * stride, stride);

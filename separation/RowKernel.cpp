@@ -12,7 +12,6 @@ namespace {
 
 static_assert(RowSteps::kPixels == kLanes);
 constexpr uint8_t kNearGrey = 9;
-constexpr size_t kPixelBytes = 3;
 
 Lanes atLeast(Lanes value, Lanes limit) noexcept {
   return equal(most(value, limit), value);
@@ -185,7 +184,7 @@ void sortPixels(const RowRules& rules, const uint8_t* pixels, size_t x, size_t c
   Sorter sorter(rules, steps);
   size_t sorted = 0;
   for (const size_t end = x + count * kLanes; x < end; x += kLanes)
-    sorted = sorter.sort(pixels + x * kPixelBytes, x, sorted);
+    sorted = sorter.sort(pixels + x * kRgbBytes, x, sorted);
   steps.count = sorted;
 }
 

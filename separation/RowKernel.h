@@ -12,6 +12,8 @@
 
 namespace velka {
 
+inline constexpr size_t kRgbBytes = 3;
+
 enum class Ink : uint8_t { None, Black, Red };
 
 /// What was found in a row.

@@ -8,7 +8,6 @@
 namespace velka {
 namespace {
 
-constexpr size_t kPixelBytes = 3;
 constexpr uint32_t kWhite = 0xFFFFFF;
 
 std::array<uint8_t, 3> channels(tagRGBQUAD c) noexcept {
@@ -34,7 +33,7 @@ std::array<Ink, 4> routeTable(int outputColorType, int colorRangeUseFor) noexcep
 
 // Bytes of white at the start of `bytes`, in whole steps of 24.
 size_t whiteRun(std::span<const uint8_t> bytes) noexcept {
-  constexpr size_t kStep = 8 * kPixelBytes;
+  constexpr size_t kStep = 8 * kRgbBytes;
   size_t n = 0;
   for (; n + kStep <= bytes.size(); n += kStep) {
     std::array<uint64_t, 3> words{};
@@ -52,7 +51,7 @@ size_t separateFirstPixels(const InkRules& rules, std::span<const uint8_t> pixel
 #ifdef VELKA_SIMD
   if (cpuLevel() >= CpuLevel::Ssse3) sort = sortPixelsSsse3;
 #endif
-  return separatePixels(*sort, rules.rowRules(), pixels.data(), pixels.size() / kPixelBytes, black,
+  return separatePixels(*sort, rules.rowRules(), pixels.data(), pixels.size() / kRgbBytes, black,
                         red, found);
 }
 
@@ -73,7 +72,7 @@ InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const Ink
   const auto low = channels(routing.rangeLow);
   const auto high = channels(routing.rangeHigh);
   const bool valid = rangeIsValid(routing.rangeLow, routing.rangeHigh);
-  for (size_t channel = 0; channel < kPixelBytes; ++channel) {
+  for (size_t channel = 0; channel < kRgbBytes; ++channel) {
     // Deliberate: the third byte needs 250 for a tinted white, the others 200.
     const int tintedWhite = channel == 2 ? 249 : 199;
     for (int v = 0; v < 256; ++v) {
@@ -90,7 +89,7 @@ InkRules::InkRules(const ColourRouting& routing, const InkTone& black, const Ink
 RowRules InkRules::rowRules() const noexcept {
   RowRules rules{};
   const bool valid = rangeIsValid(rangeLow_, rangeHigh_);
-  for (size_t i = 0; i < kPixelBytes; ++i) {
+  for (size_t i = 0; i < kRgbBytes; ++i) {
     rules.low[i] = valid ? channels(rangeLow_)[i] : 255;
     rules.high[i] = valid ? channels(rangeHigh_)[i] : 0;
     rules.solid[i] = channels(solid_)[i];
@@ -116,15 +115,15 @@ InkRules compileInkRules(const tagOEMCFG& options) noexcept {
 RowInk separateRow(const InkRules& rules, std::span<const uint8_t> pixels, uint8_t* black,
                    uint8_t* red) noexcept {
   RowInk found;
-  const size_t count = pixels.size() / kPixelBytes;
+  const size_t count = pixels.size() / kRgbBytes;
   const uint8_t* const bytes = pixels.data();
   InkDot dot = rules.dot(0xFF, 0xFF, 0xFF);
   uint32_t previous = kWhite;
   for (size_t x = separateFirstPixels(rules, pixels, black, red, found); x < count; ++x) {
-    const uint8_t* p = bytes + x * kPixelBytes;
+    const uint8_t* p = bytes + x * kRgbBytes;
     const uint32_t colour = p[0] | uint32_t{p[1]} << 8U | uint32_t{p[2]} << 16U;
     if (colour == kWhite) {
-      x += whiteRun({p + kPixelBytes, (count - x - 1) * kPixelBytes}) / kPixelBytes;
+      x += whiteRun({p + kRgbBytes, (count - x - 1) * kRgbBytes}) / kRgbBytes;
       continue;
     }
     if (colour != previous) dot = rules.dot(p[0], p[1], p[2]);
@@ -149,7 +148,7 @@ bool isBlankRow(std::span<const uint8_t> row) noexcept {
   // Every byte white says the same as: the first pixel is white and the row
   // repeats it to its very end.
   constexpr size_t kProbe = 1;
-  return row.size() < kPixelBytes ||
+  return row.size() < kRgbBytes ||
          (row[0] == 0xFF && std::memcmp(row.data(), row.data() + kProbe, row.size() - kProbe) == 0);
 }
 
@@ -158,7 +157,7 @@ bool colourInRange(tagRGBQUAD colour, tagRGBQUAD low, tagRGBQUAD high) noexcept 
   const auto l = channels(low);
   const auto h = channels(high);
   if (!rangeIsValid(low, high)) return false;
-  for (size_t i = 0; i < kPixelBytes; ++i)
+  for (size_t i = 0; i < kRgbBytes; ++i)
     if (c[i] < l[i] || c[i] > h[i]) return false;
   return true;
 }

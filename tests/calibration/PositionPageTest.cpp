@@ -10,7 +10,7 @@
 namespace velka::calibration {
 namespace {
 
-const DotDrawing& page() {
+const DotDrawing& positions() {
   static const Drawn drawn = positionPage({});
   return std::get<DotDrawing>(drawn);
 }
@@ -61,7 +61,7 @@ TEST(PositionPage, HasALineForEachChoiceOfTheOffsetsOnBothScales) {
     };
     for (const bool down : {false, true}) {
       EXPECT_EQ(
-          std::ranges::count_if(page().boxes, [&](const DotBox& box) { return isLine(box, down); }),
+          std::ranges::count_if(positions().boxes, [&](const DotBox& box) { return isLine(box, down); }),
           1)
           << tenths;
     }
@@ -71,7 +71,7 @@ TEST(PositionPage, HasALineForEachChoiceOfTheOffsetsOnBothScales) {
 // Red would move black down on printers that add up the paper's moves.
 TEST(PositionPage, IsBlackAlone) {
   EXPECT_TRUE(
-      std::ranges::all_of(page().boxes, [](const DotBox& box) { return box.colour == kBlack; }));
+      std::ranges::all_of(positions().boxes, [](const DotBox& box) { return box.colour == kBlack; }));
 }
 
 }  // namespace

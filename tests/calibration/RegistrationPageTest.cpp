@@ -24,13 +24,13 @@ std::vector<int> meetings(const Vernier& vernier, double displaced) {
   return numbers;
 }
 
-const DotDrawing& page() {
+const DotDrawing& registration() {
   static const Drawn drawn = registrationPage({});
   return std::get<DotDrawing>(drawn);
 }
 
 bool isOnPage(const DotBox& wanted) {
-  return std::ranges::any_of(page().boxes, [&](const DotBox& box) {
+  return std::ranges::any_of(registration().boxes, [&](const DotBox& box) {
     return box.left == wanted.left && box.top == wanted.top && box.width == wanted.width &&
            box.height == wanted.height && box.colour == wanted.colour;
   });
@@ -86,7 +86,7 @@ TEST(RegistrationPage, DrawsTheFirstPassInEvenRowsOfAFieldAndTheSecondInOddOnes)
     EXPECT_GT(middleLine(along, number).top, along.top);
   }
   int dotted = 0;
-  for (const DotBox& box : page().boxes) {
+  for (const DotBox& box : registration().boxes) {
     const double row = box.top - fields.passesAcross.fixedAt;
     if (box.width != 1 || row < 0 || row >= 36) continue;
     EXPECT_EQ(box.height, 1);
@@ -102,7 +102,7 @@ TEST(RegistrationPage, FieldsOfThePassesAreAHeadHighAndABandBelowAllElse) {
   const RegistrationFields fields = registrationFields();
   constexpr int kBandRows = 48;
   for (const int top : {fields.passesAcross.fixedAt, fields.passesAlong.top}) {
-    for (const DotBox& box : page().boxes) {
+    for (const DotBox& box : registration().boxes) {
       EXPECT_TRUE(box.top + box.height <= top - kBandRows + 1 || box.top >= top);
     }
   }

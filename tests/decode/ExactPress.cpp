@@ -9,9 +9,9 @@ namespace {
 
 using reference::ExpectedStream;
 
-class Press {
+class ExactPress {
  public:
-  Press(const DotPlanes& planes, const HeadMode& mode)
+  ExactPress(const DotPlanes& planes, const HeadMode& mode)
       : planes_(planes), mode_(mode), passes_(mode.ydpi == 360 ? 2 : 1) {}
 
   std::vector<uint8_t> print() {
@@ -95,7 +95,7 @@ bool DotPlanes::isBlank(int y) const {
 }
 
 std::vector<uint8_t> exactJob(const DotPlanes& planes, const HeadMode& mode) {
-  return Press(planes, mode).print();
+  return ExactPress(planes, mode).print();
 }
 
 }  // namespace velka::decodetest

@@ -14,12 +14,12 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr uint32_t kWidth = 24;
+constexpr uint32_t kColumns = 24;
 constexpr uint32_t kRows = 40;
 
 Bytes randomGreys() {
   std::mt19937 random(7);
-  Bytes greys(size_t{kWidth} * kRows);
+  Bytes greys(size_t{kColumns} * kRows);
   std::generate(greys.begin(), greys.end(), [&] { return static_cast<uint8_t>(random()); });
   return greys;
 }
@@ -28,17 +28,17 @@ Bytes randomGreys() {
 reference::SourceBitmap oneBlackRow() {
   reference::SourceBitmap page;
   page.height = kRows;
-  page.bytes.assign(size_t{kWidth} * 3 * kRows, 0xFF);
-  std::fill_n(page.bytes.begin() + 5 * kWidth * 3, kWidth * 3, uint8_t{0});
+  page.bytes.assign(size_t{kColumns} * 3 * kRows, 0xFF);
+  std::fill_n(page.bytes.begin() + 5 * kColumns * 3, kColumns * 3, uint8_t{0});
   return page;
 }
 
 // Records as the dispatcher leaves them for an upright page, and a third plane.
 struct ThreePlanes {
-  ThreePlanes(uint32_t dpi, const Bytes& greys) : job(kWidth, kRows, dpi, dpi) {
+  ThreePlanes(uint32_t dpi, const Bytes& greys) : job(kColumns, kRows, dpi, dpi) {
     job.setPage(oneBlackRow(), 1);
     job.pdev.bmInfoHeaderOut = job.pdev.bmInfoHeader;
-    job.pdev.dwBytesPerLineOut = kWidth * 3;
+    job.pdev.dwBytesPerLineOut = kColumns * 3;
     job.pdev.devModeOut = job.mode;
     job.pdev.pBufStartOut = job.pdev.pBufStart;
     job.pdev.pBufStart = nullptr;
@@ -63,14 +63,14 @@ struct ThreePlanes {
 
 // The plane as it is merged, below the page's own row.
 Bytes withTheRow(Bytes plane) {
-  std::fill_n(plane.begin() + 5 * kWidth, kWidth, uint8_t{0});
+  std::fill_n(plane.begin() + 5 * kColumns, kColumns, uint8_t{0});
   return plane;
 }
 
 void expectMerged(uint32_t dpi, int screen) {
   Bytes greys = randomGreys();
   const Bytes merged = ThreePlanes(dpi, greys).black();
-  EXPECT_EQ(merged, withTheRow(reference::dither(screen, greys, kRows, kWidth, kWidth, 0, 0)));
+  EXPECT_EQ(merged, withTheRow(reference::dither(screen, greys, kRows, kColumns, kColumns, 0, 0)));
 }
 
 TEST(ImagePlane, IsMergedByTheSmallestScreenAt180Dpi) {
@@ -83,7 +83,7 @@ TEST(ImagePlane, IsMergedByTheThirdScreenElsewhere) {
 
 TEST(ImagePlane, ThatIsSmallerThanThePageIsLeftOut) {
   const Bytes black = ThreePlanes(180, Bytes(10)).black();
-  EXPECT_EQ(black, withTheRow(Bytes(size_t{kWidth} * kRows, 0xFF)));
+  EXPECT_EQ(black, withTheRow(Bytes(size_t{kColumns} * kRows, 0xFF)));
 }
 
 TEST(IncompleteRecords, SendNothing) {

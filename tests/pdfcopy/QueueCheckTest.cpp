@@ -8,7 +8,8 @@ namespace velka::testing {
 namespace {
 
 // No output, no file, a message and status 1.
-void expectStopped(const CopyJob& copy, const FilterResult& result, const std::string& message) {
+void expectStoppedSaying(const CopyJob& copy, const FilterResult& result,
+                         const std::string& message) {
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(result.output.empty());
   EXPECT_EQ(result.errors, kVersionTold + "\nERROR: " + message + "\n");
@@ -25,7 +26,7 @@ TEST(QueueCheck, StopsTheJobWhereAToolIsMissing) {
     const ToolFolder tools({tool == "pdfinfo" ? "pdftoppm" : "pdfinfo"});
     CopyJob copy("missing");
     copy.job.path = "/nonexistent:" + tools.path();
-    expectStopped(copy, copy.run(), missing(tool));
+    expectStoppedSaying(copy, copy.run(), missing(tool));
   }
 }
 
@@ -35,11 +36,11 @@ TEST(QueueCheck, TakesNoFolderAndNoTextForATool) {
   copy.job.path = tools.path();
   const std::string name = tools.path() + "/pdftoppm";
   ASSERT_EQ(mkdir(name.c_str(), 0755), 0);
-  expectStopped(copy, copy.run(), missing("pdftoppm"));
+  expectStoppedSaying(copy, copy.run(), missing("pdftoppm"));
   rmdir(name.c_str());
   writeText(name, "a text");
   chmod(name.c_str(), 0644);
-  expectStopped(copy, copy.run(), missing("pdftoppm"));
+  expectStoppedSaying(copy, copy.run(), missing("pdftoppm"));
 }
 
 TEST(QueueCheck, SearchesThePathAsTheShellDoes) {
@@ -68,7 +69,7 @@ TEST(QueueCheck, StopsTheJobOfAQueueWithAnOlderPpd) {
           {.modelNumber = model, .options = {}, .pdfPreprocess = true, .fileVersion = version}));
       const Environment printer("PRINTER", "receipts");
       copy.job.ppd = ppd.path();
-      expectStopped(copy, copy.run(),
+      expectStoppedSaying(copy, copy.run(),
                     "The PPD of this queue is older (" + version +
                         ") than its filters (" VELKA_PPD_VERSION
                         "), so pages could come out white. Print the job again after: lpadmin -p "

@@ -13,8 +13,6 @@ namespace {
 using namespace viewtest;
 using decode::Model;
 
-constexpr std::array<Model, 2> kStandard{Model::Standard, Model::Standard};
-
 struct Compared {
   Change change;
   Picture picture;
@@ -26,7 +24,7 @@ Compared compare(const Bytes& first, const Bytes& second, int64_t width) {
   PaperView view = viewOf(one, width);
   view.grid.add(other);
   Compared result;
-  result.picture = pictureOf(comparePages({one, other}, view, kStandard, result.change));
+  result.picture = pictureOf(comparePages({one, other}, view, kBothStandard, result.change));
   return result;
 }
 
@@ -125,7 +123,7 @@ TEST(Difference, CountsThePlacesThatTheNumbersOfAStreamTell) {
       PaperView view = viewOf(page, 0);
       view.width = {width, fixed};
       Change change;
-      (void)comparePages({page, page}, view, kStandard, change);
+      (void)comparePages({page, page}, view, kBothStandard, change);
       const auto stats = decode::readStats(stream, Model::Standard, {}, {width, fixed});
       ASSERT_TRUE(stats.places.has_value());
       EXPECT_EQ(stats.places->at(0), change.inks[0].same) << width;

@@ -1,6 +1,7 @@
 // Small pages for the tests of pictures.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -12,6 +13,10 @@ namespace velka::viewtest {
 
 using Bytes = std::vector<uint8_t>;
 using reference::ExpectedStream;
+
+/// Of two pages that are compared.
+inline constexpr std::array<decode::Model, 2> kBothStandard{decode::Model::Standard,
+                                                            decode::Model::Standard};
 
 /// The first page of a standard-model stream, which must outlive it.
 inline decode::Page pageOf(const Bytes& stream) {

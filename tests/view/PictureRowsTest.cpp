@@ -17,8 +17,6 @@ namespace {
 using namespace viewtest;
 using Pixels = std::vector<uint32_t>;
 
-constexpr std::array<decode::Model, 2> kStandard{decode::Model::Standard, decode::Model::Standard};
-
 Rows rowsIn(RowsDrawing drawing) {
   auto* rows = std::get_if<Rows>(&drawing);
   return rows != nullptr ? std::move(*rows) : nullptr;
@@ -120,7 +118,7 @@ TEST(PictureRows, AreTheSameHoweverManyAreDrawnAtOnce) {
       view.dpi = dpi;
       for (const bool change : {false, true}) {
         const Rows rows =
-            rowsIn(change ? changeRows({page, other}, view, kStandard) : pageRows(page, view));
+            rowsIn(change ? changeRows({page, other}, view, kBothStandard) : pageRows(page, view));
         ASSERT_TRUE(rows != nullptr);
         const Pixels whole = drawn(*rows, rows->size().height);
         EXPECT_GT(std::ranges::count_if(whole, [](uint32_t pixel) { return pixel != kWhite; }), 50);

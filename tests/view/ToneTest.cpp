@@ -10,8 +10,6 @@ namespace {
 
 using namespace viewtest;
 
-constexpr std::array<decode::Model, 2> kStandard{decode::Model::Standard, decode::Model::Standard};
-
 // An inch squared of a screen at 180 dpi, `level` of 16 places of 4 x 4 inked, moved
 // sideways and down as a whole.
 Bytes screen(int level, int shift, int ink = 0) {
@@ -38,7 +36,7 @@ std::array<ToneChange, 2> toneChange(const Bytes& first, const Bytes& second) {
   const decode::Page other = pageOf(second);
   PaperView view = viewOf(one, 3600);
   view.grid.add(other);
-  const auto tones = tonesOf({one, other}, view, kStandard);
+  const auto tones = tonesOf({one, other}, view, kBothStandard);
   EXPECT_TRUE(tones.has_value());
   return changeOf(*tones);
 }
@@ -52,7 +50,7 @@ TEST(Tone, OneTintInOtherDotsIsTheSameToAPerson) {
   const Bytes second = screen(6, 1);
   const decode::Page one = pageOf(first);
   const decode::Page other = pageOf(second);
-  const auto dots = countChange({one, other}, viewOf(one, 3600), kStandard);
+  const auto dots = countChange({one, other}, viewOf(one, 3600), kBothStandard);
   ASSERT_TRUE(dots.has_value());
   EXPECT_GT(dots->inks[0].first, dots->inks[0].same);
   const auto change = toneChange(first, second);
@@ -91,7 +89,7 @@ TEST(Tone, ThePlaceOfTheLargestChangeIsTold) {
 uint32_t middleOf(const Bytes& first, const Bytes& second) {
   const decode::Page one = pageOf(first);
   const decode::Page other = pageOf(second);
-  auto tones = tonesOf({one, other}, viewOf(one, 3600), kStandard);
+  auto tones = tonesOf({one, other}, viewOf(one, 3600), kBothStandard);
   RowsDrawing drawing = toneRows(std::move(*tones), 90);
   const Picture picture = pictureOf(wholePicture(*std::get<Rows>(drawing)));
   EXPECT_EQ(picture.width, 90);
