@@ -20,6 +20,7 @@ DOCUMENT = os.path.join(FOLDER, "colours.pdf")
 # Points from the left and the bottom, and the size, of a box in each colour.
 BLUE = (60, 600, 120, 60)
 RED = (240, 600, 120, 60)
+STROKE = (242, 722, 3.2, 12)  # the upright one of the R in "Red words"
 CONTENT = f"""0 0 0.75 rg {BLUE[0]} {BLUE[1]} {BLUE[2]} {BLUE[3]} re f
 0.85 0 0 rg {RED[0]} {RED[1]} {RED[2]} {RED[3]} re f
 0 g BT /F 24 Tf 60 720 Td (Black words) Tj ET
@@ -127,8 +128,11 @@ def check_colours(tab, server):
     told(tab)
     before = covered(tab, "Red")
     browser.wait_until("the original is there", lambda: tab.data("#original", "dpi"))
-    click_original(tab, RED)
+    click_original(tab, BLUE)
+    place_says(tab, "prints black")
+    click_original(tab, STROKE)
     place_says(tab, "prints red")
+    assert "#d90000" in tab.text("#place") and ink_of(tab, "#d90000") == "red"
     click_original(tab, BLUE)
     place_says(tab, "prints black")
     assert "#0000bf" in tab.text("#place")
