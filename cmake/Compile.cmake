@@ -12,7 +12,8 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g -DNDEBUG")
 
 if(VELKA_SANITIZE)
   target_compile_options(velka_options INTERFACE
-    -fsanitize=${VELKA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELKA_ONE_THREAD>>>:-fsanitize=${VELKA_SANITIZE}>
+    -fno-sanitize-recover=all -fno-omit-frame-pointer)
   if(VELKA_FUZZ)
     target_compile_options(velka_options INTERFACE
       -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/library.ignore)
@@ -34,6 +35,10 @@ endif()
 include(CheckPIESupported)
 check_pie_supported()
 
+# Rooms whose code runs on the one thread of a page and touches nothing but that page. The
+# thread sanitizer has nothing to find there and would take most of its time with them.
+set(velka_rooms_of_one_thread imaging separation commands escp orlo exact)
+
 # velka_library(NAME SOURCES... [LINKS...]): libvelka_NAME.a; its headers are
 # found by whoever links it.
 function(velka_library name)
@@ -41,6 +46,9 @@ function(velka_library name)
   add_library(velka_${name} STATIC ${ARG_SOURCES})
   target_include_directories(velka_${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(velka_${name} PUBLIC ${ARG_LINKS} PRIVATE velka_options)
+  if(VELKA_SANITIZE STREQUAL "thread" AND name IN_LIST velka_rooms_of_one_thread)
+    set_target_properties(velka_${name} PROPERTIES VELKA_ONE_THREAD ON)
+  endif()
 endfunction()
 
 # velka_simd(NAME FLAG SOURCES...): faster siblings of a library's kernels, each with the

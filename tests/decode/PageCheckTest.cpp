@@ -12,6 +12,7 @@
 #include "reference/ExpectedStream.h"
 #include "reference/ReferenceSeparation.h"
 #include "support/Capture.h"
+#include "support/Sweep.h"
 
 namespace velka::decodetest {
 namespace {
@@ -239,7 +240,8 @@ DotPlanes document(std::mt19937& random) {
 TEST(PageCheck, PagesWhoseEveryDotHasItsPlaceHaveNoFlaws) {
   std::mt19937 random(31);  // NOLINT: the same pages each time
   size_t dots = 0;
-  for (int run = 0; run < 3000 && !::testing::Test::HasFailure(); ++run) {
+  constexpr int kRuns = testing::amount(3000, 1000, 200);
+  for (int run = 0; run < kRuns && !::testing::Test::HasFailure(); ++run) {
     const HeadMode& mode = kModes[size_t(run) % std::size(kModes)];
     const DotPlanes planes = document(random);
     const Stream stream = exactJob(planes, mode);
@@ -247,7 +249,7 @@ TEST(PageCheck, PagesWhoseEveryDotHasItsPlaceHaveNoFlaws) {
     for (const auto& plane : planes.inks)
       dots += static_cast<size_t>(std::count(plane.begin(), plane.end(), 1));
   }
-  EXPECT_GT(dots, 1000000U);
+  EXPECT_GT(dots, size_t{kRuns} * 333);
 }
 
 reference::SourceBitmap paintedPage(const DotPlanes& planes) {
@@ -294,7 +296,8 @@ bool isInPlace(const Stream& stream, const DotPlanes& planes, const HeadMode& mo
 TEST(PageCheck, PagesOfTheOriginalStreamAreBlamedOnlyWhereDotsAreDisplaced) {
   std::mt19937 random(32);                     // NOLINT: the same pages each time
   std::map<bool, std::pair<int, int>> blamed;  // by being in place: blamed, all
-  for (int run = 0; run < 1500; ++run) {
+  constexpr int kRuns = testing::amount(1500, 500, 150);
+  for (int run = 0; run < kRuns; ++run) {
     const HeadMode& mode = kModes[size_t(run) % 3];  // whose columns are exact
     const DotPlanes planes = document(random);
     const Stream stream = originalJob(planes, mode);
@@ -303,7 +306,7 @@ TEST(PageCheck, PagesOfTheOriginalStreamAreBlamedOnlyWhereDotsAreDisplaced) {
     ++all;
   }
   EXPECT_EQ(blamed[true].first, 0) << "of " << blamed[true].second;
-  EXPECT_GT(blamed[true].second, 100);
+  EXPECT_GT(blamed[true].second, kRuns / 15);
   EXPECT_GT(blamed[false].first, blamed[false].second * 2 / 3) << "of " << blamed[false].second;
 }
 

@@ -10,6 +10,7 @@
 #include "decode/RandomPages.h"
 #include "escp/PageFixture.h"
 #include "support/Capture.h"
+#include "support/Sweep.h"
 
 namespace velka::decodetest {
 namespace {
@@ -80,11 +81,7 @@ size_t expectPlanesOnPaper(unsigned seed) {
 }
 
 TEST(StandardPaper, HoldsTheHalftonedPlanesOfRandomPages) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr unsigned kPages = 200;
-#else
-  constexpr unsigned kPages = 1200;
-#endif
+  constexpr unsigned kPages = testing::amount(1200U, 200U, 60U);
   size_t dots = 0;
   for (unsigned seed = 1; seed <= kPages && !::testing::Test::HasFailure(); ++seed)
     dots += expectPlanesOnPaper(seed);

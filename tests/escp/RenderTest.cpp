@@ -7,6 +7,7 @@
 #include "escp/PageFixture.h"
 #include "support/Capture.h"
 #include "support/StreamText.h"
+#include "support/Sweep.h"
 
 namespace velka::testing {
 namespace {
@@ -133,11 +134,7 @@ void expectSameJob(unsigned seed, bool linesMissing) {
                                << differenceOf(got, expected);
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr unsigned kJobs = 300;
-#else
-constexpr unsigned kJobs = 1500;
-#endif
+constexpr unsigned kJobs = amount(1500U, 300U, 60U);
 
 TEST(Rendering, EqualsTheLiteralReferenceOnRandomJobs) {
   for (unsigned seed = 1; seed <= kJobs && !HasFatalFailure(); ++seed) expectSameJob(seed, false);

@@ -6,6 +6,7 @@
 
 #include "PageReader.h"
 #include "exact/Job.h"
+#include "support/Sweep.h"
 
 namespace velka::exacttest {
 namespace {
@@ -64,11 +65,7 @@ void expectNoMore(const Job& job, int& compared) {
 }
 
 TEST(ExactJobs, StrikeEveryDotOfTheLiteralPlanesOnce) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr unsigned kJobs = 60;
-#else
-  constexpr unsigned kJobs = 250;
-#endif
+  constexpr unsigned kJobs = testing::amount(250U, 60U, 20U);
   for (unsigned seed = 1; seed <= kJobs && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     expectPaper(randomJob(seed));
@@ -102,7 +99,7 @@ TEST(ExactJobs, OfHugePagesLoseNothingEither) {
                         {20, 60000, 180, 180}, {9, 100000, 360, 360}, {70000, 20, 80, 60}};
   for (const Size& size : sizes)
     for (const int model : {1, kOrlo})
-      for (const int split : {0, 1}) {
+      for (int split = 0; split < testing::amount(2, 2, 1); ++split) {
         SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height));
         Job job = jobOf(model);
         job.options.SplitBlackRed = static_cast<int16_t>(split);
@@ -113,12 +110,13 @@ TEST(ExactJobs, OfHugePagesLoseNothingEither) {
 }
 
 TEST(ExactJobs, CostNoMoreThanTheOriginalStreamWhereThatPrintsAll) {
+  constexpr unsigned kJobs = testing::amount(100U, 40U, 10U);
   int compared = 0;
-  for (unsigned seed = 1001; seed <= 1100 && !HasFailure(); ++seed) {
+  for (unsigned seed = 1001; seed <= 1000 + kJobs && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     expectNoMore(randomJob(seed), compared);
   }
-  EXPECT_GE(compared, 20);
+  EXPECT_GE(compared, static_cast<int>(kJobs / 5));
 }
 
 }  // namespace

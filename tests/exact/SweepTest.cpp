@@ -7,6 +7,7 @@
 
 #include "ExactSweep.h"
 #include "exact/PlainPrinter.h"
+#include "support/Sweep.h"
 
 namespace velka::exacttest {
 namespace {
@@ -129,11 +130,7 @@ std::optional<Setting> randomSetting(std::mt19937& random) {
 }
 
 TEST(Sweep, StrikesEveryDotOfRandomPlanesOnceAndOnItsPlace) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr unsigned kPages = 600;
-#else
-  constexpr unsigned kPages = 4000;
-#endif
+  constexpr unsigned kPages = testing::amount(4000U, 600U, 150U);
   for (unsigned seed = 1; seed <= kPages && !HasFailure(); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);

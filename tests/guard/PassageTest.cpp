@@ -7,6 +7,7 @@
 
 #include "guard/GuardJob.h"
 #include "guard/OtherOrder.h"
+#include "support/Sweep.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ TEST(PassedOn, ARasterThatEndsAnywhereIsUnchangedAndToldOf) {
     const Bytes whole = rasterStream(twoPages(), mode);
     const size_t first = rasterStream({twoPages()[0]}, mode).size();
     std::mt19937 random(7);
-    for (int round = 0; round < 12; ++round) {
+    for (int round = 0; round < amount(12, 12, 3); ++round) {
       const size_t end = 5 + random() % (whole.size() - 6);
       if (end == first) continue;
       const FilterResult result = guarded(firstBytes(whole, end));
@@ -62,7 +63,7 @@ TEST(PassedOn, ARasterThatEndsAnywhereIsUnchangedAndToldOf) {
 // Behind a first page that prints, so that nothing is kept back.
 TEST(PassedOn, DamageOfAnyKindGoesThroughUnchanged) {
   std::mt19937 random(11);
-  for (int round = 0; round < 40; ++round) {
+  for (int round = 0; round < amount(40, 40, 10); ++round) {
     const auto mode = round % 2 == 0 ? CUPS_RASTER_WRITE : CUPS_RASTER_WRITE_COMPRESSED;
     Bytes stream = rasterStream(twoPages(), mode);
     const size_t first = rasterStream({twoPages()[0]}, mode).size();

@@ -9,16 +9,13 @@
 #include <vector>
 
 #include "LiteralScreens.h"
+#include "support/Sweep.h"
 
 namespace velka::literal {
 
 // Sanitizers make the comparisons over all colours tens of times slower, so there
 // they look at every 251st colour only (a prime, so all bytes still take part).
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr uint32_t kColorStep = 251;
-#else
-constexpr uint32_t kColorStep = 1;
-#endif
+constexpr uint32_t kColorStep = testing::amount(1U, 251U, 2503U);
 
 using Bytes = std::vector<uint8_t>;
 using Table = std::array<uint8_t, 256>;

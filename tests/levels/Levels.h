@@ -13,16 +13,12 @@
 
 #include "CpuLevel.h"
 #include "support/Capture.h"
+#include "support/Sweep.h"
 
 namespace velka::testing {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr unsigned kRounds = 500;
-inline constexpr uint32_t kColourStep = 251;
-#else
-inline constexpr unsigned kRounds = 4000;
-inline constexpr uint32_t kColourStep = 1;
-#endif
+inline constexpr unsigned kRounds = testing::amount(4000U, 500U, 100U);
+inline constexpr uint32_t kColourStep = testing::amount(1U, 251U, 2503U);
 
 /// Runs at a level and goes back to the highest.
 class AtLevel {
