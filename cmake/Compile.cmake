@@ -8,11 +8,12 @@ add_library(velka_options INTERFACE)
 # compiler that warns of more.
 target_compile_options(velka_options INTERFACE
   -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor -ffp-contract=off)
-set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g1 -DNDEBUG")
 
 if(VELKA_SANITIZE)
   target_compile_options(velka_options INTERFACE
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELKA_ONE_THREAD>>>:-fsanitize=${VELKA_SANITIZE}>
+    $<$<BOOL:$<TARGET_PROPERTY:VELKA_TEST_CODE>>:-fno-sanitize=undefined>
     -fno-sanitize-recover=all -fno-omit-frame-pointer)
   if(VELKA_FUZZ)
     target_compile_options(velka_options INTERFACE

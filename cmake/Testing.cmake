@@ -5,11 +5,17 @@ set(own_tmp ${PROJECT_SOURCE_DIR}/tools/own-tmp.sh ${PROJECT_SOURCE_DIR} ${PROJE
 
 # Assertions expand to much code; optimising it takes longer than running it, the more so
 # where sanitizers have doubled it, and describing it for a debugger a third as long again.
-# Line numbers are enough for their reports.
-set(velka_test_code -O1 -g1)
-if(VELKA_SANITIZE)
-  set(velka_test_code -Og -g1)
-endif()
+# Line numbers are enough for their reports, and in the cases themselves the address
+# sanitizer is: looking for undefined behaviour doubles the time once more.
+# velka_test_code(TARGET): the target's own sources are such.
+function(velka_test_code target)
+  set(optimisation -O1)
+  if(VELKA_SANITIZE)
+    set(optimisation -Og)
+  endif()
+  target_compile_options(${target} PRIVATE ${optimisation} -g1)
+  set_target_properties(${target} PROPERTIES VELKA_TEST_CODE ON)
+endfunction()
 
 # velka_script_test(NAME SECONDS COMMAND...): 77 is the status of a test that says why it
 # was skipped. Those that may take long start first, also where no earlier run tells CTest
