@@ -22,11 +22,10 @@ size_t swapFirstPixels([[maybe_unused]] const uint8_t* line, [[maybe_unused]] ui
 }  // namespace
 
 void storeLine(std::span<const uint8_t> line, std::span<uint8_t> row, uint32_t pixels) noexcept {
-  constexpr size_t kPixelBytes = 3;
+  constexpr size_t kChannels = 3;
   const size_t bytes = std::min(line.size(), row.size());
-  const size_t swapped = std::min<size_t>(pixels, bytes / kPixelBytes) * kPixelBytes;
-  for (size_t i = swapFirstPixels(line.data(), row.data(), swapped); i < swapped;
-       i += kPixelBytes) {
+  const size_t swapped = std::min<size_t>(pixels, bytes / kChannels) * kChannels;
+  for (size_t i = swapFirstPixels(line.data(), row.data(), swapped); i < swapped; i += kChannels) {
     row[i] = line[i + 2];
     row[i + 1] = line[i + 1];
     row[i + 2] = line[i];

@@ -65,7 +65,10 @@ Bytes anyRaster(Input& input) {
   // A stream that ends early, or has something behind its pages.
   const auto rest = input.take(64);
   raster.insert(raster.end(), rest.begin(), rest.end());
-  if (input.flag()) raster.resize(raster.size() - std::min<size_t>(raster.size() - 4, rest.size()));
+  if (input.flag()) {
+    const auto cut = static_cast<ptrdiff_t>(std::min(raster.size() - 4, rest.size()));
+    raster.erase(raster.end() - cut, raster.end());
+  }
   return raster;
 }
 

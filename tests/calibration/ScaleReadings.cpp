@@ -48,12 +48,12 @@ std::string readVernier(const std::vector<Dot>& dots, const Vernier& vernier) {
   };
   const auto fixed = lines(fixedLine, vernier.fixed == kRed);
   const auto moving = lines(movingLine, vernier.moving == kRed);
-  const size_t count = 2 * static_cast<size_t>(vernier.steps) + 1;
-  if (fixed.size() != count || moving.size() != count) {
+  const size_t wanted = 2 * static_cast<size_t>(vernier.steps) + 1;
+  if (fixed.size() != wanted || moving.size() != wanted) {
     return std::to_string(fixed.size()) + " and " + std::to_string(moving.size()) + " lines";
   }
   std::vector<int64_t> apart;
-  for (size_t i = 0; i < count; ++i) apart.push_back(std::abs(fixed[i] - moving[i]));
+  for (size_t i = 0; i < wanted; ++i) apart.push_back(std::abs(fixed[i] - moving[i]));
   const auto best = std::ranges::min_element(apart) - apart.begin();
   return std::to_string(best - vernier.steps);
 }

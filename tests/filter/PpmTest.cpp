@@ -101,8 +101,8 @@ TEST(PpmBitmap, WhiteSpaceBeforeANumberIsSkipped) {
 }
 
 TEST(PpmBitmap, NumbersBeyondTheirTypeAreCutAndSignsAreNone) {
-  constexpr int kMost = std::numeric_limits<int>::max();
-  expectParsed("P6\n99999999999999999999999 2147483648\n255\nabc", kMost, kMost, 42);
+  constexpr int kMostSide = std::numeric_limits<int>::max();
+  expectParsed("P6\n99999999999999999999999 2147483648\n255\nabc", kMostSide, kMostSide, 42);
   expectParsed("P6\n-5 -4\n255\nabc", 0, 0, 13);
 }
 

@@ -57,8 +57,8 @@ TEST(ReferenceLight, NeutralSettingsAreTheIdentity) {
 
 TEST(ReferenceLight, ExtremesStayAndOthersMove) {
   const auto table = lightTable(20, 0);
-  const Pixel black = applyLight(table, {0, 0, 0});
-  EXPECT_EQ(black.p0 + black.p1 + black.p2, 0);
+  const Pixel darkest = applyLight(table, {0, 0, 0});
+  EXPECT_EQ(darkest.p0 + darkest.p1 + darkest.p2, 0);
   const Pixel white = applyLight(table, {255, 255, 255});
   EXPECT_EQ(white.p0 + white.p1 + white.p2, 3 * 255);
   const Pixel dark = applyLight(table, {1, 0, 0});

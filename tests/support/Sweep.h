@@ -14,7 +14,7 @@ Count sweep(Count few, Count all) {
 /// How much of the same a test takes. The address sanitizer makes it three times as slow, the
 /// thread sanitizer up to twenty times, and what they look for shows in the first rounds.
 template <typename Count>
-constexpr Count amount(Count all, [[maybe_unused]] Count sanitized,
+constexpr Count amount([[maybe_unused]] Count all, [[maybe_unused]] Count sanitized,
                        [[maybe_unused]] Count threads) {
 #if defined(__SANITIZE_THREAD__)
   return threads;
