@@ -67,7 +67,8 @@ register_emulator() {
 build_and_test_there() {
   local triplet
   triplet=$(dpkg-architecture -a"$architecture" -qDEB_HOST_GNU_TYPE 2>/dev/null)
-  cmake -G Ninja -S . -B build/there -DCMAKE_BUILD_TYPE=Release -DCMAKE_UNITY_BUILD=ON -DCMAKE_SYSTEM_NAME=Linux \
+  cmake -G Ninja -S . -B build/there -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_UNITY_BUILD=ON -DCMAKE_SYSTEM_NAME=Linux \
     -DCMAKE_SYSTEM_PROCESSOR="$machine" -DCMAKE_CXX_COMPILER="$triplet-g++" \
     -DCMAKE_C_COMPILER="$triplet-gcc" -DPKG_CONFIG_EXECUTABLE="/usr/bin/$triplet-pkg-config" \
     ${VELKA_WERROR:+"-DCMAKE_COMPILE_WARNING_AS_ERROR=$VELKA_WERROR"}
