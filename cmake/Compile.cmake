@@ -13,7 +13,6 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g1 -DNDEBUG")
 if(VELKA_SANITIZE)
   target_compile_options(velka_options INTERFACE
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELKA_ONE_THREAD>>>:-fsanitize=${VELKA_SANITIZE}>
-    $<$<BOOL:$<TARGET_PROPERTY:VELKA_TEST_CODE>>:-fno-sanitize=undefined>
     -fno-sanitize-recover=all -fno-omit-frame-pointer)
   if(VELKA_FUZZ)
     target_compile_options(velka_options INTERFACE

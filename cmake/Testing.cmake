@@ -5,8 +5,7 @@ set(own_tmp ${PROJECT_SOURCE_DIR}/tools/own-tmp.sh ${PROJECT_SOURCE_DIR} ${PROJE
 
 # Assertions expand to much code; optimising it takes longer than running it, the more so
 # where sanitizers have doubled it, and describing it for a debugger a third as long again.
-# Line numbers are enough for their reports, and in the cases themselves the address
-# sanitizer is: looking for undefined behaviour doubles the time once more.
+# Line numbers are enough for their reports.
 # velka_test_code(TARGET): the target's own sources are such.
 function(velka_test_code target)
   set(optimisation -O1)
@@ -14,7 +13,6 @@ function(velka_test_code target)
     set(optimisation -Og)
   endif()
   target_compile_options(${target} PRIVATE ${optimisation} -g1)
-  set_target_properties(${target} PROPERTIES VELKA_TEST_CODE ON)
 endfunction()
 
 # velka_script_test(NAME SECONDS COMMAND...): 77 is the status of a test that says why it

@@ -151,7 +151,7 @@ TEST(Sizes, AHorizontalResolutionBeyondAllSenseIsSafe) {
 
 // Every 31st row with black, every 29th with red; shorter where each dot takes a
 // sanitizer's time.
-constexpr int kTall = testing::amount(100000, 20000, 20000);
+constexpr int kTall = testing::amount(100000, 100000, 20000);
 
 DotPage tallPage(bool black, bool red) {
   DotPage page(3, kTall);
