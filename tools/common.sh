@@ -65,6 +65,19 @@ tell_skipped() {
     ' "build/$1/Testing/Temporary/LastTest.log"
 }
 
+# tell_failed PRESET: the ends of what failing tests said, once more where the eye looks first.
+tell_failed() {
+  awk '/^[0-9]+\/[0-9]+ Test: / { test = $3; first = last = 0 }
+    /^<end of output>$/ { inside = 0 }
+    inside { line[++last] = $0; if (last - first > 30) delete line[++first] }
+    /^Output:$/ { inside = getline; next }
+    /^Test (Failed|Timed Out)/ || /^Test .*Exception/ {
+      print "failed: " test
+      while (first < last) print "  " line[++first]
+    }
+    ' "build/$1/Testing/Temporary/LastTest.log"
+}
+
 # run_tests PRESET [CTEST-ARGUMENT...]. One more at a time than there are processors, for many
 # wait for servers and signals, unless VELKA_TEST_JOBS says otherwise; they can, since each has
 # a /tmp of its own. One where they have not.
@@ -75,6 +88,7 @@ run_tests() {
   if has_own_tmp; then jobs=$(($(nproc) + 1)); else jobs=1; fi
   ctest --preset "$preset" --parallel "${VELKA_TEST_JOBS:-$jobs}" "$@" || status=$?
   tell_skipped "$preset"
+  ((status == 0)) || tell_failed "$preset"
   return "$status"
 }
 
@@ -83,7 +97,7 @@ run_tests() {
 # Without the right to ask for them (some containers) things run as they are.
 at_fixed_addresses() {
   if setarch "$(uname -m)" -R true 2>/dev/null; then
-    export -f build run_tests has_own_tmp tell_skipped say die need_writable
+    export -f build run_tests has_own_tmp tell_skipped tell_failed say die need_writable
     setarch "$(uname -m)" -R bash -c 'set -euo pipefail; "$@"' bash "$@"
   else
     "$@"
