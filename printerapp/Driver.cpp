@@ -9,6 +9,7 @@
 #include "DeviceOutput.h"
 #include "Model.h"
 #include "PrintJob.h"
+#include "Texts.h"
 
 namespace velka::app {
 namespace {
@@ -133,7 +134,7 @@ std::span<pappl_pr_driver_t> drivers() {
   return all;
 }
 
-bool describeDriver(pappl_system_t* /*system*/, const char* driver, const char* /*uri*/,
+bool describeDriver(pappl_system_t* system, const char* driver, const char* /*uri*/,
                     const char* /*deviceId*/, pappl_pr_driver_data_t* data, ipp_t** attributes,
                     void* /*context*/) {
   const Model* model = driver == nullptr ? nullptr : modelOf(driver);
@@ -144,6 +145,7 @@ bool describeDriver(pappl_system_t* /*system*/, const char* driver, const char* 
   describePaper(*model, *data);
   *attributes = ippNew();
   addFacts(*attributes);
+  tellTexts(system, *attributes);
   for (const VendorOption& option : model->options) addOption(option, *data, *attributes);
   return true;
 }
@@ -174,13 +176,6 @@ const char* matchDriver(const char* /*info*/, const char* /*uri*/, const char* d
     if (named.find(kind) != std::string::npos) return model.driver.c_str();
   }
   return nullptr;
-}
-
-void addTexts(pappl_system_t* system) {
-  if (models().empty()) return;
-  // The library keeps a pointer to it.
-  static const std::string lines = stringsOf(models().front());
-  papplSystemAddStringsData(system, "/options.strings", "en", lines.c_str());
 }
 
 }  // namespace velka::app

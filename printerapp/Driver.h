@@ -23,7 +23,4 @@ void nameSupplies(pappl_printer_t* printer, void* context);
 /// The driver for a device that was found, null for a device of another kind.
 const char* matchDriver(const char* info, const char* uri, const char* deviceId, void* context);
 
-/// Has the web pages show options by their texts, in English.
-void addTexts(pappl_system_t* system);
-
 }  // namespace velka::app

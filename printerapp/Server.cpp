@@ -15,6 +15,7 @@
 #include "Model.h"
 #include "PdfJob.h"
 #include "Spool.h"
+#include "Texts.h"
 #include "Version.h"
 
 namespace velka::app {
@@ -129,7 +130,7 @@ void setUp(pappl_system_t* system, const CommandOptions& options) {
   tellVersion(system);
   // The library's pages want one.
   papplSystemSetFooterHTML(system, "Velka, for two-colour dot-column printers");
-  addTexts(system);
+  addTexts(system, options.text("listen-hostname", "localhost"));
   addPdfFilter(system);
   const auto all = drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(all.size()), all.data(), matchDriver,

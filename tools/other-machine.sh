@@ -35,10 +35,11 @@ machine=${machines[$architecture]:-}
 
 tools_and_libraries() {
   local package
-  echo cmake ninja-build pkg-config qemu-user-static cups cups-ppdc cups-client cups-filters \
-    cups-filters-core-drivers ghostscript poppler-utils locales zbar-tools appstream mandoc \
+  echo cmake ninja-build pkg-config nlohmann-json3-dev qemu-user-static \
+    cups cups-ppdc cups-client cups-filters cups-filters-core-drivers ghostscript poppler-utils locales zbar-tools appstream mandoc \
     "crossbuild-essential-$architecture"
-  for package in libcups2-dev libcupsimage2-dev libcairo2-dev libpng-dev libgtest-dev libgmock-dev; do
+  for package in libcups2-dev libcupsimage2-dev libcairo2-dev libpng-dev libmicrohttpd-dev \
+    libpappl-dev libpoppler-glib-dev libgtest-dev libgmock-dev; do
     echo "$package:$architecture"
   done
 }

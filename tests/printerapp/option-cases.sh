@@ -107,6 +107,23 @@ print_mode() {
   [[ $state == completed ]] || fail "$3, $model: $state: $(message "$model" "$job")"
 }
 
+# Asking does not make the answer longer, and what options are called is where it says.
+case_texts() {
+  local round model=orlo uri
+  command -v curl >/dev/null || skip "curl is not here"
+  start_app
+  add_printers
+  for round in 1 2 3; do
+    ask "$model" Get-Printer-Attributes 'ATTR keyword requested-attributes all' >"$work/said.$round"
+    (($(grep -c '^ *printer-strings-languages-supported' "$work/said.$round") == 1)) ||
+      fail "asked $round times: $(grep printer-strings "$work/said.$round")"
+  done
+  uri=$(sed -n 's/^ *printer-strings-uri (uri) = //p' "$work/said.3")
+  [[ $uri == "http://localhost:$port/options.strings" ]] || fail "the texts are at $uri"
+  curl -fsS "$uri" >"$work/texts"
+  grep -qE '^"printer\..*|^"[A-Za-z-]+' "$work/texts" || fail "the texts: $(head -n 5 "$work/texts")"
+}
+
 # The form of the printer's page sets the defaults, all at once.
 case_by_web_form() {
   local model option default other fields wanted page
