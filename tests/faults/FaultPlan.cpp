@@ -87,7 +87,7 @@ bool readPlan(const char* text) noexcept {
 bool isProgramUnderTest() noexcept {
   const char* wanted = std::getenv("VELKA_FAULT_PROGRAM");
   std::array<char, PATH_MAX> own = {};
-  const long size = syscall(SYS_readlink, "/proc/self/exe", own.data(), own.size() - 1);
+  const long size = syscall(SYS_readlinkat, AT_FDCWD, "/proc/self/exe", own.data(), own.size() - 1);
   return wanted != nullptr && size > 0 && std::strcmp(own.data(), wanted) == 0;
 }
 
