@@ -60,10 +60,9 @@ int waitFor(pid_t child, const Step& step, bool& dropped) {
     const pid_t ended = waitpid(child, &status, WNOHANG);
     if (ended == child || (ended < 0 && errno != EINTR)) return status;
     dropped = dropped || (step.unwanted && step.unwanted());
-    if (!told && (dropped || SignalsHeld::pending())) {
-      (void)kill(-child, dropped ? step.ending : SIGTERM);
-      told = true;
-    }
+    // Its group may take a moment to be there.
+    if (!told && (dropped || SignalsHeld::pending()))
+      told = kill(-child, dropped ? step.ending : SIGTERM) == 0;
     (void)nanosleep(&kPause, nullptr);
   }
 }
