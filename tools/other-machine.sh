@@ -21,10 +21,10 @@ notes=build/other-machine.log
 source tools/system.sh
 root=$cache/$release-$(dpkg --print-architecture)-for-$architecture
 # What an emulator hides from those who look at its program from outside, or does not do:
-# system calls held, counted or refused; memory that is bounded; which signals a program
-# waits for, and which program it is; the error of a program that cannot be started, for its
+# system calls held, counted or refused; what it costs; memory that is bounded; which signals
+# a program waits for, and which it is; the error of a program that cannot be started, for its
 # vfork is a fork. Tests that hold others go with them.
-apart='Killed|ReaderGone|NthFailure|DecidedEnds|OrderOnDisk|ToolsOfAJob|Limited|FewDescriptors'
+apart='Cost.OfWatching|Killed|ReaderGone|NthFailure|DecidedEnds|OrderOnDisk|ToolsOfAJob|Limited|FewDescriptors'
 apart+='|AddressSpace|APictureThatCannotBeRead|ACommandTooMuchMemory|InProportionToThePixels'
 apart+='|APageThatTheSystemHasNoRoomFor|Cancelled.BeforeTheRaster|AFilterThatDiesAborts'
 apart+='|AProgramThatIsNotThere|AMissingProgramIsTold|NoPdfCanBeMade|AFilterThatCannotBeStarted'
