@@ -140,19 +140,6 @@ std::vector<Model> readModels() {
   return both;
 }
 
-std::string escaped(std::string_view text) {
-  std::string out;
-  for (const char c : text) {
-    if (c == '"' || c == '\\') out += '\\';
-    out += c;
-  }
-  return out;
-}
-
-void addLine(std::string& lines, const std::string& key, std::string_view text) {
-  lines.append("\"").append(key).append("\" = \"").append(escaped(text)).append("\";\n");
-}
-
 }  // namespace
 
 const VendorOption* Model::option(std::string_view name) const noexcept {
@@ -181,16 +168,6 @@ Resolution resolutionOf(std::string_view choice) noexcept {
   const auto y = std::from_chars(x.ptr + 1, end, r.y);
   if (*x.ptr != 'x' || y.ec != std::errc{} || y.ptr != end) return {};
   return r;
-}
-
-std::string stringsOf(const Model& model) {
-  std::string lines;
-  for (const VendorOption& option : model.options) {
-    addLine(lines, option.name, option.text);
-    for (const Choice& choice : option.choices)
-      addLine(lines, option.name + "." + choice.name, choice.text);
-  }
-  return lines;
 }
 
 }  // namespace velka::app

@@ -60,8 +60,4 @@ struct Model {
 /// "180dpi" and "120x180dpi" as two numbers; zeros for anything else.
 [[nodiscard]] Resolution resolutionOf(std::string_view choice) noexcept;
 
-/// The texts of a model's options, in English, as lines of a .strings file, the keys "OPTION"
-/// and "OPTION.CHOICE".
-[[nodiscard]] std::string stringsOf(const Model& model);
-
 }  // namespace velka::app

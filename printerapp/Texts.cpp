@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "Model.h"
+#include "OptionTexts.h"
 
 namespace velka::app {
 namespace {
@@ -27,18 +27,25 @@ std::string hostOf(pappl_system_t* system, const std::string& names) {
   return papplSystemGetHostName(system, own.data(), own.size()) == nullptr ? kLocal : own.data();
 }
 
+// Into the library's own texts, where it has such in that language: pages are in one. A file
+// that has a language does not stay, for the library would add that to what it knows of a
+// printer each time somebody asks, at the same time as others read it.
+void load(pappl_system_t* system, const Model& model, const std::string& language) {
+  if (papplSystemFindLoc(system, language.c_str()) == nullptr) return;
+  papplSystemAddStringsData(system, kPath, language.c_str(), stringsOf(model, language).c_str());
+  papplSystemRemoveResource(system, kPath);
+}
+
 }  // namespace
 
 void addTexts(pappl_system_t* system, const std::string& names) {
   if (models().empty()) return;
   toldHost() = hostOf(system, names);
+  const Model& model = models().front();
+  for (const std::string& language : languagesOf(model)) load(system, model, language);
   // The library keeps a pointer to it.
-  static const std::string lines = stringsOf(models().front());
-  papplSystemAddStringsData(system, kPath, kLanguage, lines.c_str());
-  // The texts are loaded. For a file that has a language the library would add that to what it
-  // knows of a printer each time somebody asks, at the same time as others read it.
-  papplSystemRemoveResource(system, kPath);
-  papplSystemAddResourceData(system, kPath, "text/strings", lines.data(), lines.size());
+  static const std::string english = stringsOf(model, kLanguage);
+  papplSystemAddResourceData(system, kPath, "text/strings", english.data(), english.size());
 }
 
 void tellTexts(pappl_system_t* system, ipp_t* attributes) {

@@ -7,7 +7,8 @@
 
 namespace velka::app {
 
-/// Has the web pages show options by their texts, in English, and serves these to clients.
+/// Has the web pages show options by their texts, in the languages that the library's pages
+/// and the PPDs have, and serves the English ones to clients.
 /// @param names  what the server listens to, with commas between them; "*" is every address
 ///     of this machine. Clients are told the first that is more than "localhost".
 void addTexts(pappl_system_t* system, const std::string& names);

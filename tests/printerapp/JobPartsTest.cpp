@@ -7,6 +7,7 @@
 #include "FilterRun.h"
 #include "JobOptions.h"
 #include "Model.h"
+#include "OptionTexts.h"
 #include "PageRaster.h"
 #include "PdfDrawing.h"
 
@@ -48,8 +49,23 @@ TEST(Model, EachPaperHasANameOfItsOwnAndTheSizeThatThePpdSays) {
 }
 
 TEST(Model, OptionsAndChoicesHaveTheirTexts) {
-  EXPECT_NE(stringsOf(models().front()).find("\"OutputColorType.Black\" = \"Black only\""),
-            std::string::npos);
+  const std::string english = stringsOf(models().front(), "en");
+  EXPECT_NE(english.find("\"OutputColorType.Black\" = \"Black only\";\n"), std::string::npos);
+  const std::string german = stringsOf(models().front(), "de");
+  EXPECT_NE(german.find("\"OutputColorType.Black\" = \"Nur Schwarz\";\n"), std::string::npos);
+  EXPECT_NE(german.find("\"RedMinValue\" = \"Bereich Rot, von\";\n"), std::string::npos);
+  EXPECT_NE(german.find("\"RedMinValue.150\" = \"150\";\n"), std::string::npos);
+  EXPECT_EQ(std::ranges::count(german, '\n'), std::ranges::count(english, '\n'));
+  EXPECT_EQ(stringsOf(models().front(), "xx"), english);
+}
+
+TEST(Model, LanguagesAreThoseOfThePpd) {
+  for (const Model& model : models()) {
+    const std::vector<std::string> languages = languagesOf(model);
+    EXPECT_EQ(languages.size(), 10U);
+    EXPECT_EQ(languages.front(), "en");
+    EXPECT_NE(std::ranges::find(languages, "zh_CN"), languages.end());
+  }
 }
 
 TEST(Resolution, IsReadFromAChoicesName) {

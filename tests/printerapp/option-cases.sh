@@ -107,7 +107,8 @@ print_mode() {
   [[ $state == completed ]] || fail "$3, $model: $state: $(message "$model" "$job")"
 }
 
-# Asking does not make the answer longer, and what options are called is where it says.
+# Asking does not make the answer longer; what options are called is where it says, and in
+# the language of the form.
 case_texts() {
   local round model=orlo uri
   command -v curl >/dev/null || skip "curl is not here"
@@ -121,7 +122,10 @@ case_texts() {
   uri=$(sed -n 's/^ *printer-strings-uri (uri) = //p' "$work/said.3")
   [[ $uri == "http://localhost:$port/options.strings" ]] || fail "the texts are at $uri"
   curl -fsS "$uri" >"$work/texts"
-  grep -qE '^"printer\..*|^"[A-Za-z-]+' "$work/texts" || fail "the texts: $(head -n 5 "$work/texts")"
+  grep -qxF '"OutputColorType.Black" = "Black only";' "$work/texts" ||
+    fail "the texts: $(head -n 5 "$work/texts")"
+  curl -fsS -H 'Accept-Language: de' "http://localhost:$port/$model/printing" >"$work/form.html"
+  grep -qF 'Bereich Rot, von' "$work/form.html" || fail "the form is not in German"
 }
 
 # The form of the printer's page sets the defaults, all at once.
