@@ -15,6 +15,7 @@
 #include "OwnFile.h"
 #include "PlainNames.h"
 #include "ShellCommand.h"
+#include "ToolGuard.h"
 
 namespace velka {
 namespace {
@@ -65,7 +66,7 @@ std::optional<std::string_view> pagesValue(std::string_view report) noexcept {
 }
 
 bool isRun(const ToolEnd& end) noexcept {
-  return end.status != -1 && end.status != kNoDescriptors << 8;
+  return end.status != -1 && end.status != kNoDescriptors << 8 && end.status != kNoGuard << 8;
 }
 
 // The pipeline's own redirection finds a file that is ours and locked, so it cannot
