@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 
 #include "Process.h"
 #include "support/TestPdf.h"
@@ -62,6 +63,7 @@ TEST(Process, OneThatIsNotWantedAnyMoreIsEndedWithAllThatItStarted) {
   step.unwanted = [&] { return textOf(folder / "errors").ends_with("\n"); };
   for (const int ending : {SIGKILL, SIGTERM}) {
     step.ending = ending;
+    std::filesystem::remove(folder / "errors");
     EXPECT_EQ(runStep(step, held), "sh was interrupted");
     const pid_t child = std::stoi(textOf(folder / "errors"));
     // Whoever takes the orphan over may need a moment for it.
