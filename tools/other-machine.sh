@@ -24,9 +24,9 @@ root=$cache/$release-$(dpkg --print-architecture)-for-$architecture
 # system calls held, counted or refused; what it costs; memory that is bounded; which signals
 # a program waits for, and which it is; the error of a program that cannot be started, for its
 # vfork is a fork. Tests that hold others go with them.
-apart='Cost.OfWatching|Killed|ReaderGone|NthFailure|DecidedEnds|OrderOnDisk|ToolsOfAJob|Limited|FewDescriptors'
-apart+='|AddressSpace|APictureThatCannotBeRead|ACommandTooMuchMemory|InProportionToThePixels'
-apart+='|APageThatTheSystemHasNoRoomFor|Cancelled.BeforeTheRaster|AFilterThatDiesAborts'
+apart='Cost.OfWatching|Killed|ReaderGone|NthFailure|DecidedEnds|OrderOnDisk|ToolsOfAJob'
+apart+='|Limited|FewDescriptors|AddressSpace|APictureThatCannotBeRead|ACommandTooMuchMemory'
+apart+='|InProportionToThePixels|APageThatTheSystemHasNoRoomFor|Cancelled.BeforeTheRaster|AFilterThatDiesAborts'
 apart+='|AProgramThatIsNotThere|AMissingProgramIsTold|NoPdfCanBeMade|AFilterThatCannotBeStarted'
 apart+='|InGerman.The(Jobs|Copiers)TestsPass'
 
@@ -42,7 +42,8 @@ machine=${machines[$architecture]:-}
 tools_and_libraries() {
   local package
   echo cmake ninja-build pkg-config nlohmann-json3-dev qemu-user-static \
-    cups cups-ppdc cups-client cups-filters cups-filters-core-drivers ghostscript poppler-utils locales zbar-tools appstream mandoc \
+    cups cups-ppdc cups-client cups-filters cups-filters-core-drivers ghostscript \
+    poppler-utils locales zbar-tools appstream mandoc \
     "crossbuild-essential-$architecture"
   for package in libcups2-dev libcupsimage2-dev libcairo2-dev libpng-dev libmicrohttpd-dev \
     libpappl-dev libpoppler-glib-dev libgtest-dev libgmock-dev; do
