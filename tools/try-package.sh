@@ -93,6 +93,16 @@ leaves() {
   [[ -z $left ]] || die "left behind: $left"
 }
 
+# Whether systemd would start the application, and what that would keep.
+serves() {
+  local state=/var/lib/private/velka-printer-app
+  step "The application's unit"
+  [[ -L /etc/systemd/system/multi-user.target.wants/velka-printer-app.service ]] ||
+    die "the unit of velka-printer-app is not enabled"
+  mkdir -p "$state/spool"
+  ln -sfn "$state" /var/lib/velka-printer-app
+}
+
 prepare
 step "Installing"
 install_from "$folder/new"
@@ -100,4 +110,5 @@ prints
 remove_all
 upgrades
 install_from "$folder/new"
+serves
 leaves
