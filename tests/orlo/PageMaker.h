@@ -80,5 +80,8 @@ Bytes moveX(int position);
 Bytes block(uint8_t mode, const std::vector<Bytes>& columns);
 /// `column`, and blank columns up to `count` in all.
 std::vector<Bytes> padded(std::vector<Bytes> columns, size_t count);
+inline const Bytes kBlank = {0, 0, 0};         // a column
+inline const Bytes kFirstSlot = {0x80, 0, 0};  // a column's first dot
+inline const Bytes kColourMode3 = {0x1B, 0x72, 0x02};
 
 }  // namespace velka::orlotest
