@@ -26,8 +26,8 @@ root=$cache/$release-$(dpkg --print-architecture)-for-$architecture
 # vfork is a fork. Tests that hold others go with them.
 apart='Cost.OfWatching|Killed|ReaderGone|NthFailure|DecidedEnds|OrderOnDisk|ToolsOfAJob'
 apart+='|Limited|FewDescriptors|AddressSpace|APictureThatCannotBeRead|ACommandTooMuchMemory'
-apart+='|InProportionToThePixels|APageThatTheSystemHasNoRoomFor|Cancelled.BeforeTheRaster|AFilterThatDiesAborts'
-apart+='|AProgramThatIsNotThere|AMissingProgramIsTold|NoPdfCanBeMade|AFilterThatCannotBeStarted'
+apart+='|InProportionToThePixels|APageThatTheSystemHasNoRoomFor|Cancelled.BeforeTheRaster'
+apart+='|AFilterThatDiesAborts|AProgramThatIsNotThere|AMissingProgramIsTold|NoPdfCanBeMade|AFilterThatCannotBeStarted'
 apart+='|InGerman.The(Jobs|Copiers)TestsPass'
 
 skip() {
