@@ -24,7 +24,8 @@ const std::string& spoolFolder() noexcept {
 
 std::string usualSpoolFolder() {
   constexpr const char* kName = "/velka-printer-app";
-  if (geteuid() == 0) return std::string("/var/lib") + kName;
+  // Not below /var/lib, where systemd has a link to the service's own folder.
+  if (geteuid() == 0) return std::string("/var/spool") + kName;
   // NOLINTBEGIN(concurrency-mt-unsafe): read before there are threads
   if (const char* state = std::getenv("XDG_STATE_HOME")) return std::string(state) + kName;
   const char* home = std::getenv("HOME");

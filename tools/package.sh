@@ -32,11 +32,12 @@ make_in() {
     die "dpkg-buildpackage failed, see $to.log: $(tail -n 5 "$to.log")"
 }
 
-# Everything it says beyond a hint is an error, or has an override with its reason.
+# Everything it says beyond a hint is an error, or has an override with its reason. But for
+# what differs from release to release: the tags that there are, and the newest policy.
 look_at() {
-  local said
+  local said differs='alien-tag|out-of-date-standards-version'
   said=$(lintian -i -I --pedantic --fail-on none "$folder"/velka_*.changes 2>&1)
-  printf '%s\n' "$said" | grep -E '^[EWI]: ' && die "lintian has remarks"
+  printf '%s\n' "$said" | grep -E '^[EWI]: ' | grep -vE "$differs" && die "lintian has remarks"
   say "lintian has no remark"
 }
 

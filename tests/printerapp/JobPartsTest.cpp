@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -10,6 +11,8 @@
 #include "OptionTexts.h"
 #include "PageRaster.h"
 #include "PdfDrawing.h"
+#include "Spool.h"
+#include "support/TestPdf.h"
 
 namespace velka::app {
 namespace {
@@ -140,6 +143,21 @@ TEST(PageRaster, KindsThatDoNotPrintHaveNoHeader) {
   EXPECT_FALSE(filterHeader(pageOf(CUPS_CSPACE_CMYK, 32, 5), 1).has_value());
   EXPECT_FALSE(filterHeader(pageOf(CUPS_CSPACE_SRGB, 48, 5), 1).has_value());
   EXPECT_FALSE(filterHeader(pageOf(CUPS_CSPACE_SRGB, 24, 0), 1).has_value());
+}
+
+// systemd makes its folder below /var/lib a link, which nobody else may follow.
+TEST(SpoolFolder, OfRootIsNotThatOfTheUnit) {
+  if (geteuid() != 0) GTEST_SKIP() << "takes root";
+  EXPECT_EQ(usualSpoolFolder(), "/var/spool/velka-printer-app");
+}
+
+TEST(SpoolFolder, ThatIsALinkIsRefused) {
+  const testing::TempFolder folder;
+  const std::string real = folder / "real";
+  const std::string link = folder / "link";
+  EXPECT_EQ(useSpoolFolder(real), "");
+  ASSERT_EQ(symlink(real.c_str(), link.c_str()), 0);
+  EXPECT_EQ(useSpoolFolder(link), link + " is no folder");
 }
 
 TEST(DrawingJob, ItsWordsAreReadBack) {
