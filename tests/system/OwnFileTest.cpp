@@ -50,6 +50,27 @@ TEST(OwnFiles, OfRootCountWhereThatIsAskedFor) {
   EXPECT_FALSE(isOwn(statusOf(0, 2), OrRoots::Yes));
 }
 
+TEST(OwnFiles, OfNoNameAreNone) {
+  EXPECT_FALSE(velka::openOwnFile(nullptr));
+  EXPECT_FALSE(velka::makeFreshOwnFile(nullptr));
+  EXPECT_FALSE(velka::holdsOwnBytes(nullptr));
+  velka::removeOwnFile(nullptr);
+}
+
+TEST(OwnFiles, AreMadeFreshAndEmpty) {
+  const TempFolder folder;
+  const std::string name = folder.file("a");
+  EXPECT_FALSE(velka::holdsOwnBytes(name.c_str()));
+  writeFile(name, "of an earlier job");
+  EXPECT_TRUE(velka::holdsOwnBytes(name.c_str()));
+  velka::removeEmptyOwnFile(name.c_str());
+  EXPECT_EQ(access(name.c_str(), F_OK), 0);
+  EXPECT_TRUE(velka::makeFreshOwnFile(name.c_str()));
+  EXPECT_FALSE(velka::holdsOwnBytes(name.c_str()));
+  velka::removeEmptyOwnFile(name.c_str());
+  EXPECT_NE(access(name.c_str(), F_OK), 0);
+}
+
 TEST(NamedFiles, AreTheOnesThatTheNameLeadsTo) {
   const TempFolder folder;
   writeFile(folder.file("a"), "");
