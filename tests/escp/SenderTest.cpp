@@ -8,32 +8,29 @@
 namespace velka::testing {
 namespace {
 
-TEST(Senders, StartOfDocumentCarriesThePageLengthInLines) {
-  Job job(100, 3960, 360, 360);
+// What starts a document of the job's page.
+Bytes startOf(Job& job) {
   job.pdev.devModeOut = job.mode;
   job.pdev.devGdiInfo = job.pdev.srcGdiInfo;
   const Capture capture(STDOUT_FILENO);
   EXPECT_TRUE(job.pdev.pEscpSml->SendStartDocCmd(&job.devobj));
-  EXPECT_EQ(capture.bytes(), (Bytes{0x1B, 0x40, 0x1B, 0x32, 0x1B, 0x43, 0x42}));
+  return capture.bytes();
+}
+
+TEST(Senders, StartOfDocumentCarriesThePageLengthInLines) {
+  Job job(100, 3960, 360, 360);
+  EXPECT_EQ(startOf(job), (Bytes{0x1B, 0x40, 0x1B, 0x32, 0x1B, 0x43, 0x42}));
 }
 
 TEST(Senders, PageLengthWrapsAt256Lines) {
   Job job(100, 16000, 360, 360);
-  job.pdev.devModeOut = job.mode;
-  job.pdev.devGdiInfo = job.pdev.srcGdiInfo;
-  const Capture capture(STDOUT_FILENO);
-  EXPECT_TRUE(job.pdev.pEscpSml->SendStartDocCmd(&job.devobj));
-  EXPECT_EQ(capture.bytes().back(), 0x0A);
+  EXPECT_EQ(startOf(job).back(), 0x0A);
 }
 
 TEST(Senders, LandscapePageLengthComesFromTheWidth) {
   Job job(1800, 100, 180, 360);
   job.mode.dmOrientation = 2;
-  job.pdev.devModeOut = job.mode;
-  job.pdev.devGdiInfo = job.pdev.srcGdiInfo;
-  const Capture capture(STDOUT_FILENO);
-  EXPECT_TRUE(job.pdev.pEscpSml->SendStartDocCmd(&job.devobj));
-  EXPECT_EQ(capture.bytes().back(), 60);
+  EXPECT_EQ(startOf(job).back(), 60);
 }
 
 TEST(Senders, EndOfDocumentIsAReset) {
