@@ -232,19 +232,9 @@ void noteUnreachable(pappl_printer_t* printer, void* /*data*/) {
   if (begun) papplPrinterSetReasons(printer, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
 }
 
-// The library loads the jobs of its last run, and begins none before another one comes.
-void beginWaitingJobs(pappl_printer_t* printer, void* /*data*/) {
-  if (papplPrinterGetState(printer) == IPP_PSTATE_IDLE &&
-      papplPrinterGetNumberOfActiveJobs(printer) > 0)
-    papplPrinterResume(printer);
-}
-
 }  // namespace
 
-bool watchPrinters(pappl_system_t* system, void* /*data*/) {
-  static bool begun = false;
-  if (!begun) papplSystemIteratePrinters(system, beginWaitingJobs, nullptr);
-  begun = true;
+void watchPrinters(pappl_system_t* system) {
   papplSystemIteratePrinters(system, noteUnreachable, nullptr);
   Active& all = active();
   const std::lock_guard lock(all.mutex);
@@ -253,7 +243,6 @@ bool watchPrinters(pappl_system_t* system, void* /*data*/) {
     if (output->isStuck())
       papplPrinterSetReasons(output->printer(), PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
   }
-  return true;
 }
 
 }  // namespace velka::app

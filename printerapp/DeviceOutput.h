@@ -58,9 +58,9 @@ class DeviceOutput {
   std::atomic<int64_t> since_{0};
 };
 
-/// Brings the states of printers up to date with what their jobs wait for; the library calls
-/// it every second.
-bool watchPrinters(pappl_system_t* system, void* data);
+/// Brings the states of printers up to date with what their jobs wait for; to be called now
+/// and then.
+void watchPrinters(pappl_system_t* system);
 
 /// Asks an idle printer for its state; the library's callback.
 bool updateStatus(pappl_printer_t* printer);

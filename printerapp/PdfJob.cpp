@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "Child.h"
+#include "JobStart.h"
 #include "Limits.h"
 #include "OwnFile.h"
 #include "PdfDrawing.h"
@@ -200,7 +201,9 @@ class PdfJob {
 
   bool drawOnce() {
     Drawing drawing;
-    const std::string trouble = drawing.start(papplJobGetFilename(job_), drawing_);
+    const char* file = papplJobGetFilename(job_);
+    if (file == nullptr) return print_.fail("the document is gone");
+    const std::string trouble = drawing.start(file, drawing_);
     if (!trouble.empty()) return print_.fail(trouble);
     const bool taken = copyPages(drawing);
     const std::string why = drawing.end(!taken);
@@ -242,6 +245,7 @@ class PdfJob {
 };
 
 bool printPdf(pappl_job_t* job, pappl_device_t* device, void* /*data*/) {
+  if (!isFirstToPrint(job)) return true;
   try {
     const Options options(papplJobCreatePrintOptions(job, 0, true));
     if (!options) return false;

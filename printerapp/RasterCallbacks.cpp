@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "JobStart.h"
 #include "PrintJob.h"
 
 namespace velka::app {
@@ -33,6 +34,7 @@ bool attempt(pappl_job_t* job, Step step) noexcept {
 }
 
 bool startJob(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* device) {
+  if (!isFirstToPrint(job)) return false;
   // The library repeats the pages of its own formats for copies.
   papplJobSetData(job, new (std::nothrow) PrintJob(job, options, device, 1));
   return attempt(job, [&](PrintJob& print) { return print.start(filterJobId(job), false); });

@@ -6,7 +6,7 @@ set -euo pipefail
 build=$1
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/../queue" && pwd)
 # Two minutes for whatever is waited for: this test ends before it is ended.
-rounds=600
+patience=120
 # shellcheck source=tests/queue/server.sh
 source "$here/server.sh"
 # shellcheck source=tests/printerapp/documents.sh

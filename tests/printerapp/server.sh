@@ -19,12 +19,19 @@ skip() {
   exit 77
 }
 
-# One that nobody listens to; the system hands each of these out once.
+# listens PORT: seen without a connection, which a printer has only one of.
+listens() {
+  awk -v port="$(printf %04X "$1")" '
+    $4 == "0A" && $2 ~ ":" port "$" { found = 1 }
+    END { exit !found }' < <(cat /proc/net/tcp /proc/net/tcp6 2>/dev/null)
+}
+
+# One that nobody listens to, here or in a test beside this one.
 free_port() {
   local try
   for ((try = 0; try < 200; try++)); do
     port=$((20000 + RANDOM % 12000))
-    if ! (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null; then return; fi
+    if ! listens "$port"; then return; fi
   done
   die "no port is free"
 }
@@ -34,7 +41,7 @@ answers() {
   (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null
 }
 
-# start_app [OPTION=VALUE...]
+# start_app [OPTION=VALUE...]: with the library $preload in front of its own, where set.
 start_app() {
   local options=() option
   for option in "$@"; do options+=(-o "$option"); done
@@ -43,7 +50,7 @@ start_app() {
   unset CUPS_SERVER PPD DESTDIR XDG_STATE_HOME
   : "${port:=}"
   [[ -n $port ]] || free_port
-  setpriv --pdeathsig KILL "$app" server -o server-port="$port" -o spool-directory="$work/spool" \
+  setpriv --pdeathsig KILL env ${preload:+"LD_PRELOAD=$preload"} "$app" server -o server-port="$port" -o spool-directory="$work/spool" \
     -o log-file="$log" -o log-level=debug "${options[@]}" </dev/null >"$work/server.out" 2>&1 &
   server=$!
   wait_until "the server answers" answers

@@ -9,9 +9,6 @@ start_printer() {
   wait_until "the printer is there" listens "${device_port[$1]}"
 }
 
-# listens PORT: seen without a connection, which a printer has only one of.
-listens() { grep -q "0100007F:$(printf %04X "$1") 00000000:0000 0A" /proc/net/tcp; }
-
 # add_device NAME DRIVER: a queue for such a printer, which need not be there yet.
 add_device() {
   local own=$port

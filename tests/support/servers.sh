@@ -8,12 +8,12 @@ die() {
   exit 1
 }
 
-# wait_until WHAT COMMAND...: polls; a machine may be slow, but not for ever.
-# $rounds, where set, is how often.
+# wait_until WHAT COMMAND...: polls; a machine may be slow, but not for ever. What was waited
+# for is told before the test's own time is over: $patience is in seconds, 180 where not set.
 wait_until() {
-  local what=$1 round
+  local what=$1 end=$((SECONDS + ${patience:-180}))
   shift
-  for ((round = 0; round < ${rounds:-1500}; round++)); do
+  while ((SECONDS < end)); do
     if "$@"; then return; fi
     sleep 0.2
   done

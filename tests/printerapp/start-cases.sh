@@ -1,0 +1,40 @@
+# How jobs begin: each at its time, and each once.
+# shellcheck shell=bash disable=SC2154,SC2034
+
+# starts NAME: how often the library has begun with a job of this printer.
+starts() { grep -c "\[Printer $1\] Starting job" "$log"; }
+
+type_of() { if [[ $1 == pdf ]]; then echo application/pdf; else echo "image/$1"; fi; }
+
+# The library looks for a job to begin now and then, and takes one that it has begun for one
+# that waits, until that has come to itself.
+case_begun_once() {
+  local kind kinds=(pdf)
+  document 1 >"$work/one.pdf"
+  draw <"$work/one.pdf" >"$work/one.ras" || die "no pages are drawn"
+  if command -v gs >/dev/null; then
+    gs -q -dBATCH -dNOPAUSE -r60 -sDEVICE=png16m -o "$work/one.png" "$work/one.pdf"
+    kinds+=(png)
+  fi
+  preload=$slowly
+  start_app
+  add_printers
+  print_job orlo application/pdf "$work/one.pdf" alone
+  [[ $state == completed ]] || fail "a job alone is $state"
+  (($(starts orlo) == 1)) || fail "a job alone was begun $(starts orlo) times"
+  name=standard
+  for kind in "${kinds[@]}"; do
+    send standard "$(type_of "$kind")" "$work/one.$kind" "$kind"
+    ask standard Resume-Printer >"$work/said" || fail "it does not resume: $(<"$work/said")"
+    wait_until "the $kind is over" is_over
+    [[ $state == completed ]] || fail "a $kind: $state: $(message standard "$job")"
+    [[ -s $prints/standard/$kind.prn ]] || fail "nothing of the $kind is printed"
+  done
+  filtered standard '' "$work/one.ras" "$work/expected"
+  same_bytes "a PDF" "$prints/standard/pdf.prn" "$work/expected"
+  # Nothing comes after it.
+  print_job standard application/pdf "$work/one.pdf" next
+  same_bytes "the next one" "$prints/standard/next.prn" "$work/expected"
+  (($(grep -c 'rastovelka gets' "$log") == 2 + ${#kinds[@]})) ||
+    fail "$(grep -c 'rastovelka gets' "$log") jobs were printed"
+}
