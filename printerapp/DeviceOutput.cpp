@@ -89,14 +89,14 @@ bool DeviceOutput::goesOn() const {
   return !papplJobIsCanceled(job_) && papplSystemIsRunning(papplPrinterGetSystem(printer_));
 }
 
-// Where raster arrives while another job begins, the library gives both jobs one connection,
-// and closes it at the end of the first. So the second waits here, cancelled or not, and then
-// makes a connection of its own.
+// Jobs that begin at the same moment get one connection from the library. The second one waits
+// for its turn here, cancelled or not; then the connection is its own, for a printer may take
+// no other beside it. Files are closed at the end of the first job.
 bool DeviceOutput::open() {
-  if (!turn_.try_lock()) {
-    turn_.lock();
+  const bool second = !turn_.try_lock();
+  if (second) turn_.lock();
+  if (second && std::string_view(papplPrinterGetDeviceURI(printer_)).starts_with("file:"))
     return connect();
-  }
   device_ = lent_;
   before_ = bytesWritten(device_);
   return true;

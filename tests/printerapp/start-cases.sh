@@ -38,3 +38,24 @@ case_begun_once() {
   (($(grep -c 'rastovelka gets' "$log") == 2 + ${#kinds[@]})) ||
     fail "$(grep -c 'rastovelka gets' "$log") jobs were printed"
 }
+
+# Two jobs that come at the same moment are begun at the same moment, and printed one behind the
+# other, through the one connection that the printer takes.
+case_two_in_one_moment() {
+  local first
+  long_document
+  preload=$slowly
+  start_app
+  add_device standard velka_standard
+  start_printer standard
+  send standard application/pdf "$work/long.pdf" first
+  first=$job
+  print_job standard application/pdf "$work/long.pdf" second
+  [[ $state == completed ]] || fail "the second job is $state"
+  job=$first
+  wait_until "the first job is over" is_over
+  [[ $state == completed ]] || fail "the first job is $state"
+  filtered standard '' "$work/long.ras" "$work/once"
+  cat "$work/once" "$work/once" >"$work/expected"
+  wait_until "both are printed" cmp -s "$work/standard.prn" "$work/expected"
+}
