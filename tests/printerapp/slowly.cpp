@@ -5,7 +5,9 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -29,5 +31,6 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
   static const auto create =
       reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
   if (attributes != nullptr) return create(thread, attributes, routine, argument);
-  return create(thread, nullptr, startLate, new Start{routine, argument});
+  auto* start = new (std::nothrow) Start{routine, argument};
+  return start == nullptr ? EAGAIN : create(thread, nullptr, startLate, start);
 }
