@@ -217,25 +217,7 @@ bool updateStatus(pappl_printer_t* printer) {
   return true;
 }
 
-namespace {
-
-void noteProcessing(pappl_job_t* job, void* found) {
-  if (papplJobGetState(job) == IPP_JSTATE_PROCESSING) *static_cast<bool*>(found) = true;
-}
-
-// The library itself waits for a printer that cannot be reached when a job begins, and calls
-// it stopped meanwhile.
-void noteUnreachable(pappl_printer_t* printer, void* /*data*/) {
-  bool begun = false;
-  if (papplPrinterGetState(printer) != IPP_PSTATE_STOPPED) return;
-  papplPrinterIterateActiveJobs(printer, noteProcessing, &begun, 1, 0);
-  if (begun) papplPrinterSetReasons(printer, PAPPL_PREASON_OFFLINE, PAPPL_PREASON_NONE);
-}
-
-}  // namespace
-
-void watchPrinters(pappl_system_t* system) {
-  papplSystemIteratePrinters(system, noteUnreachable, nullptr);
+void noteStuckPrinters() {
   Active& all = active();
   const std::lock_guard lock(all.mutex);
   for (const DeviceOutput* output : all.outputs) {

@@ -60,7 +60,7 @@ class DeviceOutput {
 
 /// Brings the states of printers up to date with what their jobs wait for; to be called now
 /// and then.
-void watchPrinters(pappl_system_t* system);
+void noteStuckPrinters();
 
 /// Asks an idle printer for its state; the library's callback.
 bool updateStatus(pappl_printer_t* printer);

@@ -10,6 +10,7 @@
 #include "Model.h"
 #include "PrintJob.h"
 #include "Texts.h"
+#include "Watch.h"
 
 namespace velka::app {
 namespace {
@@ -96,6 +97,7 @@ void describeDevice(const Model& model, pappl_pr_driver_data_t& data) {
   data.identify_default = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
   data.identify_supported = PAPPL_IDENTIFY_ACTIONS_DISPLAY;
   data.status_cb = updateStatus;
+  data.delete_cb = endWatch;
   data.has_supplies = true;
 }
 

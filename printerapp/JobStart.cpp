@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t kRemembered = 256;
 
-// Used by the library's main thread alone.
+// Filled before the watch begins, which then takes from it.
 std::set<int>& leftBehind() {
   static std::set<int> printers;
   return printers;
@@ -22,12 +22,6 @@ std::set<int>& leftBehind() {
 void noteIfJobsWait(pappl_printer_t* printer, void* /*data*/) {
   if (papplPrinterGetNumberOfActiveJobs(printer) > 0)
     leftBehind().insert(papplPrinterGetID(printer));
-}
-
-void beginIfIdle(pappl_printer_t* printer, void* /*data*/) {
-  if (leftBehind().contains(papplPrinterGetID(printer)) &&
-      papplPrinterGetState(printer) == IPP_PSTATE_IDLE)
-    papplPrinterResume(printer);
 }
 
 bool isNew(pappl_job_t* job) {
@@ -49,8 +43,11 @@ void noteWaitingJobs(pappl_system_t* system) {
 
 // The library loads the jobs of its last run, and begins none before another one comes.
 void beginWaitingJobs(pappl_system_t* system) {
-  if (leftBehind().empty()) return;
-  papplSystemIteratePrinters(system, beginIfIdle, nullptr);
+  for (const int id : leftBehind()) {
+    pappl_printer_t* printer = papplSystemFindPrinter(system, nullptr, id, nullptr);
+    if (printer != nullptr && papplPrinterGetState(printer) == IPP_PSTATE_IDLE)
+      papplPrinterResume(printer);
+  }
   leftBehind().clear();
 }
 

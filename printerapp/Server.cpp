@@ -9,7 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "DeviceOutput.h"
 #include "Driver.h"
 #include "JobStart.h"
 #include "Limits.h"
@@ -18,6 +17,7 @@
 #include "Spool.h"
 #include "Texts.h"
 #include "Version.h"
+#include "Watch.h"
 
 namespace velka::app {
 namespace {
@@ -112,12 +112,6 @@ void tellVersion(pappl_system_t* system) {
   papplSystemSetVersions(system, 1, &versions);
 }
 
-bool tick(pappl_system_t* system, void* /*data*/) {
-  beginWaitingJobs(system);
-  watchPrinters(system);
-  return true;
-}
-
 pappl_system_t* createSystem(const CommandOptions& options, pappl_loglevel_t level, int port) {
   constexpr pappl_soptions_t kOptions = PAPPL_SOPTIONS_MULTI_QUEUE | PAPPL_SOPTIONS_WEB_INTERFACE |
                                         PAPPL_SOPTIONS_WEB_SECURITY | PAPPL_SOPTIONS_WEB_REMOTE;
@@ -142,7 +136,7 @@ void setUp(pappl_system_t* system, const CommandOptions& options) {
   const auto all = drivers();
   papplSystemSetPrinterDrivers(system, static_cast<int>(all.size()), all.data(), matchDriver,
                                nameSupplies, describeDriver, nullptr);
-  papplSystemAddTimerCallback(system, 0, 1, tick, nullptr);
+  papplSystemAddTimerCallback(system, 0, 1, keepWatch, nullptr);
   papplSystemSetSaveCallback(system, saveState, nullptr);
   if (!papplSystemLoadState(system, stateFile().c_str()))
     papplSystemSetDNSSDName(system, options.text("server-name", "Velka").c_str());

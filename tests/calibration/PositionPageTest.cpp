@@ -60,9 +60,9 @@ TEST(PositionPage, HasALineForEachChoiceOfTheOffsetsOnBothScales) {
                         box.width == 1;
     };
     for (const bool down : {false, true}) {
-      EXPECT_EQ(
-          std::ranges::count_if(positions().boxes, [&](const DotBox& box) { return isLine(box, down); }),
-          1)
+      EXPECT_EQ(std::ranges::count_if(positions().boxes,
+                                      [&](const DotBox& box) { return isLine(box, down); }),
+                1)
           << tenths;
     }
   }
@@ -70,8 +70,8 @@ TEST(PositionPage, HasALineForEachChoiceOfTheOffsetsOnBothScales) {
 
 // Red would move black down on printers that add up the paper's moves.
 TEST(PositionPage, IsBlackAlone) {
-  EXPECT_TRUE(
-      std::ranges::all_of(positions().boxes, [](const DotBox& box) { return box.colour == kBlack; }));
+  EXPECT_TRUE(std::ranges::all_of(positions().boxes,
+                                  [](const DotBox& box) { return box.colour == kBlack; }));
 }
 
 }  // namespace

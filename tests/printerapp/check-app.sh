@@ -5,7 +5,7 @@ set -euo pipefail
 
 build=$1 rasters=$2/app_raster case=$3
 # shellcheck disable=SC2034  # for the cases
-printers=$2/app_printer slowly=$2/libapp_slowly.so
+printers=$2/app_printer slowly=$2/libapp_slowly.so absent=$2/libapp_absent.so
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=tests/printerapp/server.sh
 source "$here/server.sh"

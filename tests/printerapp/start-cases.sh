@@ -59,3 +59,20 @@ case_two_in_one_moment() {
   cat "$work/once" "$work/once" >"$work/expected"
   wait_until "both are printed" cmp -s "$work/standard.prn" "$work/expected"
 }
+
+attempts() { (($(grep -c 'Opening device for job' "$log") >= $1)); }
+
+# While one printer is looked for, which takes long, those of the others are answered.
+case_away() {
+  document 1 >"$work/one.pdf"
+  preload=$absent
+  start_app
+  add_printer standard velka_standard socket://absent.invalid:9100
+  add_printer orlo velka_orlo
+  send standard application/pdf "$work/one.pdf" one
+  wait_until "it is looked for again" attempts 2
+  sleep 2
+  reasons orlo >"$work/said"
+  ! grep -q 'Still unable to open' "$log" || fail "the other printer waited for that to end"
+  [[ $(<"$work/said") == none ]] || fail "the other printer is $(<"$work/said")"
+}
