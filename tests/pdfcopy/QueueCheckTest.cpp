@@ -69,12 +69,13 @@ TEST(QueueCheck, StopsTheJobOfAQueueWithAnOlderPpd) {
           {.modelNumber = model, .options = {}, .pdfPreprocess = true, .fileVersion = version}));
       const Environment printer("PRINTER", "receipts");
       copy.job.ppd = ppd.path();
-      expectStoppedSaying(copy, copy.run(),
-                    "The PPD of this queue is older (" + version +
-                        ") than its filters (" VELKA_PPD_VERSION
-                        "), so pages could come out white. Print the job again after: lpadmin -p "
-                        "receipts -m velka/velka-" +
-                        (model == 2 ? "orlo" : "standard") + ".ppd");
+      expectStoppedSaying(
+          copy, copy.run(),
+          "The PPD of this queue is older (" + version +
+              ") than its filters (" VELKA_PPD_VERSION
+              "), so pages could come out white. Print the job again after: lpadmin -p "
+              "receipts -m velka/velka-" +
+              (model == 2 ? "orlo" : "standard") + ".ppd");
     }
 }
 
