@@ -46,11 +46,11 @@ case_two_in_one_moment() {
   long_document
   preload=$slowly
   start_app
-  add_device standard velka_standard
-  start_printer standard
-  send standard application/pdf "$work/long.pdf" first
+  send_to_held standard
   first=$job
-  print_job standard application/pdf "$work/long.pdf" second
+  send standard application/pdf "$work/long.pdf" second
+  rm "$work/standard.hold"
+  wait_until "the second job is over" is_over
   [[ $state == completed ]] || fail "the second job is $state"
   job=$first
   wait_until "the first job is over" is_over
