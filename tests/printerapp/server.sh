@@ -41,7 +41,15 @@ answers() {
   (exec 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null
 }
 
-# start_app [OPTION=VALUE...]: with the library $preload in front of its own, where set.
+# preload LIBRARY: the applications that start from now on have it in front of their own. It is
+# found by a name without blanks, at which the loader would cut it.
+preload() {
+  ln -sf "$1" "$work/preloaded.so"
+  preloaded=$work/preloaded.so
+}
+preloaded=
+
+# start_app [OPTION=VALUE...]
 start_app() {
   local options=() option
   for option in "$@"; do options+=(-o "$option"); done
@@ -50,10 +58,12 @@ start_app() {
   unset CUPS_SERVER PPD DESTDIR XDG_STATE_HOME
   : "${port:=}"
   [[ -n $port ]] || free_port
-  setpriv --pdeathsig KILL env ${preload:+"LD_PRELOAD=$preload"} "$app" server -o server-port="$port" -o spool-directory="$work/spool" \
+  setpriv --pdeathsig KILL env ${preloaded:+"LD_PRELOAD=$preloaded"} "$app" server -o server-port="$port" -o spool-directory="$work/spool" \
     -o log-file="$log" -o log-level=debug "${options[@]}" </dev/null >"$work/server.out" 2>&1 &
   server=$!
   wait_until "the server answers" answers
+  [[ -z $preloaded ]] || grep -qF "$(readlink -f "$preloaded")" "/proc/$server/maps" ||
+    die "the server runs without $preloaded"
 }
 
 # end_app [SIGNAL]

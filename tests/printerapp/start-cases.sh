@@ -16,7 +16,7 @@ case_begun_once() {
     gs -q -dBATCH -dNOPAUSE -r60 -sDEVICE=png16m -o "$work/one.png" "$work/one.pdf"
     kinds+=(png)
   fi
-  preload=$slowly
+  preload "$slowly"
   start_app
   add_printers
   print_job orlo application/pdf "$work/one.pdf" alone
@@ -44,7 +44,7 @@ case_begun_once() {
 case_two_in_one_moment() {
   local first
   long_document
-  preload=$slowly
+  preload "$slowly"
   start_app
   send_to_held standard
   first=$job
@@ -65,7 +65,7 @@ attempts() { (($(grep -c 'Opening device for job' "$log") >= $1)); }
 # While one printer is looked for, which takes long, those of the others are answered.
 case_away() {
   document 1 >"$work/one.pdf"
-  preload=$absent
+  preload "$absent"
   start_app
   add_printer standard velka_standard socket://absent.invalid:9100
   add_printer orlo velka_orlo
