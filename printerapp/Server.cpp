@@ -5,6 +5,8 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,8 +14,10 @@
 #include "Driver.h"
 #include "JobStart.h"
 #include "Limits.h"
+#include "MemoryFile.h"
 #include "Model.h"
 #include "PdfJob.h"
+#include "SavedState.h"
 #include "Spool.h"
 #include "Texts.h"
 #include "Version.h"
@@ -97,6 +101,15 @@ bool saveState(pappl_system_t* system, void* /*data*/) {
   return papplSystemSaveState(system, stateFile().c_str());
 }
 
+bool loadState(pappl_system_t* system) {
+  std::ifstream file(stateFile());
+  if (!file) return false;
+  const UniqueFd text = fileOf(
+      withJobsBegunAnew({std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}));
+  const std::string name = text ? "/proc/self/fd/" + std::to_string(text.get()) : stateFile();
+  return papplSystemLoadState(system, name.c_str());
+}
+
 void tellVersion(pappl_system_t* system) {
   pappl_version_t versions = {};
   papplCopyString(versions.name, "velka-printer-app", sizeof versions.name);
@@ -138,7 +151,7 @@ void setUp(pappl_system_t* system, const CommandOptions& options) {
                                nameSupplies, describeDriver, nullptr);
   papplSystemAddTimerCallback(system, 0, 1, keepWatch, nullptr);
   papplSystemSetSaveCallback(system, saveState, nullptr);
-  if (!papplSystemLoadState(system, stateFile().c_str()))
+  if (!loadState(system))
     papplSystemSetDNSSDName(system, options.text("server-name", "Velka").c_str());
   noteWaitingJobs(system);
 }

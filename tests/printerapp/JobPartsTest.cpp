@@ -11,6 +11,7 @@
 #include "OptionTexts.h"
 #include "PageRaster.h"
 #include "PdfDrawing.h"
+#include "SavedState.h"
 #include "Spool.h"
 #include "support/TestPdf.h"
 
@@ -158,6 +159,29 @@ TEST(SpoolFolder, ThatIsALinkIsRefused) {
   EXPECT_EQ(useSpoolFolder(real), "");
   ASSERT_EQ(symlink(real.c_str(), link.c_str()), 0);
   EXPECT_EQ(useSpoolFolder(link), link + " is no folder");
+}
+
+TEST(SavedState, WhatWasBeingPrintedWaitsAgainAndNothingElseIsOther) {
+  const std::string before = R"(<Printer id="1" state="5">
+Location state="5"
+Job id="1" name="a" state="5" created="55"
+Job id="2" name="a \" state=\"5" format="\\" state="5" state_reasons="5"
+)";
+  std::string after = before;
+  for (const char* begun : {R"("a" state="5")", R"("\\" state="5")"}) {
+    const size_t at = after.find(begun);
+    ASSERT_NE(at, std::string::npos);
+    after[at + std::string(begun).size() - 2] = '3';
+  }
+  EXPECT_EQ(withJobsBegunAnew(before), after);
+  EXPECT_EQ(withJobsBegunAnew(after), after);
+}
+
+TEST(SavedState, BrokenLinesStayAsTheyAre) {
+  for (const char* line :
+       {"", "Job", "Job ", "Job state", "Job state=", "Job state=\"", "Job state=\"5",
+        "Job state=\"5\\", "Job state=\"55\"", "Job x=\"state=\\\"5\\\"\"\n\n", "Job =\"5\""})
+    EXPECT_EQ(withJobsBegunAnew(line), line);
 }
 
 TEST(DrawingJob, ItsWordsAreReadBack) {
