@@ -8,6 +8,8 @@
 #include <set>
 #include <utility>
 
+#include "JobOrder.h"
+
 namespace velka::app {
 namespace {
 
@@ -20,6 +22,7 @@ std::set<int>& leftBehind() {
 }
 
 void noteIfJobsWait(pappl_printer_t* printer, void* /*data*/) {
+  noteHeldBack(printer);
   if (papplPrinterGetNumberOfActiveJobs(printer) > 0)
     leftBehind().insert(papplPrinterGetID(printer));
 }
@@ -45,8 +48,9 @@ void noteWaitingJobs(pappl_system_t* system) {
 void beginWaitingJobs(pappl_system_t* system) {
   for (const int id : leftBehind()) {
     pappl_printer_t* printer = papplSystemFindPrinter(system, nullptr, id, nullptr);
-    if (printer != nullptr && papplPrinterGetState(printer) == IPP_PSTATE_IDLE)
-      papplPrinterResume(printer);
+    if (printer == nullptr || papplPrinterGetState(printer) != IPP_PSTATE_IDLE) continue;
+    holdBackAllButOldest(printer);
+    papplPrinterResume(printer);
   }
   leftBehind().clear();
 }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "JobOptions.h"
+#include "JobOrder.h"
 #include "Limits.h"
 #include "PageRaster.h"
 #include "Programs.h"
@@ -73,6 +74,7 @@ bool PrintJob::fail(const std::string& message) {
 }
 
 bool PrintJob::start(const std::string& id, bool pdfCopy) {
+  letAllWait(papplJobGetPrinter(job_));
   if (model_ == nullptr) return fail("the printer's driver is none of this application");
   const std::string filter = findFilter();
   if (filter.empty()) return fail("rastovelka is missing, and nothing prints without it");
@@ -129,6 +131,12 @@ bool PrintJob::endPage() {
 }
 
 bool PrintJob::end() {
+  const bool done = complete();
+  holdBackAllButOldest(papplJobGetPrinter(job_));
+  return done;
+}
+
+bool PrintJob::complete() {
   endIfCancelled();
   const std::string how = filter_.finish();
   const bool printed = output_.flush();

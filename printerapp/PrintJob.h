@@ -33,6 +33,7 @@ class PrintJob {
   bool fail(const std::string& message);
 
  private:
+  bool complete();
   void endIfCancelled();
   bool failOrCancel();
 

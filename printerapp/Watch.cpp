@@ -1,12 +1,14 @@
 #include "Watch.h"
 
 #include <chrono>
+#include <exception>
 #include <mutex>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 #include "DeviceOutput.h"
+#include "JobOrder.h"
 #include "JobStart.h"
 
 namespace velka::app {
@@ -56,12 +58,17 @@ void look(pappl_system_t* system) {
     if (printer != nullptr) noteUnreachable(printer);
   }
   noteStuckPrinters();
+  letForgottenWait(system);
 }
 
 bool lookOnce(pappl_system_t* system) {
   const std::lock_guard lock(round().mutex);
   if (round().last || !papplSystemIsRunning(system)) return false;
-  look(system);
+  try {
+    look(system);
+  } catch (const std::exception& e) {
+    papplLog(system, PAPPL_LOGLEVEL_ERROR, "The printers cannot be looked at: %s", e.what());
+  }
   return true;
 }
 

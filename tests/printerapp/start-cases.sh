@@ -60,6 +60,60 @@ case_two_in_one_moment() {
   wait_until "both are printed" cmp -s "$work/standard.prn" "$work/expected"
 }
 
+# send_three MODEL: documents of one, two and three pages; what becomes of them in this order is
+# added to $work/expected.
+send_three() {
+  local pages
+  for pages in 1 2 3; do
+    document "$pages" >"$work/$pages.pdf"
+    draw <"$work/$pages.pdf" >"$work/$pages.ras" || die "no pages are drawn"
+    filtered "$1" '' "$work/$pages.ras" "$work/$pages.prn"
+    cat "$work/$pages.prn" >>"$work/expected"
+    send "$1" application/pdf "$work/$pages.pdf" "$pages"
+  done
+}
+
+# What waits for a printer is printed in the order in which it came.
+case_in_order() {
+  local model number
+  long_document
+  start_app
+  for model in standard orlo; do
+    send_to_held "$model"
+    wait_until "the printer takes nothing" is_offline "$model"
+    filtered "$model" '' "$work/long.ras" "$work/expected"
+    send_three "$model"
+    rm "$work/$model.hold"
+    for number in 2 3 4; do
+      job=$number
+      wait_until "job $job is over" is_over
+      [[ $state == completed ]] || fail "$model: job $job is $state"
+    done
+    wait_until "$model has printed them in order" cmp -s "$work/$model.prn" "$work/expected"
+  done
+}
+
+is_state() { [[ $(job_state "$name" "$1") == "$2" ]]; }
+
+# Those that were held back for that wait as before where no next one begins.
+case_paused() {
+  long_document
+  start_app
+  send_to_held standard
+  wait_until "the printer takes nothing" is_offline standard
+  send_three standard
+  ask standard Pause-Printer >"$work/said" || fail "it does not pause: $(<"$work/said")"
+  rm "$work/standard.hold"
+  wait_until "the first job is over" is_state 1 completed
+  wait_until "the last one waits" is_state 4 pending
+  [[ $(job_state standard 2) == pending ]] || fail "the second job is $(job_state standard 2)"
+  ask standard Resume-Printer >"$work/said" || fail "it does not resume: $(<"$work/said")"
+  for job in 2 3 4; do
+    wait_until "job $job is over" is_over
+    [[ $state == completed ]] || fail "job $job is $state"
+  done
+}
+
 attempts() { (($(grep -c 'Opening device for job' "$log") >= $1)); }
 
 # While one printer is looked for, which takes long, those of the others are answered.
