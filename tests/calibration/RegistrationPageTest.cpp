@@ -93,7 +93,8 @@ TEST(RegistrationPage, DrawsTheFirstPassInEvenRowsOfAFieldAndTheSecondInOddOnes)
     EXPECT_EQ(static_cast<int>(row) % 2, row < 18 ? 0 : 1);
     ++dotted;
   }
-  EXPECT_EQ(dotted, 21 * 2 * 9);
+  constexpr int kDotted = 21 * 2 * 9;
+  EXPECT_EQ(dotted, kDotted);
 }
 
 // Both heads strike such a field with two passes from one place: the Orlo head has 18

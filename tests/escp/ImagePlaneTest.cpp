@@ -29,7 +29,7 @@ reference::SourceBitmap oneBlackRow() {
   reference::SourceBitmap page;
   page.height = kRows;
   page.bytes.assign(size_t{kColumns} * 3 * kRows, 0xFF);
-  std::fill_n(page.bytes.begin() + 5 * kColumns * 3, kColumns * 3, uint8_t{0});
+  std::fill_n(page.bytes.begin() + ptrdiff_t{5} * kColumns * 3, kColumns * 3, uint8_t{0});
   return page;
 }
 
@@ -63,7 +63,7 @@ struct ThreePlanes {
 
 // The plane as it is merged, below the page's own row.
 Bytes withTheRow(Bytes plane) {
-  std::fill_n(plane.begin() + 5 * kColumns, kColumns, uint8_t{0});
+  std::fill_n(plane.begin() + ptrdiff_t{5} * kColumns, kColumns, uint8_t{0});
   return plane;
 }
 

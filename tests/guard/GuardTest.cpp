@@ -209,7 +209,8 @@ TEST(Resolutions, ThatItLetsThroughAreThoseThatPrint) {
         printed += passed ? 1 : 0;
       }
     }
-  EXPECT_EQ(printed, 2U * (10 + 2 * 7));
+  constexpr unsigned kPrinted = 2 * (10 + 2 * 7);
+  EXPECT_EQ(printed, kPrinted);
 }
 
 }  // namespace

@@ -94,7 +94,8 @@ int writePages(const Job& job, cups_raster_t* pwg, cups_raster_t* ras) {
       return 1;
     for (unsigned y = 0; y < ours.cupsHeight; ++y) {
       for (unsigned x = 0; x < ours.cupsWidth; ++x)
-        store(job, colourAt(page, x, y), &line[x * (ours.cupsBitsPerPixel / 8)], &rgb[x * 3]);
+        store(job, colourAt(page, x, y), &line[size_t{x} * (ours.cupsBitsPerPixel / 8)],
+              &rgb[size_t{x} * 3]);
       if (cupsRasterWritePixels(pwg, line.data(), ours.cupsBytesPerLine) == 0) return 1;
       if (cupsRasterWritePixels(ras, rgb.data(), filters.cupsBytesPerLine) == 0) return 1;
     }

@@ -73,7 +73,7 @@ int readFields(const DotGrid& dots) {
   tell(1, gap == 0, std::to_string(gap));
   const int64_t lines = linesAcross(dots, (black[1].end + black[2].top) / 2, decode::kBlackCell);
   tell(2, lines == 2, std::to_string(lines));
-  constexpr int64_t kLadder = 24 * 24;
+  constexpr int64_t kLadder = int64_t{24} * 24;
   const int64_t height = black[4].end - black[3].top;
   tell(3, std::abs(height - kLadder) <= 2, std::to_string(height));
   return 0;
