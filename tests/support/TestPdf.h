@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -42,9 +43,12 @@ inline void writeText(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
 }
 
+/// What can be read of it, which is nothing where it is not there or goes meanwhile.
 inline std::string textOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
 }
 
 /// An environment variable that gets its value back.

@@ -73,6 +73,12 @@ TEST(Process, OneThatIsNotWantedAnyMoreIsEndedWithAllThatItStarted) {
   }
 }
 
+// A process may end between the look for it and the look at it.
+TEST(TextOf, WhatCannotBeReadIsNone) {
+  EXPECT_EQ(textOf("/proc/self/mem"), "");
+  EXPECT_EQ(textOf("/nowhere"), "");
+}
+
 TEST(Process, ASignalToUsEndsTheProgramToo) {
   const TempFolder folder;
   struct sigaction before {};
