@@ -145,9 +145,6 @@ class Killed : public ::testing::TestWithParam<KilledJob::Kind> {
 };
 
 TEST_P(Killed, BySigtermEndsInOrder) {
-#ifdef __SANITIZE_THREAD__
-  GTEST_SKIP() << "calls of this sanitizer's own do not bear to be interrupted";
-#endif
   for (int number = 0; number < sweep(few(), 300); ++number) {
     const Instant when = instant(number);
     SCOPED_TRACE("call " + std::to_string(when.call) + " of " + std::to_string(good_.calls) +
