@@ -1,6 +1,7 @@
 #include "faults/FaultyJob.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <iterator>
 
@@ -135,6 +136,11 @@ std::string FaultyJob::preloaded() const {
 }
 
 Trial FaultyJob::run(const std::string& fault) const {
+  const Trial trial = attempt(fault);
+  return trial.result.status == 128 + SIGALRM ? attempt(fault) : trial;
+}
+
+Trial FaultyJob::attempt(const std::string& fault) const {
   restoreTmp();
   const std::string report = folder_ / "report";
   writeText(report, std::string(sizeof(FaultReport), '\0'));

@@ -46,7 +46,8 @@ class FaultyJob {
   [[nodiscard]] bool prints() const { return kind_ <= Kind::PdfPage; }
 
   /// Runs it under a fault as VELKA_FAULT has it, in a /tmp as before the first run. The
-  /// program under test ends by SIGALRM where it takes longer than it may.
+  /// program under test ends by SIGALRM where it takes longer than it may, twice: a machine
+  /// may stall, a job that hangs does so again.
   [[nodiscard]] Trial run(const std::string& fault) const;
 
   /// From here on each run finds what the one before has left below /tmp.
@@ -56,6 +57,7 @@ class FaultyJob {
   [[nodiscard]] Bytes outputOfRaster() const;
 
  private:
+  [[nodiscard]] Trial attempt(const std::string& fault) const;
   [[nodiscard]] std::string preloaded() const;
   void restoreTmp() const;
   void makeRasterJob(int model, const std::vector<std::pair<std::string, std::string>>& options);

@@ -8,11 +8,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "jobs/PdfJobFixture.h"
+#include "support/Processes.h"
 #include "support/Sweep.h"
 
 namespace velka::testing {
@@ -173,23 +172,6 @@ TEST(PdfJobs, LogTheToolsStatusAlsoWhereTheCallerIgnoresItsChildren) {
   EXPECT_EQ(linesThatHold(", ret: 256"), 1U);
 }
 
-// The state of a process as the kernel tells it; none where there is no such process.
-char stateOf(int pid) {
-  const std::string status = textOf("/proc/" + std::to_string(pid) + "/stat");
-  const size_t name = status.rfind(')');
-  return name == std::string::npos ? '-' : status.at(name + 2);
-}
-
-// Half a minute at most.
-bool hasEnded(int pid) {
-  for (int round = 0; round < 3000; ++round) {
-    const char state = stateOf(pid);
-    if (state == '-' || state == 'Z' || state == 'X') return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
-}
-
 // A tool that asks the filter to end and then hangs, with a child that hangs too; both
 // take no notice of being asked themselves. Page 2 is what it draws.
 class HangingTool {
@@ -211,7 +193,7 @@ class HangingTool {
     for (const char* process : {"tool", "child"}) {
       const int pid = std::atoi(textOf(file(process)).c_str());
       ASSERT_GT(pid, 0) << process;
-      EXPECT_TRUE(hasEnded(pid)) << process;
+      EXPECT_TRUE(ends(pid)) << process;
     }
   }
 

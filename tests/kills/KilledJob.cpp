@@ -9,6 +9,7 @@
 
 #include "CommandReader.h"
 #include "pdfcopy/CopyFixture.h"
+#include "support/Eventually.h"
 #include "support/RasterBuilder.h"
 
 namespace velka::testing {
@@ -92,12 +93,8 @@ std::vector<std::string> KilledJob::alive() const {
 }
 
 std::vector<std::string> aliveWith(const std::string& mark) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  std::vector<pid_t> processes = processesWith(mark);
-  while (!processes.empty() && std::chrono::steady_clock::now() < deadline) {
-    usleep(10000);
-    processes = processesWith(mark);
-  }
+  std::vector<pid_t> processes;
+  eventually([&] { return (processes = processesWith(mark)).empty(); });
   std::vector<std::string> lines;
   for (const pid_t pid : processes) {
     lines.push_back(textOf("/proc/" + std::to_string(pid) + "/cmdline"));

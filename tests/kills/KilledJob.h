@@ -68,8 +68,7 @@ class KilledJob {
 };
 
 /// Command lines of the processes that have this "NAME=VALUE" in their environment, but for
-/// this one, and ends them. What has been killed may take a moment to be gone: ten seconds at
-/// most.
+/// this one, and ends them. What has been killed may take a moment to be gone.
 std::vector<std::string> aliveWith(const std::string& mark);
 
 /// For the names of tests.

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "kills/KilledJob.h"
+#include "support/Eventually.h"
 #include "support/Sweep.h"
 
 namespace velka::testing {
@@ -14,10 +15,8 @@ bool tells(const Outcome& run, const std::string& text) {
   return run.log.find(text) != std::string::npos;
 }
 
-// Half a minute at most.
 bool appears(const std::string& path) {
-  for (int round = 0; round < 3000 && !TempFile::exists(path); ++round) usleep(10000);
-  return TempFile::exists(path);
+  return eventually([&] { return TempFile::exists(path); });
 }
 
 class ToolsOfAJob : public ::testing::Test {

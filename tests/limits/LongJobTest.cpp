@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "jobs/JobFixture.h"
+#include "support/Eventually.h"
 #include "support/Sweep.h"
 #include "support/TestPdf.h"
 
@@ -37,11 +38,7 @@ long openDescriptors(const std::string& process) {
 Taken takenBy(int pid, int fd) {
   const std::string process = "/proc/" + std::to_string(pid);
   int waiting = 1;
-  for (int round = 0; round < 60000 && waiting > 0; ++round) {
-    usleep(1000);
-    if (ioctl(fd, FIONREAD, &waiting) != 0) break;
-  }
-  EXPECT_EQ(waiting, 0);
+  EXPECT_TRUE(eventually([&] { return ioctl(fd, FIONREAD, &waiting) == 0 && waiting == 0; }));
   Taken least = {residentKiB(process), openDescriptors(process)};
   for (int look = 0; look < 50; ++look) {
     usleep(2000);

@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdio>
 #include <random>
+#include <thread>
 
 #include "LogLine.h"
 #include "LogTestSupport.h"

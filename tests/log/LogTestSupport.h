@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -15,10 +14,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include "log4z.h"
+#include "support/Eventually.h"
 
 namespace logtest {
 
@@ -63,6 +62,7 @@ struct LogerManagerAccess {
 namespace logtest {
 
 using Access = velka::LogerManagerAccess;
+using velka::testing::eventually;
 
 /// A folder of its own, gone at the end of the test.
 class TempFolder {
@@ -117,18 +117,6 @@ inline std::vector<std::string> linesOf(const std::string& text) {
 inline std::string numbered(std::string text, std::size_t number) {
   text += std::to_string(number);
   return text;
-}
-
-/// Waits for something another thread does; the bound only ends a failing test.
-template <class Condition>
-bool eventually(Condition condition) {
-  for (int i = 0; i < 6000; ++i) {
-    if (condition()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
 }
 
 /// Sets the process's time zone for a scope.

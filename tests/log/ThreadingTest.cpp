@@ -1,5 +1,6 @@
 // The wrappers over thread, mutex and semaphore.
 #include <csignal>
+#include <thread>
 
 #include "LogTestSupport.h"
 #include "LogThreading.h"

@@ -1,4 +1,6 @@
 // Start, banner, files, configuration, stop.
+#include <chrono>
+
 #include "LogTestSupport.h"
 
 using logtest::Access;

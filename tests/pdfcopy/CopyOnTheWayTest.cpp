@@ -7,12 +7,11 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "Descriptor.h"
 #include "pdfcopy/CopyFixture.h"
+#include "support/Eventually.h"
 #include "support/NoNamelessFiles.h"
 
 namespace velka::testing {
@@ -84,14 +83,12 @@ bool hasHiddenFile(const CopyJob& copy) {
   return false;
 }
 
-// All bytes that were sent have been read. Half a minute at most.
+// All bytes that were sent have been read.
 bool isRead(const RunningCopy& filter) {
-  for (int round = 0; round < 3000; ++round) {
+  return eventually([&] {
     int waiting = -1;
-    if (ioctl(filter.toFilter.get(), FIONREAD, &waiting) == 0 && waiting == 0) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
+    return ioctl(filter.toFilter.get(), FIONREAD, &waiting) == 0 && waiting == 0;
+  });
 }
 
 // Skips where the kernel cannot play such a file system.

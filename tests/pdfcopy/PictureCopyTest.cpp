@@ -1,12 +1,11 @@
 // Pictures get a PDF that the print system's own filter makes.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
-#include <thread>
 
 #include "DocumentKind.h"
 #include "pdfcopy/CopyFixture.h"
+#include "support/Eventually.h"
 
 namespace velka::testing {
 namespace {
@@ -174,13 +173,8 @@ TEST(PictureCopy, IsNotMadeWhereThePagesComeFromTheRaster) {
   EXPECT_TRUE(filesOf(copy.id.text()).empty());
 }
 
-// Half a minute at most.
 bool waitForNote(const PictureJob& copy, const std::string& text) {
-  for (int round = 0; round < 3000; ++round) {
-    if (textOf(copy.note()) == text) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
+  return eventually([&] { return textOf(copy.note()) == text; });
 }
 
 TEST(PictureCopy, EndsTheConverterWithTheJob) {

@@ -7,9 +7,9 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <thread>
 
 #include "ShellCommand.h"
+#include "support/Processes.h"
 #include "support/TestPdf.h"
 
 namespace velka::testing {
@@ -53,23 +53,6 @@ class Shell : public ::testing::Test {
   TempFolder folder_;
   struct sigaction before_ = {};
 };
-
-// The state of a process as the kernel tells it; none where there is no such process.
-char stateOf(int pid) {
-  const std::string status = textOf("/proc/" + std::to_string(pid) + "/stat");
-  const size_t name = status.rfind(')');
-  return name == std::string::npos ? '-' : status.at(name + 2);
-}
-
-// Half a minute at most; what nobody waited for yet has ended, too.
-bool hasEnded(int pid) {
-  for (int round = 0; round < 3000; ++round) {
-    const char state = stateOf(pid);
-    if (state == '-' || state == 'Z' || state == 'X') return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return false;
-}
 
 // A set of signals, bit by bit, in what the kernel tells of a process.
 uint64_t signalsOf(const std::string& status, const std::string& set) {
@@ -130,8 +113,8 @@ TEST_F(Shell, EndsAllThatTheCommandHasStartedWhenTheJobIsCancelled) {
   EXPECT_FALSE(end.late);
   EXPECT_FALSE(TempFile::exists(mark("late")));
   ASSERT_GT(number("child"), 0);
-  EXPECT_TRUE(hasEnded(number("child")));
-  EXPECT_TRUE(hasEnded(number("shell")));
+  EXPECT_TRUE(ends(number("child")));
+  EXPECT_TRUE(ends(number("shell")));
 }
 
 TEST_F(Shell, StartsNothingOnceTheJobIsCancelled) {
@@ -218,12 +201,11 @@ TEST_F(Shell, EndsTheToolWithTheProcessThatRunsIt) {
                           mark("tool.new") + " " + mark("tool") + "; exec sleep 600'"));
     _exit(0);
   }
-  for (int round = 0; round < 3000 && number("tool") == 0; ++round)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  EXPECT_TRUE(eventually([&] { return number("tool") != 0; }));
   kill(child, SIGKILL);
   waitpid(child, nullptr, 0);
   ASSERT_GT(number("tool"), 0);
-  EXPECT_TRUE(hasEnded(number("tool")));
+  EXPECT_TRUE(ends(number("tool")));
 }
 
 }  // namespace

@@ -19,3 +19,20 @@ wait_until() {
   done
   die "waited in vain until $what"
 }
+
+# listens PORT: seen without a connection, which a printer has only one of.
+listens() {
+  awk -v port="$(printf %04X "$1")" '
+    $4 == "0A" && $2 ~ ":" port "$" { found = 1 }
+    END { exit !found }' < <(cat /proc/net/tcp /proc/net/tcp6 2>/dev/null)
+}
+
+# Sets $port to one that nobody listens to, here or in a test beside this one.
+free_port() {
+  local try
+  for ((try = 0; try < 200; try++)); do
+    port=$((20000 + RANDOM % 12000))
+    if ! listens "$port"; then return; fi
+  done
+  die "no port is free"
+}
