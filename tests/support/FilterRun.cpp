@@ -7,10 +7,12 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
+
+#include "ProgramStart.h"
 
 namespace velka::testing {
 namespace {
@@ -33,8 +35,37 @@ struct Descriptors {
   int err;
 };
 
-[[noreturn]] void becomeFilter(const std::string& program, const FilterJob& job,
-                               const Descriptors& fds) {
+ProgramWords argumentsOf(const std::string& program, const FilterJob& job) {
+  ProgramWords words;
+  words.add(program);
+  for (const std::string& argument : job.arguments) words.add(argument);
+  return words;
+}
+
+ProgramWords environmentOf(const FilterJob& job) {
+  std::map<std::string, std::string> values;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string text = *entry;
+    values[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
+  }
+  values.erase("PPD");
+  if (job.ppd) values["PPD"] = *job.ppd;
+  if (job.path) values["PATH"] = *job.path;
+  for (const auto& [name, value] : job.environment) values[name] = value;
+  ProgramWords words;
+  for (const auto& [name, value] : values) words.add(name + '=' + value);
+  return words;
+}
+
+// Made beforehand: where another thread took memory at the fork, the child gets none any more
+// (sanitizers do not see to that).
+struct Words {
+  char* const* arguments;
+  char* const* environment;
+};
+
+[[noreturn]] void becomeFilter(const Words& words, const FilterJob& job, const Descriptors& fds) {
+  alarm(job.mostSeconds);
   dup2(fds.in, STDIN_FILENO);
   dup2(fds.out, STDOUT_FILENO);
   dup2(fds.err, STDERR_FILENO);
@@ -48,19 +79,7 @@ struct Descriptors {
     setrlimit(RLIMIT_FSIZE, &limit);
   }
   if (job.beforeStart) job.beforeStart();
-  std::vector<char*> argv = {const_cast<char*>(program.c_str())};
-  for (const std::string& argument : job.arguments)
-    argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-  if (job.ppd) {
-    setenv("PPD", job.ppd->c_str(), 1);
-  } else {
-    unsetenv("PPD");
-  }
-  if (job.path) setenv("PATH", job.path->c_str(), 1);
-  for (const auto& [name, value] : job.environment) setenv(name.c_str(), value.c_str(), 1);
-  alarm(job.mostSeconds);
-  execv(program.c_str(), argv.data());
+  execve(words.arguments[0], words.arguments, words.environment);
   _exit(127);
 }
 
@@ -99,8 +118,11 @@ FilterResult runFilter(const std::string& program, const FilterJob& job) {
   const int errors = memfd_create("errors", MFD_CLOEXEC);
   const Descriptors fds = {job.feed ? feedPipe[0] : fileWith(job.input),
                            piped ? outputPipe[1] : output, errors};
+  ProgramWords arguments = argumentsOf(program, job);
+  ProgramWords environment = environmentOf(job);
+  const Words words = {arguments.get(), environment.get()};
   const int pid = fork();
-  if (pid == 0) becomeFilter(program, job, fds);
+  if (pid == 0) becomeFilter(words, job, fds);
   close(fds.in);
   if (piped) close(outputPipe[1]);
   if (job.feed) {
