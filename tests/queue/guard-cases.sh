@@ -22,10 +22,14 @@ accounts() {
 }
 
 # page_log QUEUE JOB: what its line there says of the pages.
-page_log() { sed -n "s/^$1 $2 //p" "$work/page_log"; }
+page_log() { sed -n "s/^$1 $2 //p" "$work/page_log" 2>/dev/null || true; }
 
-# expect_accounts NAME QUEUE JOB ACCOUNTS SHEETS
+is_in_page_log() { [[ -n $(page_log "$@") ]]; }
+
+# expect_accounts NAME QUEUE JOB ACCOUNTS SHEETS: a cancelled job counts as over before its
+# filters are, and its line in the page log comes behind them.
 expect_accounts() {
+  wait_until "the page log has job $3" is_in_page_log "$2" "$3"
   [[ $(accounts "$3") == "$4" ]] || fail "$1: accounts $(accounts "$3"), not $4"
   [[ $(page_log "$2" "$3") == "total $5" ]] || fail "$1: the page log has $(page_log "$2" "$3")"
   [[ $(job_attribute "$3" job-media-sheets-completed) == "$5" ]] ||
