@@ -53,7 +53,7 @@ ProgramWords environmentOf(const FilterJob& job) {
   if (job.path) values["PATH"] = *job.path;
   for (const auto& [name, value] : job.environment) values[name] = value;
   ProgramWords words;
-  for (const auto& [name, value] : values) words.add(name + '=' + value);
+  for (const auto& [name, value] : values) words.add(std::string(name).append("=").append(value));
   return words;
 }
 
